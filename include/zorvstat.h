@@ -1,0 +1,285 @@
+/*
+ * zorvstat.h - the public interface of libzorvstat.
+ *
+ * Every statistical routine comes as a single-precision routine zorvs_f_<name>
+ * and a double-precision routine zorvs_d_<name>.  Keyword routines take their
+ * fixed arguments and then a list of keywords, each followed by its own
+ * arguments, ended by 0.  Reals in a keyword list always travel as double.
+ * Trouble is reported through the error system (zorvs_error_type,
+ * zorvs_error_code and the messages printed on the error unit), never by a
+ * return code.  Arrays that a routine returns are obtained with malloc and
+ * belong to the caller, who releases them with free.
+ *
+ * This header compiles as C99 and as C++.
+ */
+#ifndef ZORVSTAT_H
+#define ZORVSTAT_H
+
+#include <stdio.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ------------------------------------------------------------------------ */
+/* Keywords: one value, one meaning, across the whole library.               */
+/* ------------------------------------------------------------------------ */
+enum zorvs_keyword {
+    ZORVS_ALPHA = 10070,
+    ZORVS_ANOVA_TABLE = 10080,
+    ZORVS_ANOVA_TABLE_USER = 10090,
+    ZORVS_AR_LAGS = 10110,
+    ZORVS_A_COL_DIM = 10170,
+    ZORVS_BACKCASTING = 10190,
+    ZORVS_BONFERRONI = 10270,
+    ZORVS_CHI_SQUARED = 10450,
+    ZORVS_CHI_SQUARED_CONTRIBUTIONS = 10470,
+    ZORVS_CHI_SQUARED_CONTRIBUTIONS_USER = 10480,
+    ZORVS_CHI_SQUARED_STATISTICS = 10490,
+    ZORVS_CHI_SQUARED_STATISTICS_USER = 10500,
+    ZORVS_CLASS_MARKS = 10630,
+    ZORVS_CLUSTER_MEANS = 10640,
+    ZORVS_CLUSTER_SSQ = 10660,
+    ZORVS_CLUSTER_SSQ_USER = 10670,
+    ZORVS_COEF_COVARIANCES = 10690,
+    ZORVS_COEF_COVARIANCES_USER = 10700,
+    ZORVS_COEF_T_TESTS = 10710,
+    ZORVS_COEF_T_TESTS_USER = 10720,
+    ZORVS_COEF_VIF = 10730,
+    ZORVS_COEF_VIF_USER = 10740,
+    ZORVS_COL_LABELS = 10750,
+    ZORVS_COL_NUMBER = 10760,
+    ZORVS_COL_NUMBER_ZERO = 10770,
+    ZORVS_COMPILER_VERSION = 10780,
+    ZORVS_CORRELATIONS = 10810,
+    ZORVS_CONFIDENCE = 10860,
+    ZORVS_CONFIDENCE_MEANS = 10880,
+    ZORVS_CONFIDENCE_MEANS_ADR = 10890,
+    ZORVS_CONFIDENCE_VARIANCES = 10910,
+    ZORVS_CONFIDENCE_VARIANCES_ADR = 10920,
+    ZORVS_CONSTANT = 10930,
+    ZORVS_CONVERGENCE_TOLERANCE = 10990,
+    ZORVS_COOKSD = 11000,
+    ZORVS_COOKSD_USER = 11010,
+    ZORVS_CORRELATION_MATRIX = 11030,
+    ZORVS_COV_COL_DIM = 11055,
+    ZORVS_COVB_COL_DIM = 11060,
+    ZORVS_CUM_PERCENT = 11080,
+    ZORVS_CUTPOINTS = 11090,
+    ZORVS_DATA_BOUNDS = 11120,
+    ZORVS_DELETED_RESIDUAL = 11150,
+    ZORVS_DELETED_RESIDUAL_USER = 11160,
+    ZORVS_DFFITS = 11190,
+    ZORVS_DFFITS_USER = 11200,
+    ZORVS_DUMMY = 11270,
+    ZORVS_DUNN_SIDAK = 11280,
+    ZORVS_EIGENVECTORS = 11320,
+    ZORVS_ERROR_MSG_NAME = 11400,
+    ZORVS_ERROR_MSG_PATH = 11410,
+    ZORVS_ERROR_PRINT_PROC = 11420,
+    ZORVS_EXCLUDE_FIRST = 11540,
+    ZORVS_EXPECTED = 11550,
+    ZORVS_EXPECTED_USER = 11570,
+    ZORVS_FREQUENCIES = 11790,
+    ZORVS_FULL_TRACEBACK = 11850,
+    ZORVS_FUZZ = 11870,
+    ZORVS_FUZZ_ADR = 11880,
+    ZORVS_GET_ERROR_FILE = 11970,
+    ZORVS_GET_OUTPUT_FILE = 11980,
+    ZORVS_GET_PRINT = 11990,
+    ZORVS_GET_STOP = 12000,
+    ZORVS_GET_TRACE = 12010,
+    ZORVS_GROUP_COUNTS = 12090,
+    ZORVS_GROUP_COUNTS_USER = 12100,
+    ZORVS_GROUP_MEANS = 12110,
+    ZORVS_GROUP_MEANS_USER = 12120,
+    ZORVS_GROUP_STD_DEVS = 12130,
+    ZORVS_GROUP_STD_DEVS_USER = 12140,
+    ZORVS_INDICES_EFFECTS = 12300,
+    ZORVS_INITIAL_ESTIMATES = 12350,
+    ZORVS_KNOWN_BOUNDS = 12620,
+    ZORVS_LEAST_SQUARES = 12700,
+    ZORVS_LEVERAGE = 12740,
+    ZORVS_LEVERAGE_USER = 12750,
+    ZORVS_LIBRARY_VERSION = 12760,
+    ZORVS_LILLIEFORS = 12780,
+    ZORVS_NUM_LOST = 12840,
+    ZORVS_LRT = 12880,
+    ZORVS_MAX_ITERATIONS = 12970,
+    ZORVS_MA_LAGS = 13110,
+    ZORVS_MEDIAN = 13150,
+    ZORVS_MEDIAN_AND_SCALE = 13160,
+    ZORVS_METHOD_OF_MOMENTS = 13180,
+    ZORVS_MODEL_ORDER = 13210,
+    ZORVS_NO_COL_LABELS = 13330,
+    ZORVS_NO_CONSTANT = 13340,
+    ZORVS_NO_INTERCEPT = 13350,
+    ZORVS_NO_ROW_LABELS = 13360,
+    ZORVS_N_POSITIVE_DEVIATIONS = 13460,
+    ZORVS_ONE_AT_A_TIME = 13560,
+    ZORVS_ORDERS = 13620,
+    ZORVS_OS_VERSION = 13630,
+    ZORVS_PERCENTAGE = 13720,
+    ZORVS_PERCENTILE = 13730,
+    ZORVS_CI_NEW_SAMPLE = 13800,
+    ZORVS_CI_NEW_SAMPLE_USER = 13810,
+    ZORVS_CI_POP_MEAN = 13820,
+    ZORVS_CI_POP_MEAN_USER = 13830,
+    ZORVS_PRINT_ALL = 13910,
+    ZORVS_PRINT_LOWER = 13930,
+    ZORVS_PRINT_LOWER_NO_DIAG = 13940,
+    ZORVS_PRINT_UPPER = 13960,
+    ZORVS_PRINT_UPPER_NO_DIAG = 13970,
+    ZORVS_RANK = 14110,
+    ZORVS_REGRESSION_INFO = 14140,
+    ZORVS_RESIDUAL = 14190,
+    ZORVS_RESIDUAL_USER = 14220,
+    ZORVS_RETURN_USER = 14280,
+    ZORVS_ROW_LABELS = 14330,
+    ZORVS_ROW_NUMBER = 14340,
+    ZORVS_ROW_NUMBER_ZERO = 14350,
+    ZORVS_SCHEFFE_CI = 14420,
+    ZORVS_SCHEFFE_CI_USER = 14425,
+    ZORVS_SCHEFFE_USER = 14440,
+    ZORVS_SET_ERROR_FILE = 14490,
+    ZORVS_SET_FIRST_TO_NAN = 14500,
+    ZORVS_SET_OUTPUT_FILE = 14510,
+    ZORVS_SET_PRINT = 14520,
+    ZORVS_SET_STOP = 14530,
+    ZORVS_SET_TRACE = 14540,
+    ZORVS_SHAPIRO_WILK = 14550,
+    ZORVS_SS_RESIDUAL = 14740,
+    ZORVS_STANDARDIZED_RESIDUAL = 14750,
+    ZORVS_STANDARDIZED_RESIDUAL_USER = 14760,
+    ZORVS_STAT = 14770,
+    ZORVS_STATISTICS = 14780,
+    ZORVS_STATISTICS_USER = 14790,
+    ZORVS_STAT_COL_DIM = 14800,
+    ZORVS_STAT_USER = 14810,
+    ZORVS_STD_DEV = 14830,
+    ZORVS_TOLERANCE = 15040,
+    ZORVS_TOLERANCE_ADR = 15050,
+    ZORVS_TRANSPOSE = 15070,
+    ZORVS_TUKEY = 15090,
+    ZORVS_WEIGHTS = 15400,
+    ZORVS_WRITE_FORMAT = 15410,
+    ZORVS_X_COL_DIM = 15470,
+    ZORVS_X_MEAN = 15490,
+    ZORVS_X_MEAN_USER = 15500,
+    ZORVS_Y = 15535,
+    ZORVS_COEF_T_TESTS_COL_DIM = 15600,
+    ZORVS_CLUSTER_SEEDS_COL_DIM = 15720,
+    ZORVS_CLUSTER_MEANS_COL_DIM = 15730,
+    ZORVS_CLUSTER_MEANS_USER = 15740,
+    ZORVS_X_COLUMNS = 15750,
+    ZORVS_CLUSTER_COUNTS = 15760,
+    ZORVS_CLUSTER_COUNTS_USER = 15770,
+    ZORVS_CUM_PERCENT_USER = 15780,
+    ZORVS_EIGENVECTORS_USER = 15790,
+    ZORVS_CORRELATIONS_USER = 15800,
+    ZORVS_STD_DEV_USER = 15810,
+    ZORVS_COVARIANCE_MATRIX = 15820,
+    ZORVS_N_ZERO_DEVIATIONS = 15830,
+    ZORVS_SCHEFFE = 15870,
+    ZORVS_REGRESSORS = 16000,
+    ZORVS_REGRESSORS_USER = 16010,
+    ZORVS_REGRESSORS_COL_DIM = 16020,
+    ZORVS_X_CLASS_COLUMNS = 16030,
+    ZORVS_SIGNAL_TRAPPING_ON = 16040,
+    ZORVS_SIGNAL_TRAPPING_OFF = 16041,
+    ZORVS_RELATIVE_ERROR = 16050,
+    ZORVS_MEAN_ESTIMATE = 16051,
+    ZORVS_PARAM_EST_COV = 16052,
+    ZORVS_PARAM_EST_COV_USER = 16053,
+    ZORVS_AUTOCOV = 16054,
+    ZORVS_AUTOCOV_USER = 16055,
+    ZORVS_ARMA_INFO = 16056,
+    ZORVS_TUKEY_USER = 16057,
+    ZORVS_DUNN_SIDAK_USER = 16058,
+    ZORVS_BONFERRONI_USER = 16059,
+    ZORVS_ONE_AT_A_TIME_USER = 16061,
+    ZORVS_CONFIDENCE_ADR = 18000,
+    ZORVS_MISSING_LISTWISE = 18010,
+    ZORVS_MISSING_ELEMENTWISE = 18011,
+    ZORVS_PERCENTAGE_ADR = 20005,
+    ZORVS_PERCENTILE_ADR = 20006,
+    ZORVS_BACKCASTING_ADR = 20017,
+    ZORVS_CONVERGENCE_TOLERANCE_ADR = 20018,
+    ZORVS_RELATIVE_ERROR_ADR = 20019,
+    ZORVS_KEYWORD_END_ = 0
+};
+
+/* Error types, as zorvs_error_type() reports them. */
+enum zorvs_error_types {
+    ZORVS_NO_ERROR = 0,
+    ZORVS_NOTE = 1,
+    ZORVS_ALERT = 2,
+    ZORVS_WARNING = 3,
+    ZORVS_FATAL = 4,
+    ZORVS_TERMINAL = 5,
+    ZORVS_WARNING_IMMEDIATE = 6,
+    ZORVS_FATAL_IMMEDIATE = 7,
+    ZORVS_INTERNAL = 8
+};
+
+/* ------------------------------------------------------------------------ */
+/* Error system                                                             */
+/* ------------------------------------------------------------------------ */
+void zorvs_error_options(int keyword, ...);
+int zorvs_error_type(void);
+int zorvs_error_code(void);
+
+/* ------------------------------------------------------------------------ */
+/* Machine constants and environment                                        */
+/* ------------------------------------------------------------------------ */
+/* @@section machine */
+void zorvs_output_file(int keyword, ...);
+/* @@end machine */
+
+/* ------------------------------------------------------------------------ */
+/* Matrix output                                                            */
+/* ------------------------------------------------------------------------ */
+/* @@section output */
+/* @@end output */
+
+/* ------------------------------------------------------------------------ */
+/* Utilities: extrema                                                       */
+/* ------------------------------------------------------------------------ */
+float zorvs_f_max(float a, float b);
+double zorvs_d_max(double a, double b);
+int zorvs_i_max(int a, int b);
+float zorvs_f_min(float a, float b);
+double zorvs_d_min(double a, double b);
+int zorvs_i_min(int a, int b);
+void zorvs_f_maximum_index(int n, const float x[], int stride, int *index);
+void zorvs_d_maximum_index(int n, const double x[], int stride, int *index);
+float zorvs_f_vmax(int n, ...);
+double zorvs_d_vmax(int n, ...);
+int zorvs_i_vmax(int n, ...);
+float zorvs_f_vmin(int n, ...);
+double zorvs_d_vmin(int n, ...);
+int zorvs_i_vmin(int n, ...);
+
+/* ------------------------------------------------------------------------ */
+/* Special functions and distributions                                      */
+/* ------------------------------------------------------------------------ */
+/* @@section dist */
+/* @@end dist */
+
+/* ------------------------------------------------------------------------ */
+/* Random numbers                                                           */
+/* ------------------------------------------------------------------------ */
+/* @@section random */
+/* @@end random */
+
+/* ------------------------------------------------------------------------ */
+/* Descriptive statistics                                                   */
+/* ------------------------------------------------------------------------ */
+/* @@section describe */
+/* @@end describe */
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* ZORVSTAT_H */

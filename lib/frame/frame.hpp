@@ -1,0 +1,253 @@
+// frame.hpp - the shapes of the library's public routines, written once.
+//
+// A keyword routine is a thin extern "C" function that opens its variable
+// argument list and hands a body to keyword_routine(), which pushes the name,
+// clears the static result, runs the body inside the trap bracket and pops:
+//
+//     namespace {
+//     template <class T> T *lv_example = nullptr;          // static result
+//     template <class T> void l_example(int n, va_list *list) {
+//         zorvs::KeywordReader kw(list, 1);                  // 1 fixed argument
+//         bool user = false;
+//         for (int k = kw.keyword(); k != 0; k = kw.keyword()) {
+//             switch (k) {
+//             case ZORVS_RETURN_USER: lv_example<T> = kw.pointer<T>(); user = true; break;
+//             default: kw.unknown(k); return;                 // (5, 11001)
+//             }
+//         }
+//         ... checks, allocation, work ...
+//         zorvs::exit_test(lv_example<T>, user);
+//     }
+//     }
+//     extern "C" float *zorvs_f_example(int n, ...) {
+//         ZORVS_KEYWORD_ENTRY(n, "zorvs_f_example", lv_example<float>, l_example<float>(n, &list));
+//     }
+//
+// The trap bracket leaves by longjmp: no object with a non-trivial destructor
+// may live in a body, or in anything a body calls, while trapping is on.
+#ifndef ZORVS_FRAME_HPP
+#define ZORVS_FRAME_HPP
+
+#include <bit>
+#include <cmath>
+#include <csetjmp>
+#include <cstdarg>
+#include <cstddef>
+#include <cstdlib>
+#include <type_traits>
+
+#include "frame/services.h"
+
+namespace zorvs {
+
+// Trapping switch, kept with the signal handler.
+void set_trapping(int on);
+
+// Number of trap brackets that may be open at once; a deeper call runs
+// without a bracket rather than write past the tables.
+constexpr int max_brackets = ZORVS_MAX_SIGNAL_LEVELS;
+
+// Reads a keyword list in order and keeps the position of each item,
+// counted from 1 over the whole call, fixed arguments included.
+class KeywordReader {
+public:
+    KeywordReader(va_list *list, int fixed_arguments) : list_(list), position_(fixed_arguments) {}
+
+    // A keyword passed as a fixed argument (zorvs_error_options) counts as one item.
+    int take_fixed_keyword(int keyword) {
+        ++position_;
+        return keyword;
+    }
+    int keyword() { return next<int>(); }
+    int integer() { return next<int>(); }
+    // A real always travels as double; the float twin narrows it at once.
+    template <class T = double>
+    T real() {
+        return static_cast<T>(next<double>());
+    }
+    template <class T>
+    T *pointer() {
+        return next<T *>();
+    }
+    template <class F>
+    F function() {
+        return next<F>();
+    }
+    // Position of the item read last.
+    int position() const { return position_; }
+
+    // Report an unknown keyword: i1 = the keyword, i2 = its position.
+    void unknown(int keyword, int code = 11001) const {
+        zorvs_e1sti(1, keyword);
+        zorvs_e1sti(2, position_);
+        zorvs_ermes(5, code);
+    }
+
+private:
+    template <class T>
+    T next() {
+        ++position_;
+        return va_arg(*list_, T);
+    }
+    va_list *list_;
+    int position_;
+};
+
+// The trap bracket around a body: one environment slot, one handler level.
+template <class Body>
+void bracketed(Body &&body) {
+    if (!zorvs_trap_status() || zorvs_got_environ >= max_brackets) {
+        body();
+        return;
+    }
+    int slot = zorvs_got_environ;
+    ++zorvs_got_environ;
+    if (setjmp(zorvs_error_param.environ[slot]) == 0) {
+        zorvs_set_signal(1);
+        body();
+        --zorvs_got_environ;
+    } else {
+        // The handler has already given the slot back.
+        zorvs_ermes(5, 102);
+    }
+    zorvs_set_signal(0);
+}
+
+// Keyword routine with a static result: push, clear, bracket, pop, return.
+template <class Result, class Body>
+Result keyword_routine(const char *name, Result &result, Body &&body) {
+    zorvs_e1psh(name);
+    result = Result{};
+    bracketed(body);
+    zorvs_e1pop(name);
+    return result;
+}
+
+// Keyword routine that returns nothing.
+template <class Body>
+void keyword_routine(const char *name, Body &&body) {
+    zorvs_e1psh(name);
+    bracketed(body);
+    zorvs_e1pop(name);
+}
+
+// Value routine: push, compute, pop; no bracket.
+template <class Body>
+auto value_routine(const char *name, Body &&body) {
+    zorvs_e1psh(name);
+    auto value = body();
+    zorvs_e1pop(name);
+    return value;
+}
+
+// Exit test of a body: on FATAL or worse, a result the body allocated is
+// freed and the static result becomes null; caller storage stays.
+template <class T>
+void exit_test(T *&result, bool user_storage, int highest_allowed = 3) {
+    if (zorvs_error_n1rty[0] > highest_allowed) {
+        if (!user_storage) {
+            std::free(result);
+            result = nullptr;
+        }
+    }
+}
+
+// The same test for a body that may see WARNING_IMMEDIATE (6), which does
+// not cost the result.
+template <class T>
+void exit_test_keep_immediate_warning(T *&result, bool user_storage) {
+    int type = zorvs_error_n1rty[0];
+    if (type > 3 && type != 6 && !user_storage) {
+        std::free(result);
+        result = nullptr;
+    }
+}
+
+// Allocation.  Every block the library obtains comes through here, so that
+// tests can make the n-th allocation fail (allocation_failure_countdown).
+extern int allocation_failure_countdown;
+void *raw_allocate(std::size_t bytes);
+
+// An unnamed block; failure raises (5, 200).
+template <class T>
+T *allocate(std::size_t count) {
+    T *p = static_cast<T *>(raw_allocate((count ? count : 1) * sizeof(T)));
+    if (!p) zorvs_ermes(5, 200);
+    return p;
+}
+
+// A block of one counted size; failure raises (5, 201) with the count and the
+// argument that set it.
+template <class T>
+T *allocate(int count, const char *name) {
+    T *p = count >= 0 ? static_cast<T *>(raw_allocate((count ? count : 1) * sizeof(T))) : nullptr;
+    if (!p) {
+        zorvs_e1sti(1, count);
+        zorvs_e1stl(1, name);
+        zorvs_ermes(5, 201);
+    }
+    return p;
+}
+
+// A block of two counted sizes; failure raises (5, 202).
+template <class T>
+T *allocate(int count1, const char *name1, int count2, const char *name2) {
+    std::size_t n = (count1 >= 0 && count2 >= 0)
+                        ? static_cast<std::size_t>(count1) * static_cast<std::size_t>(count2)
+                        : 0;
+    T *p = (count1 >= 0 && count2 >= 0) ? static_cast<T *>(raw_allocate((n ? n : 1) * sizeof(T)))
+                                        : nullptr;
+    if (!p) {
+        zorvs_e1sti(1, count1);
+        zorvs_e1stl(1, name1);
+        zorvs_e1sti(2, count2);
+        zorvs_e1stl(2, name2);
+        zorvs_ermes(5, 202);
+    }
+    return p;
+}
+
+// Free a work array and null the pointer.
+template <class T>
+void release(T *&p) {
+    std::free(p);
+    p = nullptr;
+}
+
+// The routine name of a twin: by_type<T>("zorvs_f_x", "zorvs_d_x").
+template <class T>
+constexpr const char *by_type(const char *single, const char *dbl, const char *integer = nullptr) {
+    if constexpr (std::is_same_v<T, float>)
+        return single;
+    else if constexpr (std::is_same_v<T, double>)
+        return dbl;
+    else
+        return integer;
+}
+
+// The library's missing value and the NaN test, widened to double.
+// It has all mantissa bits set, as zorvs_f_machine(6) and zorvs_d_machine(6).
+template <class T>
+constexpr T missing() {
+    if constexpr (std::is_same_v<T, float>)
+        return std::bit_cast<float>(0x7FFFFFFFu);
+    else
+        return std::bit_cast<double>(0x7FFFFFFFFFFFFFFFull);
+}
+template <class T>
+bool is_missing(T x) {
+    return std::isnan(static_cast<double>(x));
+}
+
+}  // namespace zorvs
+
+// The whole body of a keyword routine's extern "C" entry point: the list is
+// opened after `last_fixed`, the body expression sees it as `list`.
+#define ZORVS_KEYWORD_ENTRY(last_fixed, name, static_result, body_call)                  \
+    va_list list;                                                                         \
+    va_start(list, last_fixed);                                                           \
+    auto zorvs_result_ = zorvs::keyword_routine(name, static_result, [&] { body_call; }); \
+    va_end(list);                                                                         \
+    return zorvs_result_
+
+#endif  // ZORVS_FRAME_HPP

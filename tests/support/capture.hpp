@@ -1,0 +1,74 @@
+// capture.hpp - test helpers: capture what the library prints on its error
+// unit (or output unit), and switch the stops off for the length of a test.
+#ifndef ZORVS_TEST_CAPTURE_HPP
+#define ZORVS_TEST_CAPTURE_HPP
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "zorvstat.h"
+
+namespace zorvs_test {
+
+// Everything the library writes to one of its units while the object lives.
+class UnitCapture {
+public:
+    explicit UnitCapture(bool error_unit = true) : error_unit_(error_unit) {
+        stream_ = open_memstream(&buffer_, &size_);
+        zorvs_output_file(error_unit_ ? ZORVS_GET_ERROR_FILE : ZORVS_GET_OUTPUT_FILE, &previous_, 0);
+        zorvs_output_file(error_unit_ ? ZORVS_SET_ERROR_FILE : ZORVS_SET_OUTPUT_FILE, stream_, 0);
+    }
+    ~UnitCapture() {
+        zorvs_output_file(error_unit_ ? ZORVS_SET_ERROR_FILE : ZORVS_SET_OUTPUT_FILE, previous_, 0);
+        std::fclose(stream_);
+        std::free(buffer_);
+    }
+    UnitCapture(const UnitCapture &) = delete;
+    UnitCapture &operator=(const UnitCapture &) = delete;
+
+    // The text written since the object was made, or since the last take().
+    std::string text() {
+        std::fflush(stream_);
+        return std::string(buffer_ + consumed_, size_ - consumed_);
+    }
+    // The same, and start again from empty.
+    std::string take() {
+        std::string t = text();
+        consumed_ = size_;
+        return t;
+    }
+
+private:
+    bool error_unit_;
+    FILE *stream_ = nullptr;
+    FILE *previous_ = nullptr;
+    char *buffer_ = nullptr;
+    std::size_t size_ = 0;
+    std::size_t consumed_ = 0;
+};
+
+// Types 4 and 5 do not stop the process while the object lives.
+class NoStop {
+public:
+    NoStop() {
+        zorvs_error_options(ZORVS_GET_STOP, 4, &fatal_, ZORVS_GET_STOP, 5, &terminal_, 0);
+        zorvs_error_options(ZORVS_SET_STOP, 4, 0, ZORVS_SET_STOP, 5, 0, 0);
+    }
+    ~NoStop() { zorvs_error_options(ZORVS_SET_STOP, 4, fatal_, ZORVS_SET_STOP, 5, terminal_, 0); }
+
+private:
+    int fatal_ = 1;
+    int terminal_ = 1;
+};
+
+// Messages captured and stops off: the usual setting of a test that checks
+// what a routine reports.
+struct Quiet {
+    NoStop no_stop;
+    UnitCapture errors{true};
+};
+
+}  // namespace zorvs_test
+
+#endif  // ZORVS_TEST_CAPTURE_HPP
