@@ -261,10 +261,20 @@ double zorvs_d_vmin(int n, ...);
 int zorvs_i_vmin(int n, ...);
 
 /* ------------------------------------------------------------------------ */
+/* Transposition in place                                                   */
+/* ------------------------------------------------------------------------ */
+/* @@section transpose */
+/* @@end transpose */
+
+/* ------------------------------------------------------------------------ */
 /* Special functions and distributions                                      */
 /* ------------------------------------------------------------------------ */
-/* @@section dist */
-/* @@end dist */
+/* @@section dist_special */
+/* @@end dist_special */
+/* @@section dist_continuous */
+/* @@end dist_continuous */
+/* @@section dist_discrete */
+/* @@end dist_discrete */
 
 /* ------------------------------------------------------------------------ */
 /* Random numbers                                                           */
@@ -275,8 +285,10 @@ int zorvs_i_vmin(int n, ...);
 /* ------------------------------------------------------------------------ */
 /* Descriptive statistics                                                   */
 /* ------------------------------------------------------------------------ */
-/* @@section describe */
-/* @@end describe */
+/* @@section describe_table */
+/* @@end describe_table */
+/* @@section describe_stats */
+/* @@end describe_stats */
 
 #ifdef __cplusplus
 }
