@@ -140,6 +140,22 @@ auto value_routine(const char *name, Body &&body) {
     return value;
 }
 
+// Call a user's function from a body.  For the length of the call the
+// routine's frame is marked as user level, so that a library routine the
+// user's function calls reports and stops as if called from the top.
+template <class F, class... Args>
+auto call_user_function(F function, Args... args) {
+    zorvs_e1usr("ON");
+    if constexpr (std::is_void_v<decltype(function(args...))>) {
+        function(args...);
+        zorvs_e1usr("OFF");
+    } else {
+        auto value = function(args...);
+        zorvs_e1usr("OFF");
+        return value;
+    }
+}
+
 // Exit test of a body: on FATAL or worse, a result the body allocated is
 // freed and the static result becomes null; caller storage stays.
 template <class T>

@@ -309,3 +309,29 @@ TEST_F(Frame, UnitsRejectBadNumbersAndKeywords) {
 }
 
 }  // namespace
+
+namespace {
+
+// A user function that calls a library routine which warns: the warning is
+// released at that routine's return, inside the user function.
+double user_function(double x) {
+    double *r = test_d_filled(1, ZORVS_MAX_ITERATIONS, 3, 0);
+    double v = r ? r[0] : -1;
+    std::free(r);
+    return x + v;
+}
+
+TEST_F(Frame, UserFunctionsCallTheLibraryAsFromTheTop) {
+    zorvs_test::UnitCapture errors;
+    zorvs_e1psh("zorvs_routine_with_user_function");
+    double v = zorvs::call_user_function(user_function, 1.0);
+    EXPECT_EQ(v, 2.0);
+    EXPECT_NE(errors.take().find("WARNING  Error 99950 from test_d_filled."), std::string::npos);
+    // Outside the bracket the same call is nested again and waits.
+    user_function(0.0);
+    EXPECT_EQ(errors.take(), "");
+    zorvs_e1pop("zorvs_routine_with_user_function");
+    EXPECT_NE(errors.take().find("from zorvs_routine_with_user_function."), std::string::npos);
+}
+
+}  // namespace
