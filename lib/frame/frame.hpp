@@ -168,17 +168,6 @@ void exit_test(T *&result, bool user_storage, int highest_allowed = 3) {
     }
 }
 
-// The same test for a body that may see WARNING_IMMEDIATE (6), which does
-// not cost the result.
-template <class T>
-void exit_test_keep_immediate_warning(T *&result, bool user_storage) {
-    int type = zorvs_error_n1rty[0];
-    if (type > 3 && type != 6 && !user_storage) {
-        std::free(result);
-        result = nullptr;
-    }
-}
-
 // Allocation.  Every block the library obtains comes through here, so that
 // tests can make the n-th allocation fail (allocation_failure_countdown).
 extern int allocation_failure_countdown;
