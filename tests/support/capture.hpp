@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "zorvstat.h"
 
@@ -60,6 +62,42 @@ public:
 private:
     int fatal_ = 1;
     int terminal_ = 1;
+};
+
+// The (type, code) of every message raised at once (types 5 to 8) and of
+// every release at the return to user level, while the object lives.
+// Texts change with the catalogue; codes do not, so tests look for codes.
+class CodeLog {
+public:
+    CodeLog() {
+        log().clear();
+        zorvs_set_at_checksum(&record);
+    }
+    ~CodeLog() { zorvs_set_at_checksum(nullptr); }
+    CodeLog(const CodeLog &) = delete;
+    CodeLog &operator=(const CodeLog &) = delete;
+
+    bool has(int type, int code) const {
+        for (const auto &e : log())
+            if (e.first == type && e.second == code) return true;
+        return false;
+    }
+    bool has_code(int code) const {
+        for (const auto &e : log())
+            if (e.second == code) return true;
+        return false;
+    }
+    const std::vector<std::pair<int, int>> &entries() const { return log(); }
+    void clear() { log().clear(); }
+
+private:
+    static std::vector<std::pair<int, int>> &log() {
+        static std::vector<std::pair<int, int>> entries;
+        return entries;
+    }
+    static void record(int type, int code, const char *) {
+        if (type != 0) log().emplace_back(type, code);
+    }
 };
 
 // Messages captured and stops off: the usual setting of a test that checks
