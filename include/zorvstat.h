@@ -272,6 +272,28 @@ int zorvs_i_vmin(int n, ...);
 /* @@section dist_special */
 /* @@end dist_special */
 /* @@section dist_continuous */
+float zorvs_f_gamma_incomplete(float a, float x);
+double zorvs_d_gamma_incomplete(double a, double x);
+float zorvs_f_gamma_cdf(float x, float a);
+double zorvs_d_gamma_cdf(double x, double a);
+float zorvs_f_chi_squared_cdf(float chi_squared, float df);
+double zorvs_d_chi_squared_cdf(double chi_squared, double df);
+float zorvs_f_chi_squared_inverse_cdf(float p, float df);
+double zorvs_d_chi_squared_inverse_cdf(double p, double df);
+float zorvs_f_beta_incomplete(float x, float a, float b);
+double zorvs_d_beta_incomplete(double x, double a, double b);
+float zorvs_f_beta_cdf(float x, float pin, float qin);
+double zorvs_d_beta_cdf(double x, double pin, double qin);
+float zorvs_f_beta_inverse_cdf(float p, float pin, float qin);
+double zorvs_d_beta_inverse_cdf(double p, double pin, double qin);
+float zorvs_f_t_cdf(float t, float df);
+double zorvs_d_t_cdf(double t, double df);
+float zorvs_f_t_inverse_cdf(float p, float df);
+double zorvs_d_t_inverse_cdf(double p, double df);
+float zorvs_f_F_cdf(float f, float df1, float df2);
+double zorvs_d_F_cdf(double f, double df1, double df2);
+float zorvs_f_F_inverse_cdf(float p, float df1, float df2);
+double zorvs_d_F_inverse_cdf(double p, double df1, double df2);
 /* @@end dist_continuous */
 /* @@section dist_discrete */
 /* @@end dist_discrete */
