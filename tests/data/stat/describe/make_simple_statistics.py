@@ -7,6 +7,9 @@ arithmetic (fractions.Fraction); square roots are taken with mpmath at 60
 digits.  Run from this directory:
 
     /usr/bin/python3 make_simple_statistics.py > simple_statistics_ref.inc
+
+The last line holds the t, chi-squared and normal quantiles of the
+confidence-limit and robust-scale tests, from SciPy.
 """
 import random
 from fractions import Fraction
@@ -81,4 +84,18 @@ def main():
          freqs=[2, 1, 3, 1, 2], weights=[0.5, 1.5, 1.0, 2.0, 0.25])
 
 
-main()
+
+def quantiles():
+    """Student t and chi-squared quantiles for the confidence-limit tests."""
+    from scipy import stats
+    print("// t(0.975, 14), chi-squared(0.975, 14), chi-squared(0.025, 14),")
+    print("// t(0.95, 14), chi-squared(0.95, 14), chi-squared(0.05, 14), normal(0.75)")
+    q = [stats.t.ppf(0.975, 14), stats.chi2.ppf(0.975, 14), stats.chi2.ppf(0.025, 14),
+         stats.t.ppf(0.95, 14), stats.chi2.ppf(0.95, 14), stats.chi2.ppf(0.05, 14),
+         stats.norm.ppf(0.75)]
+    print("#define SIMPLE_STATISTICS_QUANTILES " + ", ".join(repr(float(v)) for v in q))
+
+
+if __name__ == "__main__":
+    main()
+    quantiles()
