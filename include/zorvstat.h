@@ -234,6 +234,17 @@ int zorvs_error_code(void);
 /* ------------------------------------------------------------------------ */
 /* @@section machine */
 void zorvs_output_file(int keyword, ...);
+/* IEEE constants, n from 1 to 8: smallest normal, largest, 2^-digits,
+ * spacing above 1, log10(2), NaN (the missing value), +inf, -inf. */
+float zorvs_f_machine(int n);
+double zorvs_d_machine(int n);
+/* Integer constants, n from 0 to 12. */
+int zorvs_i_machine(int n);
+/* Version strings (ZORVS_LIBRARY_VERSION, ZORVS_COMPILER_VERSION,
+ * ZORVS_OS_VERSION): a malloc'ed copy that the caller frees. */
+char *zorvs_version(int keyword);
+/* Page width (option 1 reads, -1 sets) and length (2 reads, -2 sets). */
+void zorvs_page(int option, int *value);
 /* @@end machine */
 
 /* ------------------------------------------------------------------------ */
