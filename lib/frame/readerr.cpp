@@ -69,6 +69,7 @@ struct CatalogueState {
     int cached_index = 0;
     bool cache_valid = false;
     char *path_copy = nullptr;      // the search path chosen at the first open
+    bool path_built_in = false;     // path_copy is the built-in default path
     char candidate[4096] = {};      // the file name being tried
 };
 
@@ -153,7 +154,7 @@ bool l_look_beside_library(FileState *s, const char *file) {
 // and mark the file failed.
 void l_open_error_file(FileState *s) {
     const char *path = zorvs_error_param.path;
-    bool built_in = false;
+    bool built_in = path && path == lv_catalogue.path_copy && lv_catalogue.path_built_in;
     if (!path) {
         const char *env = std::getenv("ZORVSERRPATH");
         path = env ? env : lv_default_path;
@@ -164,6 +165,7 @@ void l_open_error_file(FileState *s) {
             std::memcpy(copy, path, n);
             std::free(lv_catalogue.path_copy);
             lv_catalogue.path_copy = copy;
+            lv_catalogue.path_built_in = built_in;
             zorvs_error_param.path = copy;
             path = copy;
         }
