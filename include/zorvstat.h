@@ -275,12 +275,38 @@ int zorvs_i_vmin(int n, ...);
 /* Transposition in place                                                   */
 /* ------------------------------------------------------------------------ */
 /* @@section transpose */
+/* Transpose the row-major nra x nca matrix a into at (nca rows of nra);
+ * at may be a itself. */
+void zorvs_f_m1ran(int nra, int nca, const float a[], float at[]);
+void zorvs_d_m1ran(int nra, int nca, const double a[], double at[]);
+void zorvs_i_m1ran(int nra, int nca, const int a[], int at[]);
 /* @@end transpose */
 
 /* ------------------------------------------------------------------------ */
 /* Special functions and distributions                                      */
 /* ------------------------------------------------------------------------ */
 /* @@section dist_special */
+/* Gamma function, log |gamma|, beta function and its log. */
+float zorvs_f_gamma(float x);
+double zorvs_d_gamma(double x);
+float zorvs_f_log_gamma(float x);
+double zorvs_d_log_gamma(double x);
+float zorvs_f_beta(float a, float b);
+double zorvs_d_beta(double a, double b);
+float zorvs_f_log_beta(float a, float b);
+double zorvs_d_log_beta(double a, double b);
+/* Error function, its complement, the standard normal distribution. */
+float zorvs_f_erf(float x);
+double zorvs_d_erf(double x);
+float zorvs_f_erfc(float x);
+double zorvs_d_erfc(double x);
+float zorvs_f_normal_cdf(float x);
+double zorvs_d_normal_cdf(double x);
+float zorvs_f_normal_inverse_cdf(float p);
+double zorvs_d_normal_inverse_cdf(double p);
+/* P(X <= x, Y <= y) for unit normals with correlation rho. */
+float zorvs_f_bivariate_normal_cdf(float x, float y, float rho);
+double zorvs_d_bivariate_normal_cdf(double x, double y, double rho);
 /* @@end dist_special */
 /* @@section dist_continuous */
 float zorvs_f_gamma_incomplete(float a, float x);
