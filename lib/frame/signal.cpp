@@ -26,6 +26,7 @@ constexpr int lv_catch[3] = {SIGILL, SIGSEGV, SIGBUS};
 struct SignalState {
     int signal_trapping = 1;
     int sp = 0;  // current nesting level of installed handlers
+    int beyond = 0;  // levels asked for past the table, installed no further
     struct sigaction signal_stack[ZORVS_MAX_SIGNAL_LEVELS][3];
 };
 
@@ -48,10 +49,15 @@ void l_handle_signal(int sig) {
     zorvs_error_param.i[1] = sig;
     int code = message_of(sig);
     if (code) zorvs_ermes(5, code);
-    if (lv_signal.sp >= 1) {
+    if (lv_signal.sp >= 1 && zorvs_got_environ >= 1) {
         --zorvs_got_environ;
         longjmp(zorvs_error_param.environ[zorvs_got_environ], 1);
     }
+    // No bracket to return to (the handler was installed without one): put
+    // the default disposition back, so that the faulting instruction, run
+    // again on return, ends the process as the platform does instead of
+    // looping through this handler.
+    std::signal(sig, SIG_DFL);
 }
 
 }  // namespace
@@ -66,7 +72,13 @@ int zorvs_trap_status(void) { return lv_signal.signal_trapping; }
 
 void zorvs_set_signal(int on) {
     if (on) {
-        if (lv_signal.sp >= ZORVS_MAX_SIGNAL_LEVELS) return;
+        if (lv_signal.sp >= ZORVS_MAX_SIGNAL_LEVELS) {
+            // The table is full: the handler is in force already; count the
+            // level so that its removal stays in step with the installs.
+            ++lv_signal.beyond;
+            zorvs_error_param.trapped = 0;
+            return;
+        }
         struct sigaction action = {};
         action.sa_handler = l_handle_signal;
         sigemptyset(&action.sa_mask);
@@ -75,6 +87,10 @@ void zorvs_set_signal(int on) {
         ++lv_signal.sp;
         zorvs_error_param.trapped = 0;
     } else {
+        if (lv_signal.beyond > 0) {
+            --lv_signal.beyond;
+            return;
+        }
         if (lv_signal.sp <= 0) return;
         --lv_signal.sp;
         for (int k = 0; k < 3; ++k) sigaction(lv_catch[k], &lv_signal.signal_stack[lv_signal.sp][k], nullptr);

@@ -148,7 +148,7 @@ TEST_F(Check, EffectsOfALinearModel) {
     EXPECT_STREQ(zorvs_error_param.l[1], "NCOL");
 }
 
-TEST(SafeDivision, GuardsAgainstTrapsAndUnderflow) {
+TEST(CheckSafeDivision, GuardsAgainstTrapsAndUnderflow) {
     double r;
     zorvs_dc1div(0.0, 0.0, &r);
     EXPECT_TRUE(std::isnan(r));
@@ -173,9 +173,9 @@ TEST(SafeDivision, GuardsAgainstTrapsAndUnderflow) {
     EXPECT_EQ(f, -6.0f);
 }
 
-class FrequencyReader : public Check {};
+class CheckFrequencyReader : public Check {};
 
-TEST_F(FrequencyReader, StatusOfEachKindOfRow) {
+TEST_F(CheckFrequencyReader, StatusOfEachKindOfRow) {
     const double nan = std::nan("");
     // Column-major 4 rows x 3 columns: data, frequency, weight.
     const double x[] = {1, 2, 3, 4,  //
@@ -207,7 +207,7 @@ TEST_F(FrequencyReader, StatusOfEachKindOfRow) {
     EXPECT_EQ(w, 1.0);
 }
 
-TEST_F(FrequencyReader, NegativeValuesAreFatalWithTheRightPair) {
+TEST_F(CheckFrequencyReader, NegativeValuesAreFatalWithTheRightPair) {
     CodeLog codes;
     const float x[] = {5, 6, -3, 2, 1, -4};  // 2 rows: data, frequency, weight
     int nmiss = 0, status = 0;

@@ -6,6 +6,8 @@
 #include <csignal>
 #include <cstdarg>
 #include <cstdint>
+#include <cstdlib>
+#include <utility>
 
 #include "frame/frame.hpp"
 #include "frame/services.h"
@@ -164,6 +166,62 @@ TEST_F(Trap, TrappingOffLetsTheSignalKill) {
             test_writer(1, ZORVS_RETURN_USER, invalid_pointer(), 0);
         },
         ::testing::KilledBySignal(SIGSEGV), "");
+}
+
+// Each caught signal has its message, found by the signal's name whatever
+// number the platform gives it; the bracket answers each with (5, 102).
+TEST_F(Trap, EachCaughtSignalHasItsMessage) {
+    Quiet q;
+    CodeLog codes;
+    const std::pair<int, int> cases[] = {{SIGILL, 504}, {SIGSEGV, 511}, {SIGBUS, 510}};
+    for (auto [sig, code] : cases) {
+        codes.clear();
+        static int raised;
+        raised = sig;
+        static bool went_on;
+        went_on = false;
+        zorvs::keyword_routine("test_raiser", [] {
+            std::raise(raised);
+            went_on = true;
+        });
+        EXPECT_FALSE(went_on) << sig;
+        ASSERT_GE(codes.entries().size(), 2u) << sig;
+        EXPECT_EQ(codes.entries()[0], std::make_pair(5, code)) << sig;
+        EXPECT_EQ(codes.entries()[1], std::make_pair(5, 102)) << sig;
+        EXPECT_EQ(zorvs_error_param.i[1], sig);
+        EXPECT_EQ(zorvs_got_environ, 0);
+    }
+}
+
+// Direct installs past the handler table neither write past it nor put
+// the user's handler back early: removals match installs one for one.
+TEST_F(Trap, LevelsPastTheTableStayInStep) {
+    struct sigaction mine = {}, before;
+    mine.sa_handler = user_handler;
+    sigaction(SIGSEGV, &mine, &before);
+    const int levels = ZORVS_MAX_SIGNAL_LEVELS + 3;
+    for (int k = 0; k < levels; ++k) zorvs_set_signal(1);
+    for (int k = 0; k < levels - 1; ++k) {
+        zorvs_set_signal(0);
+        EXPECT_FALSE(handler_is(SIGSEGV, user_handler)) << k;
+    }
+    zorvs_set_signal(0);
+    EXPECT_TRUE(handler_is(SIGSEGV, user_handler));
+    zorvs_set_signal(0);  // one removal too many is ignored
+    EXPECT_TRUE(handler_is(SIGSEGV, user_handler));
+    sigaction(SIGSEGV, &before, nullptr);
+}
+
+// A fault in a routine called by another: with the default stops the inner
+// pop is not the user's level, so the process does not end there but at
+// the outer pop, with the type reached (exit status 5, not 0).
+TEST_F(Trap, NestedFaultStopsAtTheOuterPopByDefault) {
+    EXPECT_EXIT(
+        {
+            test_outer_writer(1, 0);
+            std::exit(0);
+        },
+        ::testing::ExitedWithCode(5), "TERMINAL Error.*TERMINAL Error");
 }
 
 }  // namespace
