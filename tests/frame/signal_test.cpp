@@ -78,9 +78,6 @@ bool handler_is(int sig, void (*h)(int)) {
 class Trap : public ::testing::Test {
 protected:
     void SetUp() override {
-#ifdef ZORVS_UNDER_ASAN
-        GTEST_SKIP() << "the address sanitizer takes SIGSEGV for itself";
-#endif
         zorvs_e1mes(0, 0, nullptr);
         zorvs_error_options(ZORVS_SIGNAL_TRAPPING_ON, 0);
     }
@@ -160,6 +157,11 @@ TEST_F(Trap, StaleTrappedFlagIsClearedByTheNextBracket) {
 }
 
 TEST_F(Trap, TrappingOffLetsTheSignalKill) {
+#ifdef ZORVS_UNDER_ASAN
+    // With no handler of ours in force, the address sanitizer's own SEGV
+    // handler reports the fault and exits with status 1 instead.
+    GTEST_SKIP() << "the address sanitizer takes an untrapped SIGSEGV for itself";
+#endif
     EXPECT_EXIT(
         {
             zorvs_error_options(ZORVS_SIGNAL_TRAPPING_OFF, 0);
