@@ -345,13 +345,6 @@ double zorvs_d_F_inverse_cdf(double p, double df1, double df2);
 /* Descriptive statistics                                                   */
 /* ------------------------------------------------------------------------ */
 /* @@section describe_table */
-/* @@end describe_table */
-/* @@section describe_stats */
-/* @@end describe_stats */
-
-#ifdef __cplusplus
-}
-#endif
 /* One-way frequency table of n_observations values in n_intervals cells.
  * Keywords: ZORVS_DATA_BOUNDS (float *min, float *max), ZORVS_KNOWN_BOUNDS
  * (lower, upper as double), ZORVS_CUTPOINTS (float cutpoints[]),
@@ -359,5 +352,12 @@ double zorvs_d_F_inverse_cdf(double p, double df1, double df2);
  * The double twin takes double arrays and pointers. */
 float *zorvs_f_table_oneway(int n_observations, float x[], int n_intervals, ...);
 double *zorvs_d_table_oneway(int n_observations, double x[], int n_intervals, ...);
+/* @@end describe_table */
+/* @@section describe_stats */
+/* @@end describe_stats */
+
+#ifdef __cplusplus
+}
+#endif
 
 #endif /* ZORVSTAT_H */
