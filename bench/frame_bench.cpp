@@ -49,3 +49,42 @@ static void BM_max_plain(benchmark::State &state) {
     }
 }
 BENCHMARK(BM_max_plain);
+
+// The argument checks on the normal path: a push and pop with three passing
+// checks (an integer range, an order of two integers, a real not below 0),
+// against the same push and pop with the three tests written inline.
+#include "frame/checks.h"
+
+static void BM_push_pop_checks(benchmark::State &state) {
+    int n = 5, ld = 7;
+    double x = 0.25;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(n);
+        benchmark::DoNotOptimize(x);
+        int arg_no = 0;
+        zorvs_e1psh("bench_checks");
+        zorvs_c1iarg(n, "n", 1, 10, &arg_no);
+        zorvs_c12ile(n, "n", ld, "ld", &arg_no);
+        zorvs_dc1ge0(x, "x", &arg_no);
+        zorvs_e1pop("bench_checks");
+        benchmark::DoNotOptimize(arg_no);
+    }
+}
+BENCHMARK(BM_push_pop_checks);
+
+static void BM_push_pop_inline_tests(benchmark::State &state) {
+    int n = 5, ld = 7;
+    double x = 0.25;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(n);
+        benchmark::DoNotOptimize(x);
+        int bad = 0;
+        zorvs_e1psh("bench_checks");
+        bad += (n < 1 || n > 10);
+        bad += (n > ld);
+        bad += (x < 0.0);
+        zorvs_e1pop("bench_checks");
+        benchmark::DoNotOptimize(bad);
+    }
+}
+BENCHMARK(BM_push_pop_inline_tests);
