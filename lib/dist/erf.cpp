@@ -1,0 +1,136 @@
+// erf.cpp - the error function and its complement, after Fullerton's FNLIB
+// (erf, erfc; Los Alamos 1977).
+//
+// |x| <= 1: erf(x) = x (1 + c(2x^2 - 1)) with the Chebyshev series erfcs.
+// |x| > 1: erfc(x) = exp(-x^2)/|x| (0.5 + c(t)) with the series erc2cs on
+// 1 < x^2 <= 4 (t = (8/x^2 - 5)/3) and erfccs on x^2 > 4 (t = 8/x^2 - 1),
+// which keeps full relative accuracy far into the upper tail; for x < 0,
+// erfc(x) = 2 - erfc(-x).  erf(x) = 1 - erfc(x) above 1.
+#include "dist/special_detail.hpp"
+
+namespace zorvs::special {
+namespace {
+
+template <class T>
+constexpr auto lv_erfcs = rounded<T>(erfcs_data);
+template <class T>
+constexpr auto lv_erc2cs = rounded<T>(erc2cs_data);
+template <class T>
+constexpr auto lv_erfccs = rounded<T>(erfccs_data);
+
+constexpr double sqrtpi = 1.7724538509055161;
+
+// First-use bounds of erf; nterf = 0 means not yet worked out.
+template <class T>
+struct ErfBounds {
+    int nterf;
+    T xbig;   // above it erf is +-1 to working precision
+    T sqeps;  // below it erf is 2x/sqrt(pi)
+};
+template <class T>
+ErfBounds<T> lv_erf_bounds{};
+
+// First-use bounds of erfc.
+template <class T>
+struct ErfcBounds {
+    int nterf, nterfc, nterc2;
+    T xsml;   // below it erfc is 2
+    T xmax;   // above it erfc underflows
+    T sqeps;
+};
+template <class T>
+ErfcBounds<T> lv_erfc_bounds{};
+
+template <class T>
+void erfc_first_use() {
+    ErfcBounds<T> &c = lv_erfc_bounds<T>;
+    if (c.nterf != 0) return;
+    const T u = half_epsilon<T>(), s = smallest<T>();
+    const float eta = static_cast<float>(T(0.1) * u);
+    c.nterfc = initds_checked(lv_erfccs<T>.c, 59, eta);
+    c.nterc2 = initds_checked(lv_erc2cs<T>.c, 49, eta);
+    c.xsml = -std::sqrt(-std::log(T(sqrtpi) * u));
+    const T r = std::sqrt(-std::log(T(sqrtpi) * s));
+    c.xmax = r - T(0.5) * std::log(r) / r - T(0.01);
+    c.sqeps = std::sqrt(2 * u);
+    c.nterf = initds_checked(lv_erfcs<T>.c, 21, eta);
+}
+
+}  // namespace
+
+template <class T>
+T erfc_core(T x, bool *underflow) {
+    erfc_first_use<T>();
+    const ErfcBounds<T> &c = lv_erfc_bounds<T>;
+    *underflow = false;
+    if (x <= c.xsml) return 2;
+    if (x > c.xmax) {
+        *underflow = true;
+        return 0;
+    }
+    T y = std::fabs(x);
+    if (y <= 1) {
+        if (y < c.sqeps) return 1 - 2 * x / T(sqrtpi);
+        return 1 - x * (1 + clenshaw(2 * x * x - 1, lv_erfcs<T>.c, c.nterf));
+    }
+    const T z = y * y;
+    T value;
+    if (z <= 4)
+        value = std::exp(-z) / y * (T(0.5) + clenshaw((8 / z - 5) / 3, lv_erc2cs<T>.c, c.nterc2));
+    else
+        value = std::exp(-z) / y * (T(0.5) + clenshaw(8 / z - 1, lv_erfccs<T>.c, c.nterfc));
+    return x < 0 ? 2 - value : value;
+}
+
+template float erfc_core<float>(float, bool *);
+template double erfc_core<double>(double, bool *);
+
+namespace {
+
+template <class T>
+T l_erf(T x) {
+    ErfBounds<T> &e = lv_erf_bounds<T>;
+    if (e.nterf == 0) {
+        const T u = half_epsilon<T>();
+        e.xbig = std::sqrt(-std::log(T(sqrtpi) * u));
+        e.sqeps = std::sqrt(2 * u);
+        e.nterf = initds_checked(lv_erfcs<T>.c, 21, static_cast<float>(T(0.1) * u));
+    }
+    const T y = std::fabs(x);
+    if (y <= 1) {
+        if (y <= e.sqeps) return 2 * x / T(sqrtpi);
+        return x * (1 + clenshaw(2 * x * x - 1, lv_erfcs<T>.c, e.nterf));
+    }
+    if (y <= e.xbig) {
+        bool underflow = false;
+        return std::copysign(1 - erfc_core(y, &underflow), x);
+    }
+    return std::copysign(T(1), x);
+}
+
+template <class T>
+T l_erfc(T x) {
+    bool underflow = false;
+    const T value = erfc_core(x, &underflow);
+    if (underflow) raise(2, 9015, x, lv_erfc_bounds<T>.xmax);
+    return value;
+}
+
+}  // namespace
+}  // namespace zorvs::special
+
+using zorvs::special::l_erf;
+using zorvs::special::l_erfc;
+
+extern "C" float zorvs_f_erf(float x) {
+    return zorvs::value_routine("zorvs_f_erf", [&] { return l_erf(x); });
+}
+extern "C" double zorvs_d_erf(double x) {
+    return zorvs::value_routine("zorvs_d_erf", [&] { return l_erf(x); });
+}
+extern "C" float zorvs_f_erfc(float x) {
+    return zorvs::value_routine("zorvs_f_erfc", [&] { return l_erfc(x); });
+}
+extern "C" double zorvs_d_erfc(double x) {
+    return zorvs::value_routine("zorvs_d_erfc", [&] { return l_erfc(x); });
+}
