@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 
 #include "frame/checks.h"
+#include "frame/frame.hpp"
 #include "frame/services.h"
 #include "support/capture.hpp"
 
@@ -230,6 +232,33 @@ TEST_F(CheckFrequencyReader, NegativeValuesAreFatalWithTheRightPair) {
     clear();
     zorvs_c1wfr(1, 3, x, 2, 1, 1, 2, 0, 0, &nmiss, &f, &w, &status);
     EXPECT_EQ(last_code(), 11054);
+}
+
+// With the default stops, a failed check ends the process at the pop of the
+// routine the user called, with the type as exit status and every failed
+// check printed first; a negative frequency (type 4) stops the same way.
+TEST(CheckStops, FailedChecksStopAtThePopOfTheUsersRoutine) {
+    EXPECT_EXIT(
+        {
+            zorvs::keyword_routine("zorvs_checked_routine", [] {
+                int arg_no = 0;
+                zorvs_c1iarg(0, "n", 1, 0, &arg_no);
+                zorvs_c12ile(9, "n", 3, "ld", &arg_no);
+            });
+            std::exit(0);
+        },
+        ::testing::ExitedWithCode(5), "603.*601");
+    EXPECT_EXIT(
+        {
+            zorvs::keyword_routine("zorvs_checked_routine", [] {
+                double x[2] = {1.0, -2.0};
+                double f, w;
+                int nmiss = 0, status = 0;
+                zorvs_dc1wfr(0, 0, x, 1, 1, 1, 2, 0, 0, &nmiss, &f, &w, &status);
+            });
+            std::exit(0);
+        },
+        ::testing::ExitedWithCode(4), "11055");
 }
 
 }  // namespace
