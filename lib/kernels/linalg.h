@@ -58,7 +58,7 @@ void zorvs_dnr1rr(const int *nra, const int *nca, const double a[], const int *l
 void zorvs_prime(const int *n, int *nfactors, int factors[], int exponents[], int powers[]);
 
 /* Symmetric eigensystem: all values and vectors, unsorted (e2csf) or by decreasing magnitude (e5csf).
- * work holds at least 2n values (e2csf) or n(n+3) values (e5csf); iwork n integers. */
+ * work holds at least n values (e2csf) or 2n values (e5csf); iwork n integers. */
 void zorvs_e2csf(const int *n, const float a[], const int *lda, float eval[], float evec[], const int *ldevec,
                  float work[]);
 void zorvs_de2csf(const int *n, const double a[], const int *lda, double eval[], double evec[],

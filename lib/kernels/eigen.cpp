@@ -1,0 +1,332 @@
+// eigen.cpp - all eigenvalues and eigenvectors of a real symmetric matrix.
+//
+// The matrix (its upper triangle, mirrored down) is reduced to tridiagonal
+// form by Householder reflections working from the last row upward, with the
+// reflections accumulated into the vectors: Martin, Reinsch and Wilkinson,
+// "Householder's tridiagonalization of a symmetric matrix", Numer. Math. 11
+// (1968) 181-195 (procedure tred2 of the Handbook for Automatic Computation,
+// vol. II).  Each row's tail is scaled by its sum of absolute values before
+// the reflection is formed, which keeps the squares in range.
+//
+// The tridiagonal matrix is diagonalised by the implicit QL method with
+// Wilkinson's shift, the rotations applied to the vectors as they are made:
+// Martin and Wilkinson, "The implicit QL algorithm", Numer. Math. 12 (1968)
+// 377-383 (procedure imtql2).  An off-diagonal counts as zero when it is
+// below epsilon times its two neighbouring diagonals, or below a hundred times
+// the smallest positive number.
+//
+// zorvs_e2csf leaves the values in the order in which QL finds them and
+// scales each vector so that its element of largest magnitude is 1.
+// zorvs_e5csf works on a copy of the matrix scaled by its largest element (so
+// that neither overflow nor underflow can hurt the reduction), diagonalises
+// each unreduced block of the tridiagonal matrix separately, and returns the
+// values by decreasing magnitude with unit vectors.
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+#include "frame/checks.h"
+#include "frame/frame.hpp"
+#include "kernels/kernels.h"
+#include "kernels/linalg.h"
+
+namespace {
+
+inline bool failed() { return zorvs_error_n1rty[0] >= 4; }
+
+inline int iamax(int n, const float *x) { return zorvs_isamax(n, x, 1); }
+inline int iamax(int n, const double *x) { return zorvs_idamax(n, x, 1); }
+inline void svrgp(int n, const float *ra, float *rb, int *iperm) { zorvs_svrgp(n, ra, rb, iperm); }
+inline void svrgp(int n, const double *ra, double *rb, int *iperm) { zorvs_dsvrgp(n, ra, rb, iperm); }
+
+template <class T>
+inline T &el(T *v, int ld, int row, int col) {  // from 0
+    return v[static_cast<std::size_t>(col) * ld + row];
+}
+
+// Householder tridiagonalisation of the symmetric matrix held in v (lower
+// triangle read, upper triangle mirrored down first).  On return d is the
+// diagonal, e(1..n-1) the sub-diagonal with e(0) = 0, and v the orthogonal
+// matrix Q with Q' A Q tridiagonal.
+template <class T>
+void l_e3csf(int n, T *v, int ld, T *d, T *e) {
+    for (int j = 1; j < n; ++j)
+        for (int i = 0; i < j; ++i) el(v, ld, j, i) = el(v, ld, i, j);
+    for (int j = 0; j < n; ++j) d[j] = el(v, ld, n - 1, j);
+    for (int i = n - 1; i > 0; --i) {
+        T scale = 0, h = 0;
+        for (int k = 0; k < i; ++k) scale += std::fabs(d[k]);
+        if (scale == T(0)) {
+            // Nothing to annihilate: the off-diagonal element is zero.
+            e[i] = d[i - 1];
+            for (int j = 0; j < i; ++j) {
+                d[j] = el(v, ld, i - 1, j);
+                el(v, ld, i, j) = 0;
+                el(v, ld, j, i) = 0;
+            }
+        } else {
+            for (int k = 0; k < i; ++k) {
+                d[k] /= scale;
+                h += d[k] * d[k];
+            }
+            T f = d[i - 1];
+            T g = std::sqrt(h);
+            if (f > 0) g = -g;  // the sign against the element's, no cancellation
+            e[i] = scale * g;
+            h -= f * g;
+            d[i - 1] = f - g;
+            for (int j = 0; j < i; ++j) e[j] = 0;
+            // p = A u / h, by columns of the lower triangle.
+            for (int j = 0; j < i; ++j) {
+                f = d[j];
+                el(v, ld, j, i) = f;
+                g = e[j] + el(v, ld, j, j) * f;
+                const T *column = &el(v, ld, 0, j);
+                for (int k = j + 1; k <= i - 1; ++k) {
+                    g += column[k] * d[k];
+                    e[k] += column[k] * f;
+                }
+                e[j] = g;
+            }
+            f = 0;
+            for (int j = 0; j < i; ++j) {
+                e[j] /= h;
+                f += e[j] * d[j];
+            }
+            // q = p - K u with K = u'p / 2h; A := A - u q' - q u'.
+            const T hh = f / (h + h);
+            for (int j = 0; j < i; ++j) e[j] -= hh * d[j];
+            for (int j = 0; j < i; ++j) {
+                f = d[j];
+                g = e[j];
+                T *column = &el(v, ld, 0, j);
+                for (int k = j; k <= i - 1; ++k) column[k] -= f * e[k] + g * d[k];
+                d[j] = el(v, ld, i - 1, j);
+                el(v, ld, i, j) = 0;
+            }
+        }
+        d[i] = h;
+    }
+    // Accumulate the transformations.
+    for (int i = 0; i < n - 1; ++i) {
+        el(v, ld, n - 1, i) = el(v, ld, i, i);
+        el(v, ld, i, i) = 1;
+        const T h = d[i + 1];
+        T *next = &el(v, ld, 0, i + 1);
+        if (h != T(0)) {
+            for (int k = 0; k <= i; ++k) d[k] = next[k] / h;
+            for (int j = 0; j <= i; ++j) {
+                T *column = &el(v, ld, 0, j);
+                T g = 0;
+                for (int k = 0; k <= i; ++k) g += next[k] * column[k];
+                for (int k = 0; k <= i; ++k) column[k] -= g * d[k];
+            }
+        }
+        for (int k = 0; k <= i; ++k) next[k] = 0;
+    }
+    for (int j = 0; j < n; ++j) {
+        d[j] = el(v, ld, n - 1, j);
+        el(v, ld, n - 1, j) = 0;
+    }
+    el(v, ld, n - 1, n - 1) = 1;
+    e[0] = 0;
+}
+
+// Implicit QL on the tridiagonal (d, e), e(i) below d(i) for i >= 1, rows
+// first..last of a larger matrix; rotations go into the columns of v.
+// Returns false when the iterations ran out (count is shared by the block).
+template <class T>
+bool l_e4csf(int first, int last, T *d, T *e, int nv, T *v, int ld, int limit) {
+    const T eps = std::numeric_limits<T>::epsilon();
+    const T small = T(100) * std::numeric_limits<T>::min();
+    if (last <= first) return true;
+    // Off-diagonal i couples i and i+1.
+    for (int i = first; i < last; ++i) e[i] = e[i + 1];
+    e[last] = 0;
+    int iterations = 0;
+    for (int l = first; l <= last; ++l) {
+        for (;;) {
+            int m = l;
+            for (; m < last; ++m) {
+                const T bound = eps * (std::fabs(d[m]) + std::fabs(d[m + 1]));
+                if (std::fabs(e[m]) <= (bound > small ? bound : small)) break;
+            }
+            if (m == l) break;
+            if (iterations >= limit) return false;
+            ++iterations;
+            T g = (d[l + 1] - d[l]) / (T(2) * e[l]);
+            T r = std::hypot(g, T(1));
+            g = d[m] - d[l] + e[l] / (g + (g >= 0 ? std::fabs(r) : -std::fabs(r)));
+            T s = 1, c = 1, p = 0;
+            int i = m - 1;
+            for (; i >= l; --i) {
+                T f = s * e[i];
+                const T b = c * e[i];
+                r = std::hypot(f, g);
+                e[i + 1] = r;
+                if (r == T(0)) {
+                    // Underflow: the block splits here.
+                    d[i + 1] -= p;
+                    e[m] = 0;
+                    break;
+                }
+                s = f / r;
+                c = g / r;
+                g = d[i + 1] - p;
+                r = (d[i] - g) * s + T(2) * c * b;
+                p = s * r;
+                d[i + 1] = g + p;
+                g = c * r - b;
+                T *x = &el(v, ld, 0, i);
+                T *y = &el(v, ld, 0, i + 1);
+                for (int k = 0; k < nv; ++k) {
+                    f = y[k];
+                    y[k] = s * x[k] + c * f;
+                    x[k] = c * x[k] - s * f;
+                }
+            }
+            if (r == T(0) && i >= l) continue;
+            d[l] -= p;
+            e[l] = g;
+            e[m] = 0;
+        }
+    }
+    return true;
+}
+
+template <class T>
+void l_e2csf(int n, const T *a, int lda, T *eval, T *evec, int ldevec, T *work) {
+    if (n < 1) {
+        zorvs_e1sti(1, n);
+        zorvs_ermes(5, 20407);
+        return;
+    }
+    if (lda < n) {
+        zorvs_e1sti(1, lda);
+        zorvs_e1sti(2, n);
+        zorvs_ermes(5, 20408);
+        return;
+    }
+    if (ldevec < n) {
+        zorvs_e1sti(1, ldevec);
+        zorvs_e1sti(2, n);
+        zorvs_ermes(5, 20409);
+        return;
+    }
+    for (int j = 0; j < n; ++j) std::memcpy(&el(evec, ldevec, 0, j), &a[static_cast<std::size_t>(j) * lda], sizeof(T) * n);
+    T *e = work;
+    l_e3csf(n, evec, ldevec, eval, e);
+    if (!l_e4csf(0, n - 1, eval, e, n, evec, ldevec, 30 * n)) {
+        zorvs_ermes(4, 20410);
+        return;
+    }
+    for (int j = 0; j < n; ++j) {
+        T *column = &el(evec, ldevec, 0, j);
+        const int k = iamax(n, column);
+        if (k < 1 || column[k - 1] == T(0)) continue;
+        const T big = column[k - 1];
+        for (int i = 0; i < n; ++i) column[i] /= big;
+    }
+}
+
+template <class T>
+void l_e5csf(int n, const T *a, int lda, T *eval, T *evec, int ldevec, T *work, int *iwork) {
+    int arg = 0;
+    zorvs_c1dim(1, n, "N", lda, "LDA", &arg);
+    zorvs_c1dim(1, n, "*N", ldevec, "LDEVEC", &arg);
+    if (failed()) return;
+    if (n == 1) {
+        eval[0] = a[0];
+        evec[0] = 1;
+        return;
+    }
+    // l_e6csf: a copy scaled by the largest magnitude, then reduced.
+    T scale = 0;
+    for (int j = 0; j < n; ++j)
+        for (int i = 0; i <= j; ++i) scale = std::fmax(scale, std::fabs(a[static_cast<std::size_t>(j) * lda + i]));
+    for (int j = 0; j < n; ++j)
+        for (int i = 0; i < n; ++i) el(evec, ldevec, i, j) = i == j ? T(1) : T(0);
+    if (scale == T(0) || std::isnan(scale)) {
+        for (int i = 0; i < n; ++i) eval[i] = scale;
+        return;
+    }
+    for (int j = 0; j < n; ++j)
+        for (int i = 0; i <= j; ++i) el(evec, ldevec, i, j) = a[static_cast<std::size_t>(j) * lda + i] / scale;
+    T *e = work;
+    l_e3csf(n, evec, ldevec, eval, e);
+    // Cut into blocks at off-diagonals negligible against the whole matrix.
+    T total = 0;
+    for (int i = 0; i < n; ++i) total += eval[i] * eval[i] + e[i] * e[i];
+    const T threshold = std::numeric_limits<T>::epsilon() * std::sqrt(total);
+    bool converged = true;
+    int first = 0;
+    for (int i = 1; i <= n; ++i) {
+        if (i < n && std::fabs(e[i]) > threshold) continue;
+        if (i < n) e[i] = 0;
+        // Block first..i-1: e(first) is the element above the block, zero.
+        e[first] = 0;
+        if (!l_e4csf(first, i - 1, eval, e, n, evec, ldevec, 30 * (i - first))) converged = false;
+        first = i;
+    }
+    if (!converged) zorvs_ermes(3, 20103);
+    for (int i = 0; i < n; ++i) eval[i] *= scale;
+    // Order by decreasing magnitude: sort -|eval| carrying the permutation.
+    T *key = work;
+    T *sorted = work + n;
+    for (int i = 0; i < n; ++i) {
+        key[i] = -std::fabs(eval[i]);
+        iwork[i] = i + 1;
+    }
+    svrgp(n, key, sorted, iwork);
+    for (int i = 0; i < n; ++i) key[i] = eval[iwork[i] - 1];
+    std::memcpy(eval, key, sizeof(T) * n);
+    // Columns by cycles of the permutation: column i takes column iwork(i).
+    T *temp = work;
+    for (int i = 0; i < n; ++i) {
+        if (iwork[i] < 0 || iwork[i] == i + 1) continue;
+        std::memcpy(temp, &el(evec, ldevec, 0, i), sizeof(T) * n);
+        int k = i;
+        for (;;) {
+            const int source = iwork[k] - 1;
+            iwork[k] = -iwork[k];
+            if (source == i) {
+                std::memcpy(&el(evec, ldevec, 0, k), temp, sizeof(T) * n);
+                break;
+            }
+            std::memcpy(&el(evec, ldevec, 0, k), &el(evec, ldevec, 0, source), sizeof(T) * n);
+            k = source;
+        }
+    }
+    for (int i = 0; i < n; ++i) iwork[i] = iwork[i] < 0 ? -iwork[i] : iwork[i];
+}
+
+template <class F>
+void framed(const char *name, F &&body) {
+    zorvs_e1psh(name);
+    body();
+    zorvs_e1pop(name);
+}
+
+}  // namespace
+
+extern "C" {
+
+void zorvs_e2csf(const int *n, const float a[], const int *lda, float eval[], float evec[], const int *ldevec,
+                 float work[]) {
+    framed("zorvs_e2csf", [&] { l_e2csf(*n, a, *lda, eval, evec, *ldevec, work); });
+}
+void zorvs_de2csf(const int *n, const double a[], const int *lda, double eval[], double evec[],
+                  const int *ldevec, double work[]) {
+    framed("zorvs_de2csf", [&] { l_e2csf(*n, a, *lda, eval, evec, *ldevec, work); });
+}
+void zorvs_e5csf(const int *n, const float a[], const int *lda, float eval[], float evec[], const int *ldevec,
+                 float work[], int iwork[]) {
+    framed("zorvs_e5csf", [&] { l_e5csf(*n, a, *lda, eval, evec, *ldevec, work, iwork); });
+}
+void zorvs_de5csf(const int *n, const double a[], const int *lda, double eval[], double evec[],
+                  const int *ldevec, double work[], int iwork[]) {
+    framed("zorvs_de5csf", [&] { l_e5csf(*n, a, *lda, eval, evec, *ldevec, work, iwork); });
+}
+
+}  // extern "C"
