@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "frame/services.h"
 #include "zorvstat.h"
 
 namespace zorvs_test {
