@@ -1,0 +1,290 @@
+// uniform.cpp - the shared uniform generator.
+//
+// A multiplicative congruential generator x := a*x mod (2^31 - 1) in six
+// forms: the multipliers 16807 (Lewis, Goodman and Miller 1969; Park and
+// Miller 1988), 397204094 and 950706376 (Fishman and Moore 1986), each plain
+// or shuffled through a table of 128 entries (Bays and Durham 1976, as
+// described by Knuth, TAOCP vol. 2, 3.2.2, algorithm B).  The larger
+// multipliers are split as 32768*hi + lo so that every product stays below
+// 2^53 and the double arithmetic, with fmod, is exact.
+//
+// The state is one record, zorvs_random_common, shared by the single and the
+// double routines, so that both continue one stream.  Each precision keeps
+// its own shuffle table and its own "table ready" flag: a table filled by the
+// single routine says nothing about the double table, so the double routine
+// fills its own on its first shuffled draw (the record's table_filled field
+// is set when either table is ready).
+#include <cmath>
+#include <cstdint>
+#include <ctime>
+
+#include "frame/checks.h"
+#include "frame/frame.hpp"
+#include "random/random.h"
+#include "zorvstat.h"
+
+extern "C" {
+struct zorvs_random_state zorvs_random_common = {0.0, 0.0, 0, 0, 0};
+}
+
+namespace {
+
+constexpr double modulus = 2147483647.0;
+
+// File-scope state of the generator beside the shared record.
+struct RandomState {
+    int first_use = 1;
+    int seeded = 0;
+    int first_call[2] = {1, 1};    // per twin: call zorvs_r1int(0) once
+    int table_ready[2] = {0, 0};   // per twin: its shuffle table is filled
+    float table_single[128] = {};
+    double table_double[128] = {};
+};
+RandomState lv_random;
+
+template <class T> T *lv_uniform = nullptr;
+
+template <class T>
+constexpr int twin() {
+    return std::is_same_v<T, float> ? 0 : 1;
+}
+template <class T>
+T *table_of() {
+    if constexpr (std::is_same_v<T, float>)
+        return lv_random.table_single;
+    else
+        return lv_random.table_double;
+}
+
+void first_use() {
+    if (!lv_random.first_use) return;
+    // The first divisor in the sequence for which 2147483646/divisor, rounded
+    // to single precision, is below one; x/divisor is then below one in both
+    // precisions.
+    double d = 2147483647.0;
+    const double next[2] = {2147483655.0, 2147483711.0};
+    int i = 0;
+    while (!(static_cast<float>(2147483646.0 / d) < 1.0f)) d = (i < 2) ? next[i++] : d + 8.0;
+    zorvs_random_common.divisor = d;
+    zorvs_random_common.option = 1;
+    zorvs_random_common.table_filled = 0;
+    zorvs_random_common.reserved = 0;
+    lv_random.first_use = 0;
+}
+
+void clock_seed() {
+    int s;
+    zorvs_r1clk(&s);
+    zorvs_random_common.seed = s;
+}
+
+// One step of the generator of the given option.
+inline double step(double x, int option) {
+    switch (option) {
+    case 3:
+    case 4:
+        return std::fmod(std::fmod(x * 32768.0, modulus) * 12121.0 + std::fmod(x * 23166.0, modulus), modulus);
+    case 5:
+    case 6:
+        return std::fmod(std::fmod(x * 32768.0, modulus) * 29013.0 + std::fmod(x * 8392.0, modulus), modulus);
+    default:
+        return std::fmod(x * 16807.0, modulus);
+    }
+}
+
+// Fill the twin's shuffle table with 128 fresh numbers.
+template <class T>
+void l_r1ins() {
+    if (lv_random.first_call[twin<T>()]) {
+        zorvs_r1int(0);
+        lv_random.first_call[twin<T>()] = 0;
+    }
+    T *table = table_of<T>();
+    double x = zorvs_random_common.seed;
+    const int option = zorvs_random_common.option;
+    const double d = zorvs_random_common.divisor;
+    for (int i = 0; i < 128; ++i) {
+        x = step(x, option);
+        table[i] = static_cast<T>(x / d);
+    }
+    zorvs_random_common.seed = x;
+}
+
+// n uniforms into r; the loop is specialised by option so that the step is
+// not dispatched per number.
+template <class T, int Option>
+void draw_plain(int n, T r[]) {
+    double x = zorvs_random_common.seed;
+    const double d = zorvs_random_common.divisor;
+    for (int i = 0; i < n; ++i) {
+        x = step(x, Option);
+        r[i] = static_cast<T>(x / d);
+    }
+    zorvs_random_common.seed = x;
+}
+template <class T, int Option>
+void draw_shuffled(int n, T r[]) {
+    T *table = table_of<T>();
+    double x = zorvs_random_common.seed;
+    const double d = zorvs_random_common.divisor;
+    for (int i = 0; i < n; ++i) {
+        x = step(x, Option);
+        const int k = static_cast<int>(std::fmod(x, 128.0));
+        r[i] = table[k];
+        table[k] = static_cast<T>(x / d);
+    }
+    zorvs_random_common.seed = x;
+}
+
+template <class T>
+void l_rnun(int n, T r[]) {
+    if (lv_random.first_call[twin<T>()]) {
+        zorvs_r1int(0);
+        lv_random.first_call[twin<T>()] = 0;
+    }
+    const int option = zorvs_random_common.option;
+    if (option % 2 == 0 && !lv_random.table_ready[twin<T>()]) {
+        l_r1ins<T>();
+        lv_random.table_ready[twin<T>()] = 1;
+        zorvs_random_common.table_filled = 1;
+    }
+    switch (option) {
+    case 2: draw_shuffled<T, 1>(n, r); break;
+    case 3: draw_plain<T, 3>(n, r); break;
+    case 4: draw_shuffled<T, 3>(n, r); break;
+    case 5: draw_plain<T, 5>(n, r); break;
+    case 6: draw_shuffled<T, 5>(n, r); break;
+    default: draw_plain<T, 1>(n, r); break;
+    }
+}
+
+template <class T>
+void l_random_uniform(int n, va_list *list) {
+    zorvs::KeywordReader kw(list, 1);
+    bool user = false;
+    for (int k = kw.keyword(); k != 0; k = kw.keyword()) {
+        switch (k) {
+        case ZORVS_RETURN_USER:
+            lv_uniform<T> = kw.pointer<T>();
+            user = true;
+            break;
+        default: kw.unknown(k); return;
+        }
+    }
+    int arg = 0;
+    zorvs_c1iarg(n, "n_random", 1, 0, &arg);
+    if (zorvs_n1rcd(0) != 0) {
+        lv_uniform<T> = nullptr;
+        return;
+    }
+    if (!user) {
+        lv_uniform<T> = zorvs::allocate<T>(static_cast<std::size_t>(n));
+        if (!lv_uniform<T>) return;
+    }
+    l_rnun<T>(n, lv_uniform<T>);
+    zorvs::exit_test(lv_uniform<T>, user);
+}
+
+template <class T>
+void l_rnses(const T t[]) {
+    const int tw = twin<T>();
+    if (t[0] <= 0) {
+        lv_random.table_ready[tw] = 0;
+        zorvs_random_common.table_filled = lv_random.table_ready[1 - tw];
+        return;
+    }
+    T *table = table_of<T>();
+    for (int i = 0; i < 128; ++i) {
+        if (t[i] > 0 && t[i] < 1) {
+            table[i] = t[i];
+        } else {
+            zorvs_e1std(1, static_cast<double>(t[i]));
+            zorvs_e1sti(1, i + 1);
+            zorvs_ermes(5, 11031);
+        }
+    }
+    lv_random.table_ready[tw] = 1;
+    zorvs_random_common.table_filled = 1;
+}
+
+}  // namespace
+
+extern "C" {
+
+void zorvs_r1clk(int *seed) {
+    std::time_t now = std::time(nullptr);
+    std::tm parts{};
+    std::tm *t = gmtime_r(&now, &parts);
+    if (!t) t = localtime_r(&now, &parts);
+    int s = t ? 10000 * t->tm_hour + 100 * t->tm_min + t->tm_sec + 1 : 0;
+    *seed = s < 2 ? 123457 : s;
+}
+
+void zorvs_r1int(int k) {
+    first_use();
+    if (k == -1) {
+        lv_random.seeded = 1;
+    } else if (k > 0) {
+        zorvs_random_common.option = k;
+    } else if (k == 0 && !lv_random.seeded) {
+        clock_seed();
+        lv_random.seeded = 1;
+    }
+}
+
+int zorvs_random_seed_get(void) {
+    first_use();
+    if (!lv_random.seeded) {
+        clock_seed();
+        lv_random.seeded = 1;
+    }
+    return static_cast<int>(std::trunc(zorvs_random_common.seed + 0.5));
+}
+
+void zorvs_random_seed_set(int seed) {
+    if (seed == 0) {
+        // A seed of 0 asks for the clock, whether or not a seed was set.
+        clock_seed();
+        return;
+    }
+    first_use();
+    if (seed < 0 || seed >= 2147483647) {
+        // Out of range: ignored without a message, the stream goes on.
+        if (!lv_random.seeded) {
+            clock_seed();
+            lv_random.seeded = 1;
+        }
+        return;
+    }
+    lv_random.seeded = 1;
+    zorvs_random_common.seed = seed;
+}
+
+void zorvs_random_option(int generator_option) {
+    zorvs::keyword_routine("zorvs_random_option", [&] {
+        int arg = 0;
+        zorvs_c1iarg(generator_option, "generator_option", 1, 6, &arg);
+        if (zorvs_n1rcd(0) != 0) return;
+        first_use();
+        zorvs_random_common.option = generator_option;
+    });
+}
+
+void zorvs_rnses(const float table[]) {
+    zorvs::keyword_routine("zorvs_rnses", [&] { l_rnses<float>(table); });
+}
+void zorvs_drnses(const double table[]) {
+    zorvs::keyword_routine("zorvs_drnses", [&] { l_rnses<double>(table); });
+}
+
+void zorvs_f_r1uni(int n, float r[]) { l_rnun<float>(n, r); }
+void zorvs_d_r1uni(int n, double r[]) { l_rnun<double>(n, r); }
+
+float *zorvs_f_random_uniform(int n, ...) {
+    ZORVS_KEYWORD_ENTRY(n, "zorvs_f_random_uniform", lv_uniform<float>, l_random_uniform<float>(n, &list));
+}
+double *zorvs_d_random_uniform(int n, ...) {
+    ZORVS_KEYWORD_ENTRY(n, "zorvs_d_random_uniform", lv_uniform<double>, l_random_uniform<double>(n, &list));
+}
+
+}  // extern "C"
