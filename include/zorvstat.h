@@ -339,6 +339,21 @@ double zorvs_d_F_inverse_cdf(double p, double df1, double df2);
 /* Random numbers                                                           */
 /* ------------------------------------------------------------------------ */
 /* @@section random */
+/* One shared generator stream for both precisions; keyword ZORVS_RETURN_USER (array). */
+float *zorvs_f_random_uniform(int n, ...);
+double *zorvs_d_random_uniform(int n, ...);
+int zorvs_random_seed_get(void);
+void zorvs_random_seed_set(int seed);
+void zorvs_random_option(int generator_option);
+void zorvs_rnses(const float table[]);
+void zorvs_drnses(const double table[]);
+float *zorvs_f_random_normal(int n, ...);
+double *zorvs_d_random_normal(int n, ...);
+float *zorvs_f_random_exponential(int n, ...);
+double *zorvs_d_random_exponential(int n, ...);
+float *zorvs_f_random_gamma(int n, float a, ...);
+double *zorvs_d_random_gamma(int n, double a, ...);
+int *zorvs_random_poisson(int n, float theta, ...);
 /* @@end random */
 
 /* ------------------------------------------------------------------------ */
