@@ -1,0 +1,678 @@
+// simple_statistics.cpp - univariate summary statistics of the columns of a
+// data matrix: mean, variance, standard deviation, skewness, excess
+// kurtosis, extremes, range, coefficient of variation, count, confidence
+// limits of the mean and the variance, and on request the median and the
+// median absolute deviation with its normal-consistent scale.
+//
+// Method: one weighted updating pass per observation for the mean and the
+// centred sums M2, M3, M4 (West 1979, "Updating mean and variance estimates:
+// an improved method", CACM 22; extended to third and fourth moments as in
+// Spicer 1972, Applied Statistics algorithm AS 52), so that data with a
+// large offset and a small spread keep their digits.  Confidence limits use
+// Student's t for the mean and chi-squared for the variance.  The median
+// rows gather each column again, repeat values by their truncated integer
+// frequency, and sort.
+//
+// The pass runs on each column less its first value seen.  The centred sums
+// do not change under a shift, and the running mean of the shifted values is
+// small, so its rounding no longer swamps a small spread about a large offset
+// (values near 1e9 that differ in the first decimal keep 9 digits of their
+// standard deviation this way, against 7 without the shift).
+//
+// The caller's matrix is read in place, row by row, in the same order as a
+// column-major worker would see it after a transposition, so the numbers are
+// the same and `x` is never written.  The table is built directly in its
+// row-major layout.
+
+#include <cmath>
+#include <cstdarg>
+#include <cstdlib>
+#include <initializer_list>
+#include <limits>
+
+#include "frame/machine.h"
+#include "frame/checks.h"
+#include "frame/frame.hpp"
+#include "kernels/kernels.h"
+#include "zorvstat.h"
+
+namespace {
+
+// Rows of the table.
+enum Row {
+    MEAN = 0, VARIANCE, STD_DEV, SKEWNESS, KURTOSIS, MINIMUM, MAXIMUM, RANGE, COEF_VARIATION, COUNT,
+    MEAN_LOWER, MEAN_UPPER, VARIANCE_LOWER, VARIANCE_UPPER, MEDIAN, MAD, ROBUST_SCALE
+};
+
+template <class T>
+struct Constants {
+    static constexpr T eps = std::numeric_limits<T>::epsilon();  // 2^-23 or 2^-52
+    static constexpr T tiny = std::numeric_limits<T>::min();
+    static constexpr T huge = std::numeric_limits<T>::max();
+};
+
+// Everything one call needs, kept together so the worker sees one object.
+template <class T>
+struct Summary {
+    // Input.
+    int n_observations;
+    int n_variables;
+    const T *x;
+    int x_col_dim;
+    const T *frequencies;
+    const T *weights;
+    bool listwise;
+    T confidence_means;
+    T confidence_variances;
+    // The table, row-major with leading dimension ld.
+    T *table;
+    int ld;
+    // Work: first value seen per variable, the flag "a value differs from
+    // the first", and the weight sum per variable.
+    T *first;
+    T *differs;
+    T *weight_sum;
+    // Pass state.
+    T sum_f;
+    T sum_wf;
+    int n_missing;
+    bool failed;
+
+    T &cell(int row, int j) { return table[static_cast<long>(row) * ld + j]; }
+    T value(long i, int j) const { return x[i * x_col_dim + j]; }
+};
+
+// The update of one variable by one value of frequency f and weight w.
+// r is f*w over the new weight total, q = 1 - r, t = f*w*q.
+template <class T>
+void update_moments(Summary<T> &s, int j, T v, T w, T r, T q, T t) {
+    T &mn = s.cell(MINIMUM, j);
+    T &mx = s.cell(MAXIMUM, j);
+    if (zorvs::is_missing(s.first[j])) {
+        s.first[j] = v;
+        mn = v;
+        mx = v;
+    } else {
+        if (v < mn) mn = v;
+        if (v > mx) mx = v;
+        if (v != s.first[j]) s.differs[j] = T(1);
+    }
+    if (w > T(0)) {
+        v -= s.first[j];
+        T &mean = s.cell(MEAN, j);
+        T &m2 = s.cell(VARIANCE, j);
+        T &m3 = s.cell(SKEWNESS, j);
+        T &m4 = s.cell(KURTOSIS, j);
+        T d = v - mean;
+        T dr = d * r;
+        T d2 = d * d;
+        // Each line uses the old values of the sums below it.
+        m4 += T(-4) * dr * m3 + T(6) * dr * dr * m2 + t * (d2 * d2) * (T(1) - T(3) * r * q);
+        m3 += T(-3) * dr * m2 + t * (d2 * d) * (T(1) - T(2) * r);
+        m2 += t * d2;
+        mean += dr;
+    }
+}
+
+// Reset the running sums of one variable when its total falls to 0.
+template <class T>
+void reset_variable(Summary<T> &s, int j) {
+    s.cell(MEAN, j) = T(0);
+    s.cell(VARIANCE, j) = T(0);
+    s.cell(SKEWNESS, j) = T(0);
+    s.cell(KURTOSIS, j) = T(0);
+    if (s.weight_sum) s.weight_sum[j] = T(0);
+}
+
+// One observation (row i, already known to have a usable frequency and
+// weight) into the pass.
+template <class T>
+void add_observation(Summary<T> &s, long i, T f, T w) {
+    const int nv = s.n_variables;
+    if (s.listwise) {
+        for (int j = 0; j < nv; ++j) {
+            if (zorvs::is_missing(s.value(i, j))) {
+                ++s.n_missing;
+                return;
+            }
+        }
+        s.sum_f += f;
+        s.sum_wf += f * w;
+        if (s.sum_f < T(0)) {
+            zorvs_ermes(5, 11066);
+            s.failed = true;
+            return;
+        }
+        if (s.sum_f == T(0)) {
+            for (int j = 0; j < nv; ++j) reset_variable(s, j);
+            s.sum_wf = T(0);
+            return;
+        }
+        T r = 0, q = 0, t = 0;
+        if (w > T(0)) {
+            r = f * w / s.sum_wf;
+            q = T(1) - r;
+            t = f * w * q;
+        }
+        for (int j = 0; j < nv; ++j) update_moments(s, j, s.value(i, j), w, r, q, t);
+        return;
+    }
+    // Element-wise: a NaN drops the element; the row counts once as missing.
+    bool missing_seen = false;
+    for (int j = 0; j < nv; ++j) {
+        T v = s.value(i, j);
+        if (zorvs::is_missing(v)) {
+            missing_seen = true;
+            continue;
+        }
+        T &count = s.cell(COUNT, j);
+        T old_total = s.weight_sum ? s.weight_sum[j] : count;
+        count += f;
+        T new_total = old_total + f * w;
+        if (s.weight_sum) s.weight_sum[j] = new_total;
+        if (count < T(0)) {
+            zorvs_ermes(5, 11066);
+            s.failed = true;
+            return;
+        }
+        if (count == T(0)) {
+            reset_variable(s, j);
+            continue;
+        }
+        T r = 0, q = 0, t = 0;
+        if (w > T(0)) {
+            r = f * w / new_total;
+            q = T(1) - r;
+            t = f * w * q;
+        }
+        update_moments(s, j, v, w, r, q, t);
+    }
+    if (missing_seen) ++s.n_missing;
+}
+
+// Frequency and weight of row i, with the missing-value and sign rules of
+// the library's frequency reader.  Returns false if the row does not count.
+template <class T>
+bool row_frequency_and_weight(Summary<T> &s, long i, T &f, T &w) {
+    f = T(1);
+    w = T(1);
+    if (!s.frequencies && !s.weights) return true;
+    T row[2];
+    int ifrq = 0, iwt = 0, n = 0;
+    if (s.frequencies) {
+        row[n++] = s.frequencies[i];
+        ifrq = n;
+    }
+    if (s.weights) {
+        row[n++] = s.weights[i];
+        iwt = n;
+    }
+    int nmiss = 0, status = 0;
+    if constexpr (std::is_same_v<T, float>)
+        zorvs_c1wfr(1, static_cast<int>(i + 1), row, 1, 1, 1, ifrq, iwt, 0, &nmiss, &f, &w, &status);
+    else
+        zorvs_dc1wfr(1, static_cast<int>(i + 1), row, 1, 1, 1, ifrq, iwt, 0, &nmiss, &f, &w, &status);
+    if (status == 2) ++s.n_missing;
+    if (status == 3) s.failed = true;
+    return status == 0;
+}
+
+// The whole pass over the observations.
+template <class T>
+void run_pass(Summary<T> &s) {
+    for (long i = 0; i < s.n_observations && !s.failed; ++i) {
+        T f, w;
+        if (!row_frequency_and_weight(s, i, f, w)) continue;
+        add_observation(s, i, f, w);
+    }
+    if (s.failed) return;
+    if (s.listwise) {
+        for (int j = 0; j < s.n_variables; ++j) {
+            s.cell(COUNT, j) = s.sum_f;
+            if (s.weight_sum) s.weight_sum[j] = s.sum_wf;
+        }
+    }
+    if (s.n_missing > 0) zorvs_ermes(6, s.listwise ? 11062 : 11288);
+}
+
+// Set the rows of spread, shape, variation and the confidence rows in use
+// of variable j to NaN.
+template <class T>
+void spread_unknown(Summary<T> &s, int j, bool also_mean) {
+    const T nan = zorvs::missing<T>();
+    if (also_mean) s.cell(MEAN, j) = nan;
+    for (int row : {VARIANCE, STD_DEV, SKEWNESS, KURTOSIS, COEF_VARIATION}) s.cell(row, j) = nan;
+    if (s.confidence_means > T(0)) s.cell(MEAN_LOWER, j) = s.cell(MEAN_UPPER, j) = nan;
+    if (s.confidence_variances > T(0)) s.cell(VARIANCE_LOWER, j) = s.cell(VARIANCE_UPPER, j) = nan;
+}
+
+// a / b without overflow or a misleading underflow.
+template <class T>
+T guarded_quotient(T a, T b) {
+    T result;
+    if constexpr (std::is_same_v<T, float>)
+        zorvs_c1div(a, b, &result);
+    else
+        zorvs_dc1div(a, b, &result);
+    return result;
+}
+
+template <class T>
+T t_inverse(T p, T df) {
+    if constexpr (std::is_same_v<T, float>)
+        return zorvs_f_t_inverse_cdf(p, df);
+    else
+        return zorvs_d_t_inverse_cdf(p, df);
+}
+
+template <class T>
+T chi_squared_inverse(T p, T df) {
+    if constexpr (std::is_same_v<T, float>)
+        return zorvs_f_chi_squared_inverse_cdf(p, df);
+    else
+        return zorvs_d_chi_squared_inverse_cdf(p, df);
+}
+
+// Confidence limits of the mean (rows 10, 11) and of the variance (12, 13).
+template <class T>
+void confidence_limits(Summary<T> &s, int j) {
+    const T nan = zorvs::missing<T>();
+    const T count = s.cell(COUNT, j);
+    const T variance = s.cell(VARIANCE, j);
+    const T sd = s.cell(STD_DEV, j);
+    const T df = count - T(1);
+    zorvs_e1sti(1, j + 1);
+    if (s.confidence_means > T(0)) {
+        T lower = nan, upper = nan;
+        if (sd < T(0)) {
+            zorvs_ermes(6, 11079);
+        } else {
+            T p = T(0.5) + s.confidence_means / T(200);
+            T t = t_inverse(p, df);
+            if (zorvs_error_n1rty[0] >= 5) {
+                zorvs_e1sti(1, j + 1);
+                zorvs_ermes(6, 11080);
+            } else if (!zorvs::is_missing(variance)) {
+                T half = t * sd / std::sqrt(count);
+                lower = s.cell(MEAN, j) - half;
+                upper = s.cell(MEAN, j) + half;
+            }
+        }
+        s.cell(MEAN_LOWER, j) = lower;
+        s.cell(MEAN_UPPER, j) = upper;
+    }
+    if (s.confidence_variances > T(0)) {
+        T p = T(0.5) * (T(1) - s.confidence_variances / T(100));
+        T q = T(1) - p;
+        T lower = nan, upper = nan;
+        if (variance < T(0)) {
+            zorvs_e1sti(1, j + 1);
+            zorvs_ermes(6, 11081);
+        } else if (!zorvs::is_missing(variance)) {
+            T chi_upper = chi_squared_inverse(q, df);
+            if (zorvs_error_n1rty[0] >= 4) {
+                zorvs_e1sti(1, j + 1);
+                zorvs_ermes(6, 11082);
+            } else {
+                lower = variance * df / chi_upper;
+            }
+            T chi_lower = chi_squared_inverse(p, df);
+            if (zorvs_error_n1rty[0] >= 4) {
+                zorvs_e1sti(1, j + 1);
+                zorvs_ermes(6, 11082);
+            } else {
+                upper = variance * df / chi_lower;
+            }
+        }
+        s.cell(VARIANCE_LOWER, j) = lower;
+        s.cell(VARIANCE_UPPER, j) = upper;
+    }
+}
+
+// Turn the running sums into the table.
+template <class T>
+void finish(Summary<T> &s) {
+    using C = Constants<T>;
+    const T nan = zorvs::missing<T>();
+    const int nv = s.n_variables;
+
+    // Undo the shift of the pass.
+    for (int j = 0; j < nv; ++j)
+        if (!zorvs::is_missing(s.first[j])) s.cell(MEAN, j) += s.first[j];
+
+    T largest_count = s.cell(COUNT, 0);
+    for (int j = 1; j < nv; ++j)
+        if (s.cell(COUNT, j) > largest_count) largest_count = s.cell(COUNT, j);
+    if (largest_count <= T(1)) {
+        for (int j = 0; j < nv; ++j) spread_unknown(s, j, false);
+        zorvs_ermes(6, 11067);
+        return;
+    }
+    if (s.weight_sum) {
+        T largest_weight = s.weight_sum[0];
+        for (int j = 1; j < nv; ++j)
+            if (s.weight_sum[j] > largest_weight) largest_weight = s.weight_sum[j];
+        if (largest_weight < T(10) * C::eps) {
+            for (int j = 0; j < nv; ++j) spread_unknown(s, j, true);
+            zorvs_ermes(6, 11068);
+            return;
+        }
+    }
+    // Variables whose weights vanish while others' do not.
+    bool any_weightless = false;
+    if (s.weight_sum) {
+        for (int j = 0; j < nv; ++j) {
+            if (s.cell(COUNT, j) > T(1) && s.weight_sum[j] < T(10) * C::eps) {
+                spread_unknown(s, j, true);
+                zorvs_e1sti(1, j + 1);
+                zorvs_ermes(6, 11069);
+                any_weightless = true;
+            }
+        }
+    }
+
+    const T sqrt_tiny = std::sqrt(C::tiny);
+    const T cbrt_tiny = std::cbrt(C::tiny);
+    const T fourth_root_tiny = std::sqrt(sqrt_tiny);
+    const T log_tiny = std::log(C::tiny);
+
+    for (int j = 0; j < nv; ++j) {
+        T &mn = s.cell(MINIMUM, j);
+        T &mx = s.cell(MAXIMUM, j);
+        T range = (zorvs::is_missing(mn) || zorvs::is_missing(mx)) ? T(0) : mx - mn;
+        s.cell(RANGE, j) = range;
+    }
+
+    for (int j = 0; j < nv; ++j) {
+        if (any_weightless && s.cell(COUNT, j) > T(1) && s.weight_sum[j] < T(10) * C::eps) continue;
+        const T count = s.cell(COUNT, j);
+        zorvs_e1sti(1, j + 1);
+        if (count <= T(1)) {
+            spread_unknown(s, j, false);
+            zorvs_ermes(6, 11072);
+            continue;
+        }
+        T &variance = s.cell(VARIANCE, j);
+        T &sd = s.cell(STD_DEV, j);
+        T &skew = s.cell(SKEWNESS, j);
+        T &kurt = s.cell(KURTOSIS, j);
+        const T range = s.cell(RANGE, j);
+        if (s.differs[j] == T(0)) {
+            zorvs_ermes(6, 11076);
+            variance = sd = skew = kurt = T(0);
+        } else if (variance > T(0)) {
+            const T m2 = variance, m3 = skew, m4 = kurt;
+            const T v = m2 / count;
+            const T sv = std::sqrt(v);
+            if (range < sqrt_tiny) {
+                variance = sd = T(0);
+                skew = kurt = nan;
+                zorvs_ermes(6, 11073);
+            } else {
+                variance = m2 / (count - T(1));
+                sd = std::sqrt(variance);
+                if (range < cbrt_tiny) {
+                    skew = kurt = nan;
+                    zorvs_e1sti(1, j + 1);
+                    zorvs_ermes(6, 11074);
+                } else if (T(3) * std::log(sv) >= log_tiny) {
+                    skew = m3 / (count * (sv * sv * sv));
+                } else {
+                    skew = m3 / (count * sv) / sv / sv;
+                }
+                if (range < fourth_root_tiny) {
+                    kurt = nan;
+                    zorvs_e1sti(1, j + 1);
+                    zorvs_ermes(6, 11075);
+                } else if (T(2) * std::log(v) >= log_tiny) {
+                    kurt = m4 / (count * (v * v)) - T(3);
+                } else {
+                    kurt = m4 / (count * v) / v - T(3);
+                }
+            }
+        } else {
+            sd = variance;
+            zorvs_ermes(6, 11077);
+        }
+
+        // Coefficient of variation.
+        T &cv = s.cell(COEF_VARIATION, j);
+        if (!zorvs::is_missing(cv)) {
+            const T mean = s.cell(MEAN, j);
+            if (zorvs::is_missing(mean) || std::fabs(mean) < C::eps)
+                cv = nan;
+            else
+                cv = guarded_quotient(sd, mean);
+            if (zorvs::is_missing(cv)) {
+                zorvs_e1sti(1, j + 1);
+                zorvs_ermes(6, 11078);
+            }
+        }
+        confidence_limits(s, j);
+    }
+}
+
+// The value of a sorted vector's middle, or the mean of its two middle values.
+template <class T>
+T middle_of(T *values, long m) {
+    if (m <= 0) return zorvs::missing<T>();
+    if constexpr (std::is_same_v<T, float>)
+        zorvs_svrgn(static_cast<int>(m), values, values);
+    else
+        zorvs_dsvrgn(static_cast<int>(m), values, values);
+    if (m % 2 == 1) return values[m / 2];
+    return (values[m / 2 - 1] + values[m / 2]) / T(2);
+}
+
+// Does row i take part in the median of variable j?  Without missing values
+// in the pass no test is made; frequencies below 1 contribute nothing.
+template <class T>
+long repeats_of(const Summary<T> &s, long i, int j) {
+    if (s.n_missing > 0) {
+        if (s.frequencies && (zorvs::is_missing(s.frequencies[i]) || s.frequencies[i] == T(0))) return 0;
+        if (s.weights && zorvs::is_missing(s.weights[i])) return 0;
+        if (s.listwise) {
+            for (int k = 0; k < s.n_variables; ++k)
+                if (zorvs::is_missing(s.value(i, k))) return 0;
+        } else if (zorvs::is_missing(s.value(i, j))) {
+            return 0;
+        }
+    }
+    if (!s.frequencies) return 1;
+    T f = s.frequencies[i];
+    if (!(f >= T(1))) return 0;
+    if (f > T(1e9)) f = T(1e9);
+    return static_cast<long>(f);
+}
+
+// Rows 14 to 16: median, median absolute deviation, and robust scale.
+template <class T>
+void median_rows(Summary<T> &s, bool with_scale) {
+    const T nan = zorvs::missing<T>();
+    // The largest number of values any variable gathers.
+    long largest = 0;
+    for (int j = 0; j < s.n_variables; ++j) {
+        long m = 0;
+        if (s.cell(COUNT, j) != T(0))
+            for (long i = 0; i < s.n_observations; ++i) m += repeats_of(s, i, j);
+        if (m > largest) largest = m;
+    }
+    T *values = nullptr;
+    if (largest > std::numeric_limits<int>::max() ||
+        !(values = zorvs::allocate<T>(static_cast<std::size_t>(largest)))) {
+        if (largest > std::numeric_limits<int>::max()) zorvs_ermes(5, 200);
+        return;
+    }
+    // Phi^-1(0.75), once per call, in the routine's precision.
+    T scale_divisor = T(1);
+    if (with_scale) {
+        if constexpr (std::is_same_v<T, float>)
+            scale_divisor = zorvs_f_normal_inverse_cdf(0.75f);
+        else
+            scale_divisor = zorvs_d_normal_inverse_cdf(0.75);
+    }
+    for (int j = 0; j < s.n_variables; ++j) {
+        T median = nan;
+        if (s.cell(COUNT, j) != T(0)) {
+            long m = 0;
+            for (long i = 0; i < s.n_observations; ++i)
+                for (long r = repeats_of(s, i, j); r > 0; --r) values[m++] = s.value(i, j);
+            median = middle_of(values, m);
+        }
+        s.cell(MEDIAN, j) = median;
+        if (!with_scale) continue;
+        T mad = nan;
+        if (s.cell(COUNT, j) != T(0) && !zorvs::is_missing(median)) {
+            long m = 0;
+            for (long i = 0; i < s.n_observations; ++i)
+                for (long r = repeats_of(s, i, j); r > 0; --r) values[m++] = std::fabs(s.value(i, j) - median);
+            mad = middle_of(values, m);
+        }
+        s.cell(MAD, j) = mad;
+        s.cell(ROBUST_SCALE, j) = zorvs::is_missing(mad) ? nan : mad / scale_divisor;
+    }
+    zorvs::release(values);
+}
+
+template <class T>
+T *lv_simple_statistics = nullptr;
+
+template <class T>
+void l_simple_statistics(int n_observations, int n_variables, T *x, va_list *list) {
+    zorvs::KeywordReader kw(list, 3);
+    bool user = false;
+    T confidence_means = T(95), confidence_variances = T(95);
+    const T *frequencies = nullptr;
+    const T *weights = nullptr;
+    int median_keywords = 0;
+    bool with_scale = false;
+    bool listwise = true;
+    int x_col_dim = n_variables;
+    int stat_col_dim = n_variables;
+    for (int k = kw.keyword(); k != 0; k = kw.keyword()) {
+        switch (k) {
+            case ZORVS_CONFIDENCE_MEANS: confidence_means = kw.real<T>(); break;
+            case ZORVS_CONFIDENCE_MEANS_ADR: {
+                const T *p = kw.pointer<T>();
+                if (p) confidence_means = *p;
+                else zorvs_null_pointer("ZORVS_CONFIDENCE_MEANS_ADR", -1, nullptr);
+                break;
+            }
+            case ZORVS_CONFIDENCE_VARIANCES: confidence_variances = kw.real<T>(); break;
+            case ZORVS_CONFIDENCE_VARIANCES_ADR: {
+                const T *p = kw.pointer<T>();
+                if (p) confidence_variances = *p;
+                else zorvs_null_pointer("ZORVS_CONFIDENCE_VARIANCES_ADR", -1, nullptr);
+                break;
+            }
+            case ZORVS_FREQUENCIES: frequencies = kw.pointer<T>(); break;
+            case ZORVS_WEIGHTS: weights = kw.pointer<T>(); break;
+            case ZORVS_MEDIAN: ++median_keywords; break;
+            case ZORVS_MEDIAN_AND_SCALE:
+                ++median_keywords;
+                with_scale = true;
+                break;
+            case ZORVS_MISSING_LISTWISE: listwise = true; break;
+            case ZORVS_MISSING_ELEMENTWISE: listwise = false; break;
+            case ZORVS_X_COL_DIM: x_col_dim = kw.integer(); break;
+            case ZORVS_STAT_COL_DIM: stat_col_dim = kw.integer(); break;
+            case ZORVS_RETURN_USER:
+                lv_simple_statistics<T> = kw.pointer<T>();
+                user = true;
+                break;
+            default: kw.unknown(k); return;
+        }
+    }
+    if (zorvs_error_n1rty[0] > 0) return;
+
+    int arg_no = 0;
+    zorvs_c1iarg(n_variables, "n_variables", 1, 0, &arg_no);
+    zorvs_c1iarg(n_observations, "n_observations", 1, 0, &arg_no);
+    if (zorvs_error_n1rty[0] >= 4) return;
+    zorvs_c12ile(n_variables, "n_variables", x_col_dim, "x_col_dim", &arg_no);
+    zorvs_c12ile(n_variables, "n_variables", stat_col_dim, "stat_col_dim", &arg_no);
+    if (!x) zorvs_null_pointer("x", -1, nullptr);
+    if (confidence_means >= T(100)) {
+        zorvs_e1str(1, confidence_means);
+        zorvs_ermes(5, 11064);
+    }
+    if (confidence_variances >= T(100)) {
+        zorvs_e1str(1, confidence_variances);
+        zorvs_ermes(5, 11065);
+    }
+    if (zorvs_error_n1rty[0] >= 4) return;
+    if (median_keywords > 1) {
+        zorvs_e1stl(1, "ZORVS_MEDIAN and ZORVS_MEDIAN_AND_SCALE");
+        zorvs_ermes(5, 11117);
+        return;
+    }
+    const int n_rows = median_keywords == 0 ? 14 : (with_scale ? 17 : 15);
+    if ((frequencies || weights) && n_observations == 1) {
+        zorvs_e1sti(1, 0);
+        zorvs_e1sti(2, 1);
+        zorvs_ermes(5, 11063);
+        return;
+    }
+
+    Summary<T> s{};
+    s.n_observations = n_observations;
+    s.n_variables = n_variables;
+    s.x = x;
+    s.x_col_dim = x_col_dim;
+    s.frequencies = frequencies;
+    s.weights = weights;
+    s.listwise = listwise;
+    s.confidence_means = confidence_means;
+    s.confidence_variances = confidence_variances;
+    s.ld = stat_col_dim;
+
+    T *work = zorvs::allocate<T>((weights ? 3 : 2) * n_variables, "n_variables");
+    if (!work) return;
+    s.first = work;
+    s.differs = work + n_variables;
+    s.weight_sum = weights ? work + 2 * n_variables : nullptr;
+    if (!user) lv_simple_statistics<T> = zorvs::allocate<T>(n_rows, "n_variables", stat_col_dim, "stat_col_dim");
+    s.table = lv_simple_statistics<T>;
+    if (!s.table) {
+        zorvs::release(work);
+        return;
+    }
+
+    // Cells that no step writes stay NaN.
+    const T nan = zorvs::missing<T>();
+    for (int row = 0; row < n_rows; ++row)
+        for (int j = 0; j < n_variables; ++j) s.cell(row, j) = nan;
+    for (int j = 0; j < n_variables; ++j) {
+        for (int row : {MEAN, VARIANCE, SKEWNESS, KURTOSIS, COUNT, COEF_VARIATION}) s.cell(row, j) = T(0);
+        s.first[j] = nan;
+        s.differs[j] = T(0);
+        if (s.weight_sum) s.weight_sum[j] = T(0);
+    }
+
+    run_pass(s);
+    int type = zorvs_error_type();  // the highest type this call's frame holds
+    if (!s.failed && (type < 4 || type == 6)) {
+        finish(s);
+        if (median_keywords) median_rows(s, with_scale);
+    }
+    zorvs::release(work);
+    // A WARNING_IMMEDIATE does not cost the table; anything else above 3 does.
+    type = zorvs_error_type();
+    if (type > 3 && type != 6 && !user) zorvs::release(lv_simple_statistics<T>);
+}
+
+}  // namespace
+
+extern "C" {
+
+float *zorvs_f_simple_statistics(int n_observations, int n_variables, float x[], ...) {
+    ZORVS_KEYWORD_ENTRY(x, "zorvs_f_simple_statistics", lv_simple_statistics<float>,
+                        l_simple_statistics<float>(n_observations, n_variables, x, &list));
+}
+
+double *zorvs_d_simple_statistics(int n_observations, int n_variables, double x[], ...) {
+    ZORVS_KEYWORD_ENTRY(x, "zorvs_d_simple_statistics", lv_simple_statistics<double>,
+                        l_simple_statistics<double>(n_observations, n_variables, x, &list));
+}
+
+}  // extern "C"
