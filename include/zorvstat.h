@@ -251,6 +251,35 @@ void zorvs_page(int option, int *value);
 /* Matrix output                                                            */
 /* ------------------------------------------------------------------------ */
 /* @@section output */
+/* Options of the output layer: 1..6 read into *value, -6..-1 set from *value,
+ * 0 resets all.  1 centring, 2 row wrap, 3 line count and paging, 4 NaN as
+ * blanks, 5 title on each page, 6 default format (0 "%10.4W", 1 "%12.6W",
+ * 2 "%12.5e"). */
+void zorvs_write_options(int option, int *value);
+/* Print the first n characters of s as a counted line; n = -1 is a page feed. */
+void zorvs_write_line(int n, const char *s);
+/* Print a text with line feeds as lines of at most width characters. */
+void zorvs_wrtrl(const char *text, int width);
+void zorvs_wrrrs(const char *title, float x);
+void zorvs_dwrrrs(const char *title, double x);
+void zorvs_wrirs(const char *title, int x);
+/* Print a row-major matrix.  Keywords: ZORVS_A_COL_DIM (int), ZORVS_WRITE_FORMAT
+ * (char *), ZORVS_TRANSPOSE, ZORVS_PRINT_ALL / _LOWER / _LOWER_NO_DIAG / _UPPER /
+ * _UPPER_NO_DIAG, ZORVS_ROW_LABELS (char **, one per row), ZORVS_ROW_NUMBER,
+ * ZORVS_ROW_NUMBER_ZERO, ZORVS_NO_ROW_LABELS, ZORVS_COL_LABELS (char **: the
+ * head of the row-label column, then one per column), ZORVS_COL_NUMBER,
+ * ZORVS_COL_NUMBER_ZERO, ZORVS_NO_COL_LABELS. */
+void zorvs_f_write_matrix(const char *title, int n_rows, int n_columns, float *a, ...);
+void zorvs_d_write_matrix(const char *title, int n_rows, int n_columns, double *a, ...);
+void zorvs_i_write_matrix(const char *title, int n_rows, int n_columns, int *a, ...);
+/* The same without keywords: stride, print part (0, 1, 2, -1, -2), format,
+ * row and column labels, and label modes (0 none, 1 from 1, 2 text, 3 from 0). */
+void zorvs_f_wrrrl(const char *title, int n_rows, int n_columns, float *a, int a_col_dim, int itring,
+                   const char *format, char **row_labels, char **col_labels, int row_mode, int col_mode);
+void zorvs_d_wrrrl(const char *title, int n_rows, int n_columns, double *a, int a_col_dim, int itring,
+                   const char *format, char **row_labels, char **col_labels, int row_mode, int col_mode);
+void zorvs_i_wrirl(const char *title, int n_rows, int n_columns, int *a, int a_col_dim, int itring,
+                   const char *format, char **row_labels, char **col_labels, int row_mode, int col_mode);
 /* @@end output */
 
 /* ------------------------------------------------------------------------ */
@@ -333,6 +362,13 @@ float zorvs_f_F_inverse_cdf(float p, float df1, float df2);
 double zorvs_d_F_inverse_cdf(double p, double df1, double df2);
 /* @@end dist_continuous */
 /* @@section dist_discrete */
+float zorvs_f_poisson_cdf(int k, float theta);
+double zorvs_d_poisson_cdf(int k, double theta);
+float zorvs_f_binomial_cdf(int k, int n, float p);
+double zorvs_d_binomial_cdf(int k, int n, double p);
+/* P(X <= k), X successes in a sample of n from a population of l holding m. */
+float zorvs_f_hypergeometric_cdf(int k, int n, int m, int l);
+double zorvs_d_hypergeometric_cdf(int k, int n, int m, int l);
 /* @@end dist_discrete */
 
 /* ------------------------------------------------------------------------ */
@@ -369,6 +405,8 @@ float *zorvs_f_table_oneway(int n_observations, float x[], int n_intervals, ...)
 double *zorvs_d_table_oneway(int n_observations, double x[], int n_intervals, ...);
 /* @@end describe_table */
 /* @@section describe_stats */
+float *zorvs_f_simple_statistics(int n_observations, int n_variables, float x[], ...);
+double *zorvs_d_simple_statistics(int n_observations, int n_variables, double x[], ...);
 /* @@end describe_stats */
 
 #ifdef __cplusplus
