@@ -1,0 +1,233 @@
+// gamma.cpp - gamma deviates with shape a and scale 1.
+//
+// a > 1: the method of Schmeiser and Lal (1980), "Squeeze methods for
+//   generating gamma variates", JASA 75, 679-682.  With the mode x3 = a - 1
+//   and the inflection points x2, x4 = x3 -/+ sqrt(x3), the density relative
+//   to its mode, f(x) = exp(x3*log(x/x3) + x3 - x), is covered by four
+//   rectangles under f (accepted at once, one uniform), two concave pieces
+//   between the inflection points (chord squeeze, two uniforms), two
+//   triangles over the convex pieces out to x1 and x5 (three uniforms) and
+//   two exponential tails tangent to log f at x1 and x5 (two uniforms).
+//   A round that is not squeezed ends with the exact test
+//   log(w) <= x3*log(y/x3) + x3 - y.
+// a = 1: -log(u).  a = 0.5: z^2/2 with z normal.
+// a < 1: Ahrens and Dieter (1974), "Computer methods for sampling from
+//   gamma, beta, Poisson and binomial distributions", Computing 12, 223-246,
+//   algorithm GS.
+#include <cfloat>
+#include <cmath>
+#include <limits>
+
+#include "frame/checks.h"
+#include "frame/frame.hpp"
+#include "random/random.h"
+#include "zorvstat.h"
+
+namespace {
+
+template <class T> T *lv_gamma = nullptr;
+
+template <class T>
+void uniforms(int n, T r[]) {
+    if constexpr (std::is_same_v<T, float>)
+        zorvs_f_r1uni(n, r);
+    else
+        zorvs_d_r1uni(n, r);
+}
+template <class T>
+T uniform() {
+    T u;
+    uniforms<T>(1, &u);
+    return u;
+}
+
+// Set-up of the Schmeiser-Lal hat for one shape.
+struct Hat {
+    double x1, x2, x3, x4, x5, f1, f2, f4, f5, ll, lr;
+    double p1, p2, p3, p4, p5, p6, p7, p8, p9, p10;
+};
+
+// log of the density relative to the mode.
+inline double log_f(double x, double x3) { return x > 0 ? x3 * std::log(x / x3) + x3 - x : -HUGE_VAL; }
+
+template <class T>
+bool hat_setup(double a, Hat &h) {
+    const double eps = std::numeric_limits<T>::epsilon();
+    const double big = std::log(static_cast<double>(std::numeric_limits<T>::max())) + 1.0;
+    h.x3 = a - 1.0;
+    const double s = std::sqrt(h.x3);
+    h.x4 = h.x3 + s;
+    h.x5 = h.x4 * (1.0 + 1.0 / s);
+    if (s * (1.0 + eps) < h.x3) {
+        h.x2 = h.x3 - s;
+        h.x1 = h.x2 * (1.0 - 1.0 / s);
+    } else {
+        // The left inflection point is not positive: the first piece starts at 0.
+        h.x2 = 0.0;
+        h.x1 = 0.0;
+    }
+    const double e1 = log_f(h.x1, h.x3), e2 = log_f(h.x2, h.x3), e4 = log_f(h.x4, h.x3),
+                 e5 = log_f(h.x5, h.x3);
+    if (std::fabs(e4) >= big || std::fabs(e5) >= big || (h.x1 > 0 && std::fabs(e1) >= big)) return false;
+    h.f1 = std::exp(e1);
+    h.f2 = std::exp(e2);
+    h.f4 = std::exp(e4);
+    h.f5 = std::exp(e5);
+    // Slopes of log f at x1 and x5: the tails' exponential rates.
+    h.ll = h.x1 > 0 ? h.x3 / h.x1 - 1.0 : 0.0;
+    h.lr = 1.0 - h.x3 / h.x5;
+    h.p1 = h.f2 * (h.x3 - h.x2);
+    h.p2 = h.p1 + h.f4 * (h.x4 - h.x3);
+    h.p3 = h.p2 + h.f1 * (h.x2 - h.x1);
+    h.p4 = h.p3 + h.f5 * (h.x5 - h.x4);
+    h.p5 = h.p4 + (1.0 - h.f2) * (h.x3 - h.x2);
+    h.p6 = h.p5 + (1.0 - h.f4) * (h.x4 - h.x3);
+    h.p7 = h.p6 + 0.5 * (h.f2 - h.f1) * (h.x2 - h.x1);
+    h.p8 = h.p7 + 0.5 * (h.f4 - h.f5) * (h.x5 - h.x4);
+    h.p9 = h.p8 + (h.ll > 0 ? h.f1 / h.ll : 0.0);
+    h.p10 = h.p9 + h.f5 / h.lr;
+    return true;
+}
+
+template <class T>
+double schmeiser_lal(const Hat &h) {
+    for (;;) {
+        double u = uniform<T>() * h.p10;
+        if (u <= h.p4) {  // rectangles under the density
+            if (u <= h.p1) return h.x2 + u / h.f2;
+            if (u <= h.p2) return h.x3 + (u - h.p1) / h.f4;
+            if (u <= h.p3) return h.x1 + (u - h.p2) / h.f1;
+            return h.x4 + (u - h.p3) / h.f5;
+        }
+        const double w = uniform<T>();
+        double x, v;  // candidate and its height relative to the mode
+        if (u <= h.p5) {  // concave piece left of the mode, under height 1
+            const double t = (u - h.p4) / (h.p5 - h.p4);
+            x = h.x2 + (h.x3 - h.x2) * w;
+            if (t <= w) return x;  // below the chord
+            v = h.f2 + (1.0 - h.f2) * t;
+        } else if (u <= h.p6) {  // concave piece right of the mode
+            const double t = (u - h.p5) / (h.p6 - h.p5);
+            x = h.x3 + (h.x4 - h.x3) * w;
+            if (t <= 1.0 - w) return x;
+            v = h.f4 + (1.0 - h.f4) * t;
+        } else if (u <= h.p8) {  // triangles over the convex pieces
+            const double w2 = uniform<T>();
+            const double hi = w > w2 ? w : w2, lo = w > w2 ? w2 : w;
+            if (u <= h.p7) {
+                x = h.x1 + (h.x2 - h.x1) * hi;
+                v = h.f1 + (h.f2 - h.f1) * lo;
+            } else {
+                x = h.x5 - (h.x5 - h.x4) * hi;
+                v = h.f5 + (h.f4 - h.f5) * lo;
+            }
+        } else if (u <= h.p9) {  // left exponential tail
+            const double t = (h.p9 - u) / (h.p9 - h.p8);
+            x = h.x1 + std::log(w) / h.ll;
+            if (x <= 0) continue;
+            v = h.f1 * w * t;
+        } else {  // right exponential tail
+            const double t = (h.p10 - u) / (h.p10 - h.p9);
+            x = h.x5 - std::log(w) / h.lr;
+            v = h.f5 * w * t;
+        }
+        if (v > 0 && std::log(v) <= h.x3 * std::log(x / h.x3) + h.x3 - x) return x;
+    }
+}
+
+template <class T>
+void l_rngam(int n, T a, T r[]) {
+    const double ad = a;
+    if (ad > 1.0) {
+        Hat h;
+        if (!hat_setup<T>(ad, h)) {
+            zorvs_e1psh("l_rngam ");
+            zorvs_e1std(1, ad);
+            zorvs_ermes(5, 11037);
+            zorvs_e1pop("l_rngam ");
+            return;
+        }
+        for (int i = 0; i < n; ++i) r[i] = static_cast<T>(schmeiser_lal<T>(h));
+    } else if (ad == 1.0) {
+        uniforms<T>(n, r);
+        for (int i = 0; i < n; ++i) r[i] = -std::log(r[i]);
+    } else if (ad == 0.5) {
+        if constexpr (std::is_same_v<T, float>)
+            zorvs_f_random_normal(n, ZORVS_RETURN_USER, r, 0);
+        else
+            zorvs_d_random_normal(n, ZORVS_RETURN_USER, r, 0);
+        for (int i = 0; i < n; ++i) r[i] = static_cast<T>(0.5) * r[i] * r[i];
+    } else {
+        // Algorithm GS: a mixture of the power density below 1 and the
+        // exponential tail above, accepted against e^-x or x^(a-1).
+        const double e = 2.7182818284590451;
+        const double b = (e + ad) / e, ra = 1.0 / ad;
+        const double log_small = std::log(static_cast<double>(std::numeric_limits<T>::min()));
+        const double small = std::numeric_limits<T>::min();
+        for (int i = 0; i < n; ++i) {
+            for (;;) {
+                T pair[2];
+                uniforms<T>(2, pair);
+                const double w = -std::log(static_cast<double>(pair[0]));
+                const double p = b * pair[1];
+                double x, test;
+                if (p <= 1.0) {
+                    const double lx = ra * std::log(p);
+                    x = lx < log_small ? small : std::exp(lx);
+                    test = x;
+                } else {
+                    x = -std::log((b - p) / ad);
+                    test = -(ad - 1.0) * std::log(x);
+                }
+                if (test <= w) {
+                    r[i] = static_cast<T>(x);
+                    break;
+                }
+            }
+        }
+    }
+}
+
+template <class T>
+void l_random_gamma(int n, T a, va_list *list) {
+    zorvs::KeywordReader kw(list, 2);
+    bool user = false;
+    for (int k = kw.keyword(); k != 0; k = kw.keyword()) {
+        switch (k) {
+        case ZORVS_RETURN_USER:
+            lv_gamma<T> = kw.pointer<T>();
+            user = true;
+            break;
+        default: kw.unknown(k); lv_gamma<T> = nullptr; return;
+        }
+    }
+    int arg = 0;
+    zorvs_c1iarg(n, "n_random", 1, 0, &arg);
+    if (!(a > 0)) {
+        zorvs_e1std(1, static_cast<double>(a));
+        zorvs_ermes(5, 11036);
+    }
+    if (zorvs_n1rcd(0) != 0) {
+        if (!user) lv_gamma<T> = nullptr;
+        return;
+    }
+    if (!user) {
+        lv_gamma<T> = zorvs::allocate<T>(static_cast<std::size_t>(n));
+        if (!lv_gamma<T>) return;
+    }
+    l_rngam<T>(n, a, lv_gamma<T>);
+    zorvs::exit_test(lv_gamma<T>, user);
+}
+
+}  // namespace
+
+extern "C" {
+
+float *zorvs_f_random_gamma(int n, float a, ...) {
+    ZORVS_KEYWORD_ENTRY(a, "zorvs_f_random_gamma", lv_gamma<float>, l_random_gamma<float>(n, a, &list));
+}
+double *zorvs_d_random_gamma(int n, double a, ...) {
+    ZORVS_KEYWORD_ENTRY(a, "zorvs_d_random_gamma", lv_gamma<double>, l_random_gamma<double>(n, a, &list));
+}
+
+}  // extern "C"

@@ -1,0 +1,250 @@
+// Tests of the non-uniform deviates: uniform counts and stream alignment,
+// goodness of fit of 10^6 deviates against the library's own distribution
+// functions at fixed seeds, sample moments within 4 standard errors, and the
+// failure paths.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "frame/frame.hpp"
+#include "support/capture.hpp"
+#include "zorvstat.h"
+
+namespace {
+
+constexpr int kDraws = 1000000;
+
+void start(int seed) {
+    zorvs_random_option(1);
+    zorvs_random_seed_set(seed);
+}
+
+// Asymptotic Kolmogorov p-value of sqrt(n)*D.
+double kolmogorov_p(double d, int n) {
+    const double x = (std::sqrt(static_cast<double>(n)) + 0.12 + 0.11 / std::sqrt(static_cast<double>(n))) * d;
+    double s = 0;
+    for (int k = 1; k <= 100; ++k) s += 2 * ((k % 2) ? 1 : -1) * std::exp(-2.0 * k * k * x * x);
+    return std::min(1.0, std::max(0.0, s));
+}
+
+template <class T, class Cdf>
+double ks_p(const T *x, int n, Cdf cdf) {
+    std::vector<double> v(x, x + n);
+    std::sort(v.begin(), v.end());
+    double d = 0;
+    for (int i = 0; i < n; ++i) {
+        const double f = cdf(v[i]);
+        d = std::max({d, f - static_cast<double>(i) / n, static_cast<double>(i + 1) / n - f});
+    }
+    return kolmogorov_p(d, n);
+}
+
+// Mean and variance within 4 standard errors of the true ones; mu4 is the
+// fourth central moment.
+template <class T>
+void check_moments(const T *x, int n, double mean, double var, double mu4) {
+    double s = 0;
+    for (int i = 0; i < n; ++i) s += x[i];
+    const double m = s / n;
+    double ss = 0;
+    for (int i = 0; i < n; ++i) ss += (x[i] - m) * (x[i] - m);
+    const double v = ss / (n - 1);
+    EXPECT_LE(std::fabs(m - mean), 4 * std::sqrt(var / n)) << "mean " << m;
+    EXPECT_LE(std::fabs(v - var), 4 * std::sqrt((mu4 - var * var) / n)) << "variance " << v;
+}
+
+TEST(RandomDeviates, NormalAndExponentialUseOneUniformEach) {
+    start(1);
+    float u;
+    zorvs_f_random_uniform(1, ZORVS_RETURN_USER, &u, 0);
+    start(1);
+    float z;
+    zorvs_f_random_normal(1, ZORVS_RETURN_USER, &z, 0);
+    EXPECT_EQ(z, zorvs_f_normal_inverse_cdf(u));
+    EXPECT_EQ(zorvs_random_seed_get(), 16807);
+    // Both twins advance alike and agree to single accuracy.
+    start(7);
+    float zf[100];
+    zorvs_f_random_normal(100, ZORVS_RETURN_USER, zf, 0);
+    const int after = zorvs_random_seed_get();
+    start(7);
+    double zd[100];
+    zorvs_d_random_normal(100, ZORVS_RETURN_USER, zd, 0);
+    EXPECT_EQ(zorvs_random_seed_get(), after);
+    for (int i = 0; i < 100; ++i) EXPECT_NEAR(zf[i], zd[i], 1e-5 * (1 + std::fabs(zd[i])));
+    start(7);
+    double e[100];
+    zorvs_d_random_exponential(100, ZORVS_RETURN_USER, e, 0);
+    EXPECT_EQ(zorvs_random_seed_get(), after);
+    start(7);
+    double ud[100];
+    zorvs_d_random_uniform(100, ZORVS_RETURN_USER, ud, 0);
+    for (int i = 0; i < 100; ++i) EXPECT_DOUBLE_EQ(e[i], -std::log(ud[i]));
+}
+
+TEST(RandomDeviates, NormalFitsAndMoments) {
+    start(12345);
+    double *z = zorvs_d_random_normal(kDraws, 0);
+    ASSERT_NE(z, nullptr);
+    const double p = ks_p(z, kDraws, [](double x) { return zorvs_d_normal_cdf(x); });
+    EXPECT_GT(p, 1e-3);
+    check_moments(z, kDraws, 0.0, 1.0, 3.0);
+    std::free(z);
+    start(4321);
+    float *zf = zorvs_f_random_normal(kDraws, 0);
+    ASSERT_NE(zf, nullptr);
+    EXPECT_GT(ks_p(zf, kDraws, [](double x) { return zorvs_d_normal_cdf(x); }), 1e-3);
+    std::free(zf);
+}
+
+TEST(RandomDeviates, ExponentialFitsAndMoments) {
+    start(99);
+    float *e = zorvs_f_random_exponential(kDraws, 0);
+    ASSERT_NE(e, nullptr);
+    EXPECT_GT(ks_p(e, kDraws, [](double x) { return 1 - std::exp(-x); }), 1e-3);
+    check_moments(e, kDraws, 1.0, 1.0, 9.0);
+    std::free(e);
+}
+
+// Gamma over the shapes of every method: GS below 1, 0.5, 1, the
+// Schmeiser-Lal hat with and without its left convex piece, and large a.
+TEST(RandomDeviates, GammaFitsAndMomentsAcrossMethods) {
+    const double shapes[] = {0.05, 0.3, 0.5, 0.9, 1.0, 1.5, 2.5, 5.0, 30.0, 1000.0};
+    int seed = 1000;
+    for (double a : shapes) {
+        SCOPED_TRACE("a = " + std::to_string(a));
+        start(++seed);
+        double *g = zorvs_d_random_gamma(kDraws, a, 0);
+        ASSERT_NE(g, nullptr);
+        const double p = ks_p(g, kDraws, [a](double x) { return zorvs_d_gamma_cdf(x, a); });
+        EXPECT_GT(p, 1e-3);
+        // Gamma(a): variance a, fourth central moment 3a^2 + 6a.
+        check_moments(g, kDraws, a, a, 3 * a * a + 6 * a);
+        std::free(g);
+    }
+    // The single twin on the main methods.
+    for (float a : {0.4f, 3.0f}) {
+        start(++seed);
+        float *g = zorvs_f_random_gamma(kDraws, a, 0);
+        ASSERT_NE(g, nullptr);
+        EXPECT_GT(ks_p(g, kDraws, [a](double x) { return zorvs_d_gamma_cdf(x, a); }), 1e-3);
+        std::free(g);
+    }
+    // a = 1 is the exponential on the same uniforms; a = 0.5 is z^2/2.
+    start(5);
+    double g1[50], e[50];
+    zorvs_d_random_gamma(50, 1.0, ZORVS_RETURN_USER, g1, 0);
+    start(5);
+    zorvs_d_random_exponential(50, ZORVS_RETURN_USER, e, 0);
+    for (int i = 0; i < 50; ++i) EXPECT_EQ(g1[i], e[i]);
+    start(5);
+    zorvs_d_random_gamma(50, 0.5, ZORVS_RETURN_USER, g1, 0);
+    start(5);
+    zorvs_d_random_normal(50, ZORVS_RETURN_USER, e, 0);
+    for (int i = 0; i < 50; ++i) EXPECT_DOUBLE_EQ(g1[i], 0.5 * e[i] * e[i]);
+}
+
+// Chi-squared test of Poisson counts, classes pooled to expected >= 5.
+double poisson_chi2_p(const int *k, int n, double theta) {
+    const int top = static_cast<int>(theta + 12 * std::sqrt(theta) + 20);
+    std::vector<double> observed(top + 1, 0.0);
+    for (int i = 0; i < n; ++i) observed[std::min(k[i], top)] += 1;
+    double chi2 = 0, obs = 0, expct = 0, prev = 0;
+    int df = -1;
+    for (int j = 0; j <= top; ++j) {
+        const double cdf = j == top ? 1.0 : zorvs_d_poisson_cdf(j, theta);
+        obs += observed[j];
+        expct += n * (cdf - prev);
+        prev = cdf;
+        if (expct >= 5 && (j == top || n * (1 - cdf) >= 5)) {
+            chi2 += (obs - expct) * (obs - expct) / expct;
+            obs = expct = 0;
+            ++df;
+        }
+    }
+    if (expct > 0) chi2 += (obs - expct) * (obs - expct) / expct;
+    return 1 - zorvs_d_chi_squared_cdf(chi2, df);
+}
+
+TEST(RandomDeviates, PoissonFitsAndMomentsInversionAndPtpe) {
+    const float thetas[] = {0.1f, 2.5f, 14.5f, 15.0f, 40.0f, 250.0f, 5000.0f};
+    int seed = 2000;
+    for (float theta : thetas) {
+        SCOPED_TRACE("theta = " + std::to_string(theta));
+        start(++seed);
+        int *k = zorvs_random_poisson(kDraws, theta, 0);
+        ASSERT_NE(k, nullptr);
+        EXPECT_GT(poisson_chi2_p(k, kDraws, theta), 1e-3);
+        check_moments(k, kDraws, theta, theta, theta * (1 + 3 * theta));
+        std::free(k);
+    }
+    // theta 1e6 keeps to the integer range, near the mean.
+    start(3);
+    int big[1000];
+    zorvs_random_poisson(1000, 1e6f, ZORVS_RETURN_USER, big, 0);
+    for (int v : big) {
+        EXPECT_GT(v, 1000000 - 6000);
+        EXPECT_LT(v, 1000000 + 6000);
+    }
+    // Inversion: one uniform per deviate.
+    start(1);
+    int one[10];
+    zorvs_random_poisson(10, 3.0f, ZORVS_RETURN_USER, one, 0);
+    EXPECT_EQ(zorvs_random_seed_get(), 2007237709);  // the tenth step from seed 1
+}
+
+TEST(RandomDeviates, FailuresAreReported) {
+    zorvs_test::Quiet q;
+    zorvs_test::CodeLog log;
+    start(1);
+    EXPECT_EQ(zorvs_d_random_gamma(10, 0.0, 0), nullptr);
+    EXPECT_TRUE(log.has(5, 11036));
+    EXPECT_EQ(zorvs_error_param.r[1], 0.0);
+    log.clear();
+    EXPECT_EQ(zorvs_f_random_gamma(10, -2.0f, 0), nullptr);
+    EXPECT_TRUE(log.has(5, 11036));
+    log.clear();
+    EXPECT_EQ(zorvs_random_poisson(10, 0.0f, 0), nullptr);
+    EXPECT_TRUE(log.has(5, 11032));
+    log.clear();
+    EXPECT_EQ(zorvs_f_random_normal(0, 0), nullptr);
+    EXPECT_EQ(zorvs_d_random_exponential(-1, 0), nullptr);
+    EXPECT_EQ(zorvs_random_poisson(0, 1.0f, 0), nullptr);
+    EXPECT_EQ(zorvs_d_random_gamma(0, 2.0, 0), nullptr);
+    EXPECT_NE(q.errors.take().find("n_random"), std::string::npos);
+    EXPECT_EQ(zorvs_random_seed_get(), 1);  // nothing drawn
+    // Unknown keywords, with their positions.
+    log.clear();
+    EXPECT_EQ(zorvs_d_random_normal(3, 12345, 0), nullptr);
+    EXPECT_EQ(zorvs_error_param.i[2], 2);
+    EXPECT_EQ(zorvs_d_random_gamma(3, 2.0, 12345, 0), nullptr);
+    EXPECT_EQ(zorvs_error_param.i[2], 3);
+    EXPECT_EQ(zorvs_random_poisson(3, 2.0f, 12345, 0), nullptr);
+    EXPECT_EQ(zorvs_error_param.i[2], 3);
+    EXPECT_TRUE(log.has(5, 11001));
+    // Allocation failure in each family: (5, 200) and a null result.
+    auto fails = [&](auto call) {
+        log.clear();
+        zorvs::allocation_failure_countdown = 1;
+        EXPECT_EQ(call(), nullptr);
+        zorvs::allocation_failure_countdown = 0;
+        EXPECT_TRUE(log.has(5, 200));
+    };
+    fails([] { return zorvs_f_random_normal(5, 0); });
+    fails([] { return zorvs_d_random_exponential(5, 0); });
+    fails([] { return zorvs_d_random_gamma(5, 3.0, 0); });
+    fails([] { return zorvs_random_poisson(5, 3.0f, 0); });
+    fails([] { return zorvs_f_random_uniform(5, 0); });
+    q.errors.take();
+}
+
+TEST(RandomDeviates, BadParametersStopByDefault) {
+    EXPECT_EXIT(zorvs_d_random_gamma(3, -1.0, 0), ::testing::ExitedWithCode(5), "11036|zorvs_d_random_gamma");
+    EXPECT_EXIT(zorvs_random_poisson(3, -1.0f, 0), ::testing::ExitedWithCode(5), "11032|zorvs_random_poisson");
+}
+
+}  // namespace
