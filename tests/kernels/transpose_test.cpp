@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "frame/frame.hpp"
+#include "frame/services.h"
 #include "support/capture.hpp"
 #include "kernels/linalg.h"
 #include "zorvstat.h"
@@ -106,14 +107,14 @@ TEST(Transpose, SquareOneByNAndTwins) {
     EXPECT_EQ(with, (std::vector<int>{a[0], a[5], a[10], a[1], a[6], a[11], a[2], a[7], a[12], a[3], a[8], a[13], a[4], a[9], a[14]}));
     zorvs_i_m1ran(5, 3, with.data(), with.data());
     EXPECT_EQ(with, a);
-    EXPECT_EQ(zorvs_error_type(), 0);
+    EXPECT_EQ(zorvs_error_n1rty[1], 0);
 }
 
 TEST(Transpose, BadShapesRaise620And621) {
     zorvs_test::Quiet q;
     float x[4] = {1, 2, 3, 4};
     zorvs_f_m1ran(0, 4, x, x);
-    EXPECT_EQ(zorvs_error_type(), 5);
+    EXPECT_EQ(zorvs_error_n1rty[1], 5);
     EXPECT_EQ(zorvs_error_code(), 620);
     EXPECT_EQ(zorvs_error_param.i[1], 0);
     zorvs_d_m1ran(2, -3, nullptr, nullptr);

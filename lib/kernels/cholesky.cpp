@@ -1,0 +1,468 @@
+// cholesky.cpp - factorisation and solution for symmetric non-negative
+// definite matrices that may be singular, the sweep operator, and the small
+// matrix utilities around them.  Column-major, numbers by pointer.
+//
+// zorvs_chfac: the rank-revealing Cholesky factor R (upper, A = R'R) by
+//   columns (the inner-product form of Golub and Van Loan, Matrix
+//   Computations, 4th ed., algorithm 4.2.1), where a pivot at or below tol
+//   times the diagonal of A marks its row dependent and zero; a column that
+//   needs a non-zero element against a dependent row, or a pivot below zero,
+//   shows that A is not non-negative definite.
+// zorvs_girts: triangular solves with such an R, and its generalized inverse
+//   (the zero-diagonal rows and columns of R become zero rows and columns of
+//   the inverse; the rest is the inverse of the remaining triangle, formed in
+//   place as in LINPACK's DTRDI, Dongarra et al., LINPACK Users' Guide, 1979).
+// zorvs_gswep: one step of the sweep operator (Goodnight, "A tutorial on the
+//   SWEEP operator", The American Statistician 33 (1979) 149-158) on the upper
+//   triangle, in the reversible form of Jennrich (1977): a swept pivot p
+//   becomes -1/p, so that sweeping the same row again restores the matrix.
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+#include "frame/checks.h"
+#include "frame/frame.hpp"
+#include "kernels/kernels.h"
+#include "kernels/linalg.h"
+
+namespace {
+
+inline float dot(int n, const float *x, const float *y) { return zorvs_sdot(n, x, 1, y, 1); }
+inline double dot(int n, const double *x, const double *y) { return zorvs_ddot(n, x, 1, y, 1); }
+inline float nrm2(int n, const float *x) { return zorvs_snrm2(n, x); }
+inline double nrm2(int n, const double *x) { return zorvs_dnrm2(n, x); }
+inline float asum(int n, const float *x) { return zorvs_sasum(n, x, 1); }
+inline double asum(int n, const double *x) { return zorvs_dasum(n, x, 1); }
+inline float a1ot(int n, const float *x, const float *y) { return zorvs_a1ot(n, x, 1, y, 1); }
+inline double a1ot(int n, const double *x, const double *y) { return zorvs_da1ot(n, x, 1, y, 1); }
+inline void trsv(const char *trans, int n, const float *a, int lda, float *x) {
+    zorvs_strsv("UPPER", trans, "NON-UNIT", n, a, lda, x, 1);
+}
+inline void trsv(const char *trans, int n, const double *a, int lda, double *x) {
+    zorvs_dtrsv("UPPER", trans, "NON-UNIT", n, a, lda, x, 1);
+}
+inline void gemm_tn(const int *m, const int *k, const float *a, const int *lda, float *c, const int *ldc) {
+    const float one = 1, zero = 0;
+    zorvs_sgemm("T", 1, "N", 1, m, m, k, &one, a, lda, a, lda, &zero, c, ldc);
+}
+inline void gemm_tn(const int *m, const int *k, const double *a, const int *lda, double *c, const int *ldc) {
+    const double one = 1, zero = 0;
+    zorvs_dsgemm("T", 1, "N", 1, m, m, k, &one, a, lda, a, lda, &zero, c, ldc);
+}
+inline void check_r(int n, const float *r, int ldr, int *arg) { zorvs_c1r(n, r, ldr, arg); }
+inline void check_r(int n, const double *r, int ldr, int *arg) { zorvs_dc1r(n, r, ldr, arg); }
+
+// A terminal or fatal error has been raised in the current routine.
+inline bool failed() { return zorvs_error_n1rty[0] >= 4; }
+
+// Element (i, j) from 1 of a column-major matrix.
+template <class T>
+inline T &at(T *a, int lda, int i, int j) {
+    return a[static_cast<std::size_t>(j - 1) * lda + (i - 1)];
+}
+template <class T>
+inline const T &at(const T *a, int lda, int i, int j) {
+    return a[static_cast<std::size_t>(j - 1) * lda + (i - 1)];
+}
+
+// Zero the strict lower triangle of an n x n block.
+template <class T>
+void l_c1trg(int n, T *a, int lda) {
+    if (n < 1) {
+        zorvs_e1sti(1, n);
+        zorvs_ermes(5, 2025);
+        return;
+    }
+    if (n > lda) {
+        zorvs_e1sti(1, n);
+        zorvs_e1sti(2, lda);
+        zorvs_ermes(5, 2026);
+        return;
+    }
+    for (int j = 1; j < n; ++j)
+        for (int i = j + 1; i <= n; ++i) at(a, lda, i, j) = T(0);
+}
+
+template <class T>
+void l_chfac(int n, const T *a, int lda, T tol, int *irank, T *fac, int ldfac) {
+    int arg = 0;
+    zorvs_c1dim(1, n, "N", lda, "LDA", &arg);
+    zorvs_c1dim(1, n, "N", ldfac, "LDFAC", &arg);
+    if (!(tol >= T(0) && tol <= T(1))) {
+        zorvs_e1str(1, static_cast<double>(tol));
+        zorvs_ermes(5, 20405);
+    }
+    if (failed()) return;
+    for (int j = 1; j <= n; ++j) {
+        const T *from = &at(a, lda, 1, j);
+        T *to = &at(fac, ldfac, 1, j);
+        if (from != to) std::memmove(to, from, sizeof(T) * j);
+    }
+    *irank = 0;
+    int inconsistent = 0;
+    for (int j = 1; j <= n; ++j) {
+        T sum = 0;
+        const T x = tol * std::sqrt(std::fabs(at(fac, ldfac, j, j)));
+        T *column = &at(fac, ldfac, 1, j);
+        for (int i = 1; i < j; ++i) {
+            const T *ci = &at(fac, ldfac, 1, i);
+            T t = column[i - 1] - dot(i - 1, ci, column);
+            if (ci[i - 1] != T(0)) {
+                t /= ci[i - 1];
+                column[i - 1] = t;
+                sum += t * t;
+            } else {
+                if (inconsistent == 0 && std::fabs(t) > x * nrm2(i - 1, ci)) inconsistent = j;
+                column[i - 1] = 0;
+            }
+        }
+        const T diagonal = column[j - 1];
+        T t = diagonal - sum;
+        if (std::fabs(t) <= tol * std::fabs(diagonal)) {
+            t = 0;
+        } else if (t < T(0)) {
+            t = 0;
+            if (inconsistent == 0) inconsistent = j;
+        } else {
+            ++*irank;
+        }
+        column[j - 1] = std::sqrt(t);
+    }
+    if (inconsistent != 0) {
+        zorvs_e1sti(1, inconsistent);
+        zorvs_e1str(1, static_cast<double>(tol));
+        zorvs_ermes(3, 20406);
+    }
+    l_c1trg(n, fac, ldfac);
+}
+
+template <class T>
+void l_girts(int n, const T *r, int ldr, int nb, const T *b, int ldb, int ipath, int *irank, T *x, int ldx, T *rinv,
+             int ldrinv) {
+    int arg = 0;
+    zorvs_c1dim(1, n, "N", ldr, "LDR", &arg);
+    zorvs_c1iarg(nb, "NB", 0, -1, &arg);
+    zorvs_c1iarg(ipath, "IPATH", 1, 4, &arg);
+    if (nb >= 1) {
+        zorvs_c1dim(1, n, "*N", ldb, "LDB", &arg);
+        zorvs_c1dim(1, n, "*N", ldx, "LDX", &arg);
+    }
+    if (ipath == 3 || ipath == 4) zorvs_c1dim(1, n, "*N", ldrinv, "tdrinv", &arg);
+    if (failed()) return;
+    check_r(n, r, ldr, &arg);
+    if (failed()) return;
+    *irank = 0;
+    for (int i = 1; i <= n; ++i)
+        if (at(r, ldr, i, i) != T(0)) ++*irank;
+    const bool transposed = ipath == 2 || ipath == 4;
+    for (int k = 1; k <= nb; ++k) {
+        T *xk = &at(x, ldx, 1, k);
+        const T *bk = &at(b, ldb, 1, k);
+        if (xk != bk) std::memmove(xk, bk, sizeof(T) * n);
+        if (*irank == n) {
+            trsv(transposed ? "TRANSPOSE" : "NOT-TRANS", n, r, ldr, xk);
+        } else if (!transposed) {
+            for (int i = n; i >= 1; --i) {
+                const T rii = at(r, ldr, i, i);
+                if (rii == T(0)) {
+                    if (xk[i - 1] != T(0)) {
+                        zorvs_e1sti(1, i);
+                        zorvs_e1sti(2, k);
+                        zorvs_e1str(1, static_cast<double>(xk[i - 1]));
+                        zorvs_ermes(3, 11058);
+                    }
+                    xk[i - 1] = 0;
+                } else {
+                    const T xi = xk[i - 1] / rii;
+                    xk[i - 1] = xi;
+                    const T *ri = &at(r, ldr, 1, i);
+                    for (int h = 0; h < i - 1; ++h) xk[h] -= xi * ri[h];
+                }
+            }
+        } else {
+            const T eps = std::numeric_limits<T>::epsilon();
+            for (int i = 1; i <= n; ++i) {
+                const T *ri = &at(r, ldr, 1, i);
+                const T t = xk[i - 1] - dot(i - 1, ri, xk);
+                if (ri[i - 1] != T(0)) {
+                    xk[i - 1] = t / ri[i - 1];
+                } else {
+                    // The residual of an equation of a dependent row must vanish
+                    // on the scale of the terms that formed it.
+                    const T scale = std::fabs(bk[i - 1]) + a1ot(i - 1, ri, xk);
+                    if (std::fabs(t) > T(100) * T(n) * eps * scale) {
+                        zorvs_e1sti(1, i);
+                        zorvs_e1sti(2, k);
+                        zorvs_ermes(3, 11059);
+                    }
+                    xk[i - 1] = 0;
+                }
+            }
+        }
+    }
+    if (ipath == 3 || ipath == 4) {
+        for (int j = 1; j <= n; ++j) {
+            const T *from = &at(r, ldr, 1, j);
+            T *to = &at(rinv, ldrinv, 1, j);
+            if (from != to) std::memmove(to, from, sizeof(T) * j);
+            for (int i = j + 1; i <= n; ++i) at(rinv, ldrinv, i, j) = 0;
+        }
+        for (int k = 1; k <= n; ++k) {
+            T *ck = &at(rinv, ldrinv, 1, k);
+            if (ck[k - 1] == T(0)) {
+                // A dependent row: its row is already zero, its column goes too.
+                for (int h = 0; h < k; ++h) ck[h] = 0;
+                continue;
+            }
+            ck[k - 1] = T(1) / ck[k - 1];
+            const T t = -ck[k - 1];
+            for (int h = 0; h < k - 1; ++h) ck[h] *= t;
+            for (int j = k + 1; j <= n; ++j) {
+                T *cj = &at(rinv, ldrinv, 1, j);
+                const T s = cj[k - 1];
+                cj[k - 1] = 0;
+                for (int h = 0; h < k; ++h) cj[h] += s * ck[h];
+            }
+        }
+    }
+}
+
+template <class T>
+void l_gswep(int krow, int n, T *a, int lda, int irev, T tol, const T *d, T *isw) {
+    int arg = 0;
+    zorvs_c1dim(1, n, "N", lda, "LDA", &arg);
+    zorvs_c1ind(1, krow, "KROW", n, "N", &arg);
+    zorvs_c1iarg(irev, "IREV", 0, 1, &arg);
+    if (!(tol >= T(0) && tol <= T(1))) {
+        zorvs_e1str(1, static_cast<double>(tol));
+        zorvs_ermes(5, 20405);
+    }
+    if (failed()) return;
+    for (int i = 1; i <= n; ++i) {
+        if (tol > T(0) && d[i - 1] < T(0)) {
+            zorvs_e1sti(1, i);
+            zorvs_e1str(1, static_cast<double>(d[i - 1]));
+            zorvs_ermes(5, 20417);
+        }
+        if (isw[i - 1] != T(1) && isw[i - 1] != T(-1)) {
+            zorvs_e1sti(1, i);
+            zorvs_e1str(1, static_cast<double>(isw[i - 1]));
+            zorvs_e1str(2, 1.0);
+            zorvs_e1str(3, -1.0);
+            zorvs_ermes(5, 20418);
+        }
+    }
+    if (failed()) return;
+    // Element (i, j) of the symmetric matrix through its upper triangle.
+    auto u = [&](int i, int j) -> T & { return i <= j ? at(a, lda, i, j) : at(a, lda, j, i); };
+    const int k = krow;
+    const T p = u(k, k);
+    bool accept = true;
+    if (isw[k - 1] > T(0)) {
+        // A forward sweep: the pivot's residual must stay above tol times its
+        // starting value, and so must that of every row swept before, whose
+        // swept diagonal -1/r becomes -1/r - a(j,k)^2/p.
+        accept = p > tol * d[k - 1];
+        for (int j = 1; accept && j <= n; ++j) {
+            if (j == k || isw[j - 1] > T(0)) continue;
+            const T ajk = u(j, k);
+            const T residual = T(1) / (-u(j, j) + ajk * ajk / p);
+            accept = residual >= tol * d[j - 1];
+        }
+    }
+    if (!accept) {
+        if (irev == 0)
+            for (int i = 1; i <= n; ++i) u(i, k) = 0;
+        return;
+    }
+    const T r = T(1) / p;
+    const T s = isw[k - 1];
+    for (int j = 1; j <= n; ++j) {
+        if (j == k) continue;
+        const T ajk = u(j, k) * r;
+        for (int i = 1; i <= j; ++i) {
+            if (i == k) continue;
+            at(a, lda, i, j) -= u(i, k) * ajk;
+        }
+    }
+    for (int i = 1; i <= n; ++i)
+        if (i != k) u(i, k) *= s * r;
+    u(k, k) = -r;
+    isw[k - 1] = -isw[k - 1];
+}
+
+template <class T>
+void l_mxtxf(int nra, int nca, const T *a, int lda, int nb, T *b, int ldb) {
+    if (nra <= 0 || nca <= 0) {
+        zorvs_e1sti(1, nra);
+        zorvs_e1sti(2, nca);
+        zorvs_ermes(5, 20136);
+    } else if (nra > lda) {
+        zorvs_e1sti(1, nra);
+        zorvs_e1sti(2, lda);
+        zorvs_ermes(5, 20137);
+    } else if (nb != nca) {
+        zorvs_e1sti(1, nb);
+        zorvs_e1sti(2, nca);
+        zorvs_ermes(5, 11278);
+    } else if (nb > ldb) {
+        zorvs_e1sti(1, ldb);
+        zorvs_e1sti(2, nb);
+        zorvs_ermes(5, 11279);
+    } else {
+        gemm_tn(&nca, &nra, a, &lda, b, &ldb);
+    }
+}
+
+template <class T>
+void l_crgrg(int n, const T *a, int lda, T *b, int ldb) {
+    if (lda < n || ldb < n) {
+        zorvs_e1sti(1, lda < n ? lda : ldb);
+        zorvs_e1sti(2, n);
+        zorvs_ermes(5, lda < n ? 11280 : 11281);
+        return;
+    }
+    for (int j = 1; j <= n; ++j) {
+        const T *from = &at(a, lda, 1, j);
+        T *to = &at(b, ldb, 1, j);
+        if (from != to) std::memmove(to, from, sizeof(T) * n);
+    }
+}
+
+template <class T>
+void l_csfrg(int n, T *a, int lda) {
+    if (n < 1) {
+        zorvs_e1sti(1, n);
+        zorvs_ermes(5, 2025);
+    } else if (n > lda) {
+        zorvs_e1sti(1, n);
+        zorvs_e1sti(2, lda);
+        zorvs_ermes(5, 2026);
+    } else {
+        for (int j = 2; j <= n; ++j)
+            for (int i = 1; i < j; ++i) at(a, lda, j, i) = at(a, lda, i, j);
+    }
+}
+
+template <class T>
+void l_nr1rr(int nra, int nca, const T *a, int lda, T *anorm) {
+    if (nra > lda) {
+        zorvs_e1sti(1, nra);
+        zorvs_e1sti(2, lda);
+        zorvs_ermes(5, 20137);
+    }
+    if (nra < 1) {
+        zorvs_e1sti(1, nra);
+        zorvs_ermes(5, 620);
+    }
+    if (nca < 1) {
+        zorvs_e1sti(1, nca);
+        zorvs_ermes(5, 621);
+    }
+    if (failed()) return;
+    T norm = 0;
+    for (int j = 1; j <= nca; ++j) {
+        const T s = asum(nra, &at(a, lda, 1, j));
+        if (s > norm) norm = s;
+    }
+    *anorm = norm;
+}
+
+// Pushes the routine's name for the length of the call.
+template <class F>
+void framed(const char *name, F &&body) {
+    zorvs_e1psh(name);
+    body();
+    zorvs_e1pop(name);
+}
+
+}  // namespace
+
+extern "C" {
+
+void zorvs_chfac(const int *n, const float a[], const int *lda, const float *tol, int *irank, float fac[],
+                 const int *ldfac) {
+    framed("zorvs_chfac", [&] { l_chfac(*n, a, *lda, *tol, irank, fac, *ldfac); });
+}
+void zorvs_dchfac(const int *n, const double a[], const int *lda, const double *tol, int *irank, double fac[],
+                  const int *ldfac) {
+    framed("zorvs_dchfac", [&] { l_chfac(*n, a, *lda, *tol, irank, fac, *ldfac); });
+}
+
+void zorvs_girts(const int *n, const float r[], const int *ldr, const int *nb, const float b[], const int *ldb,
+                 const int *ipath, int *irank, float x[], const int *ldx, float rinv[], const int *ldrinv) {
+    framed("zorvs_girts", [&] { l_girts(*n, r, *ldr, *nb, b, *ldb, *ipath, irank, x, *ldx, rinv, *ldrinv); });
+}
+void zorvs_dgirts(const int *n, const double r[], const int *ldr, const int *nb, const double b[],
+                  const int *ldb, const int *ipath, int *irank, double x[], const int *ldx, double rinv[],
+                  const int *ldrinv) {
+    framed("zorvs_dgirts", [&] { l_girts(*n, r, *ldr, *nb, b, *ldb, *ipath, irank, x, *ldx, rinv, *ldrinv); });
+}
+
+void zorvs_gswep(const int *krow, const int *n, float a[], const int *lda, const int *irev, const float *tol,
+                 const float d[], float isw[]) {
+    framed("zorvs_gswep", [&] { l_gswep(*krow, *n, a, *lda, *irev, *tol, d, isw); });
+}
+void zorvs_dgswep(const int *krow, const int *n, double a[], const int *lda, const int *irev, const double *tol,
+                  const double d[], double isw[]) {
+    framed("zorvs_dgswep", [&] { l_gswep(*krow, *n, a, *lda, *irev, *tol, d, isw); });
+}
+
+void zorvs_mxtxf(const int *nra, const int *nca, const float a[], const int *lda, const int *nb, float b[],
+                 const int *ldb) {
+    framed("zorvs_mxtxf", [&] { l_mxtxf(*nra, *nca, a, *lda, *nb, b, *ldb); });
+}
+void zorvs_dmxtxf(const int *nra, const int *nca, const double a[], const int *lda, const int *nb, double b[],
+                  const int *ldb) {
+    framed("zorvs_dmxtxf", [&] { l_mxtxf(*nra, *nca, a, *lda, *nb, b, *ldb); });
+}
+
+void zorvs_crgrg(const int *n, const float a[], const int *lda, float b[], const int *ldb) {
+    framed("zorvs_crgrg", [&] { l_crgrg(*n, a, *lda, b, *ldb); });
+}
+void zorvs_dcrgrg(const int *n, const double a[], const int *lda, double b[], const int *ldb) {
+    framed("zorvs_dcrgrg", [&] { l_crgrg(*n, a, *lda, b, *ldb); });
+}
+
+void zorvs_csfrg(const int *n, float a[], const int *lda) {
+    framed("zorvs_csfrg", [&] { l_csfrg(*n, a, *lda); });
+}
+void zorvs_dcsfrg(const int *n, double a[], const int *lda) {
+    framed("zorvs_dcsfrg", [&] { l_csfrg(*n, a, *lda); });
+}
+
+void zorvs_nr1rr(const int *nra, const int *nca, const float a[], const int *lda, float *anorm) {
+    framed("zorvs_nr1rr", [&] { l_nr1rr(*nra, *nca, a, *lda, anorm); });
+}
+void zorvs_dnr1rr(const int *nra, const int *nca, const double a[], const int *lda, double *anorm) {
+    framed("zorvs_dnr1rr", [&] { l_nr1rr(*nra, *nca, a, *lda, anorm); });
+}
+
+void zorvs_prime(const int *n, int *nfactors, int factors[], int exponents[], int powers[]) {
+    int count = 0;
+    long long m = *n;
+    for (long long p = 2; p * p <= m; p += (p == 2 ? 1 : 2)) {
+        if (m % p) continue;
+        int e = 0;
+        long long power = 1;
+        while (m % p == 0) {
+            m /= p;
+            power *= p;
+            ++e;
+        }
+        factors[count] = static_cast<int>(p);
+        exponents[count] = e;
+        powers[count] = static_cast<int>(power);
+        ++count;
+    }
+    if (m > 1) {
+        factors[count] = static_cast<int>(m);
+        exponents[count] = 1;
+        powers[count] = static_cast<int>(m);
+        ++count;
+    }
+    *nfactors = count;
+}
+
+}  // extern "C"
