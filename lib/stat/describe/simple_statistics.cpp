@@ -67,10 +67,10 @@ struct Summary {
     // The table, row-major with leading dimension ld.
     T *table;
     int ld;
-    // Work: first value seen per variable, the flag "a value differs from
-    // the first", and the weight sum per variable.
-    T *first;
-    T *differs;
+    // Work: the running sums of each variable, side by side so that a row's
+    // update touches one small block (see Slot), and the weight sum per
+    // variable.
+    T *running;
     T *weight_sum;
     // Pass state.
     T sum_f;
@@ -79,6 +79,13 @@ struct Summary {
     bool failed;
 
     T &cell(int row, int j) { return table[static_cast<long>(row) * ld + j]; }
+    // Running sums of variable j: mean, M2, M3, M4, minimum, maximum, count,
+    // the first value seen (NaN before one), and the flag "a value differs
+    // from the first".
+    enum Slot { R_MEAN, R_M2, R_M3, R_M4, R_MIN, R_MAX, R_COUNT, R_FIRST, R_DIFFERS, R_SLOTS };
+    T *run(int j) { return running + static_cast<long>(j) * R_SLOTS; }
+    T &first_of(int j) { return run(j)[R_FIRST]; }
+    T &differs_of(int j) { return run(j)[R_DIFFERS]; }
     T value(long i, int j) const { return x[i * x_col_dim + j]; }
 };
 
@@ -86,23 +93,25 @@ struct Summary {
 // r is f*w over the new weight total, q = 1 - r, t = f*w*q.
 template <class T>
 void update_moments(Summary<T> &s, int j, T v, T w, T r, T q, T t) {
-    T &mn = s.cell(MINIMUM, j);
-    T &mx = s.cell(MAXIMUM, j);
-    if (zorvs::is_missing(s.first[j])) {
-        s.first[j] = v;
+    T *a = s.run(j);
+    T &mn = a[Summary<T>::R_MIN];
+    T &mx = a[Summary<T>::R_MAX];
+    T &first = a[Summary<T>::R_FIRST];
+    if (zorvs::is_missing(first)) {
+        first = v;
         mn = v;
         mx = v;
     } else {
         if (v < mn) mn = v;
         if (v > mx) mx = v;
-        if (v != s.first[j]) s.differs[j] = T(1);
+        if (v != first) a[Summary<T>::R_DIFFERS] = T(1);
     }
     if (w > T(0)) {
-        v -= s.first[j];
-        T &mean = s.cell(MEAN, j);
-        T &m2 = s.cell(VARIANCE, j);
-        T &m3 = s.cell(SKEWNESS, j);
-        T &m4 = s.cell(KURTOSIS, j);
+        v -= first;
+        T &mean = a[Summary<T>::R_MEAN];
+        T &m2 = a[Summary<T>::R_M2];
+        T &m3 = a[Summary<T>::R_M3];
+        T &m4 = a[Summary<T>::R_M4];
         T d = v - mean;
         T dr = d * r;
         T d2 = d * d;
@@ -117,10 +126,8 @@ void update_moments(Summary<T> &s, int j, T v, T w, T r, T q, T t) {
 // Reset the running sums of one variable when its total falls to 0.
 template <class T>
 void reset_variable(Summary<T> &s, int j) {
-    s.cell(MEAN, j) = T(0);
-    s.cell(VARIANCE, j) = T(0);
-    s.cell(SKEWNESS, j) = T(0);
-    s.cell(KURTOSIS, j) = T(0);
+    T *a = s.run(j);
+    a[Summary<T>::R_MEAN] = a[Summary<T>::R_M2] = a[Summary<T>::R_M3] = a[Summary<T>::R_M4] = T(0);
     if (s.weight_sum) s.weight_sum[j] = T(0);
 }
 
@@ -165,7 +172,7 @@ void add_observation(Summary<T> &s, long i, T f, T w) {
             missing_seen = true;
             continue;
         }
-        T &count = s.cell(COUNT, j);
+        T &count = s.run(j)[Summary<T>::R_COUNT];
         T old_total = s.weight_sum ? s.weight_sum[j] : count;
         count += f;
         T new_total = old_total + f * w;
@@ -226,11 +233,19 @@ void run_pass(Summary<T> &s) {
         add_observation(s, i, f, w);
     }
     if (s.failed) return;
-    if (s.listwise) {
-        for (int j = 0; j < s.n_variables; ++j) {
-            s.cell(COUNT, j) = s.sum_f;
+    for (int j = 0; j < s.n_variables; ++j) {
+        T *a = s.run(j);
+        if (s.listwise) {
+            a[Summary<T>::R_COUNT] = s.sum_f;
             if (s.weight_sum) s.weight_sum[j] = s.sum_wf;
         }
+        s.cell(MEAN, j) = a[Summary<T>::R_MEAN];
+        s.cell(VARIANCE, j) = a[Summary<T>::R_M2];
+        s.cell(SKEWNESS, j) = a[Summary<T>::R_M3];
+        s.cell(KURTOSIS, j) = a[Summary<T>::R_M4];
+        s.cell(MINIMUM, j) = a[Summary<T>::R_MIN];
+        s.cell(MAXIMUM, j) = a[Summary<T>::R_MAX];
+        s.cell(COUNT, j) = a[Summary<T>::R_COUNT];
     }
     if (s.n_missing > 0) zorvs_ermes(6, s.listwise ? 11062 : 11288);
 }
@@ -338,7 +353,7 @@ void finish(Summary<T> &s) {
 
     // Undo the shift of the pass.
     for (int j = 0; j < nv; ++j)
-        if (!zorvs::is_missing(s.first[j])) s.cell(MEAN, j) += s.first[j];
+        if (!zorvs::is_missing(s.first_of(j))) s.cell(MEAN, j) += s.first_of(j);
 
     T largest_count = s.cell(COUNT, 0);
     for (int j = 1; j < nv; ++j)
@@ -397,7 +412,7 @@ void finish(Summary<T> &s) {
         T &skew = s.cell(SKEWNESS, j);
         T &kurt = s.cell(KURTOSIS, j);
         const T range = s.cell(RANGE, j);
-        if (s.differs[j] == T(0)) {
+        if (s.differs_of(j) == T(0)) {
             zorvs_ermes(6, 11076);
             variance = sd = skew = kurt = T(0);
         } else if (variance > T(0)) {
@@ -626,11 +641,20 @@ void l_simple_statistics(int n_observations, int n_variables, T *x, va_list *lis
     s.confidence_variances = confidence_variances;
     s.ld = stat_col_dim;
 
-    T *work = zorvs::allocate<T>((weights ? 3 : 2) * n_variables, "n_variables");
-    if (!work) return;
-    s.first = work;
-    s.differs = work + n_variables;
-    s.weight_sum = weights ? work + 2 * n_variables : nullptr;
+    const int per_variable = Summary<T>::R_SLOTS + (weights ? 1 : 0);
+    T *work = n_variables <= std::numeric_limits<int>::max() / per_variable
+                  ? zorvs::allocate<T>(per_variable * n_variables, "n_variables")
+                  : nullptr;
+    if (!work) {
+        if (n_variables > std::numeric_limits<int>::max() / per_variable) {
+            zorvs_e1sti(1, n_variables);
+            zorvs_e1stl(1, "n_variables");
+            zorvs_ermes(5, 201);
+        }
+        return;
+    }
+    s.running = work;
+    s.weight_sum = weights ? work + static_cast<long>(Summary<T>::R_SLOTS) * n_variables : nullptr;
     if (!user) lv_simple_statistics<T> = zorvs::allocate<T>(n_rows, "n_variables", stat_col_dim, "stat_col_dim");
     s.table = lv_simple_statistics<T>;
     if (!s.table) {
@@ -644,8 +668,9 @@ void l_simple_statistics(int n_observations, int n_variables, T *x, va_list *lis
         for (int j = 0; j < n_variables; ++j) s.cell(row, j) = nan;
     for (int j = 0; j < n_variables; ++j) {
         for (int row : {MEAN, VARIANCE, SKEWNESS, KURTOSIS, COUNT, COEF_VARIATION}) s.cell(row, j) = T(0);
-        s.first[j] = nan;
-        s.differs[j] = T(0);
+        T *a = s.run(j);
+        for (int k = 0; k < Summary<T>::R_SLOTS; ++k) a[k] = T(0);
+        a[Summary<T>::R_MIN] = a[Summary<T>::R_MAX] = a[Summary<T>::R_FIRST] = nan;
         if (s.weight_sum) s.weight_sum[j] = T(0);
     }
 
