@@ -6,6 +6,7 @@
  * message on the error stream, and zorvs_error_type()/zorvs_error_code().
  */
 #include <stdio.h>
+#include <stdlib.h>
 
 #include "zorvstat.h"
 
@@ -21,11 +22,41 @@ int main(void) {
     zorvs_d_maximum_index(5, data, 1, &index);
     printf("largest |x| is data[%d] = %g\n", index, data[index]);
 
+    /* Summary statistics of a small data set: heights (cm) and weights (kg)
+     * of ten people, one row per person.  The result is a table with one
+     * column per variable: rows 0 mean, 1 variance, 2 standard deviation,
+     * 5 minimum, 6 maximum, 9 count, 10 and 11 the 95% limits of the mean,
+     * 14 the median. */
+    {
+        double people[10][2] = {{172, 68.5}, {165, 59.0}, {180, 81.2}, {158, 52.4}, {175, 77.0},
+                                {169, 64.3}, {183, 88.1}, {161, 55.7}, {177, 72.9}, {170, 66.0}};
+        static const char *names[] = {"height", "weight"};
+        static const int rows[] = {0, 2, 5, 6, 14, 10, 11};
+        static const char *row_names[] = {"mean", "std dev", "minimum", "maximum", "median",
+                                          "95% lower", "95% upper"};
+        double *table = zorvs_d_simple_statistics(10, 2, &people[0][0], ZORVS_MEDIAN, 0);
+        int r, j;
+        if (table) {
+            printf("\n%-10s %10s %10s\n", "", names[0], names[1]);
+            for (r = 0; r < 7; ++r) {
+                printf("%-10s", row_names[r]);
+                for (j = 0; j < 2; ++j) printf(" %10.3f", table[rows[r] * 2 + j]);
+                printf("\n");
+            }
+            printf("\n");
+            free(table);
+        }
+    }
+
     /* A caught error: an unknown keyword.  By default a TERMINAL error ends
      * the process; here stopping is switched off, so the call returns and
      * the program reads the type and code. */
     zorvs_error_options(ZORVS_SET_STOP, ZORVS_TERMINAL, 0, 0);
-    zorvs_error_options(ZORVS_SET_PRINT, 99, 1, 0);
-    printf("after a bad call: error type %d, code %d\n", zorvs_error_type(), zorvs_error_code());
+    {
+        double x[] = {1.0, 2.0, 3.0};
+        double *t = zorvs_d_simple_statistics(3, 1, x, 4711, 0);
+        printf("after a bad call: result %s, error type %d, code %d\n", t ? "returned" : "null",
+               zorvs_error_type(), zorvs_error_code());
+    }
     return 0;
 }
