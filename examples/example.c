@@ -30,20 +30,19 @@ int main(void) {
     {
         double people[10][2] = {{172, 68.5}, {165, 59.0}, {180, 81.2}, {158, 52.4}, {175, 77.0},
                                 {169, 64.3}, {183, 88.1}, {161, 55.7}, {177, 72.9}, {170, 66.0}};
-        static const char *names[] = {"height", "weight"};
+        static char *names[] = {"", "height", "weight"};
         static const int rows[] = {0, 2, 5, 6, 14, 10, 11};
-        static const char *row_names[] = {"mean", "std dev", "minimum", "maximum", "median",
-                                          "95% lower", "95% upper"};
+        static char *row_names[] = {"mean", "std dev", "minimum", "maximum", "median",
+                                    "95% lower", "95% upper"};
         double *table = zorvs_d_simple_statistics(10, 2, &people[0][0], ZORVS_MEDIAN, 0);
+        double shown[7][2];
         int r, j;
         if (table) {
-            printf("\n%-10s %10s %10s\n", "", names[0], names[1]);
-            for (r = 0; r < 7; ++r) {
-                printf("%-10s", row_names[r]);
-                for (j = 0; j < 2; ++j) printf(" %10.3f", table[rows[r] * 2 + j]);
-                printf("\n");
-            }
-            printf("\n");
+            for (r = 0; r < 7; ++r)
+                for (j = 0; j < 2; ++j) shown[r][j] = table[rows[r] * 2 + j];
+            /* The matrix printer picks the decimals from the values. */
+            zorvs_d_write_matrix("Heights and weights of ten people", 7, 2, &shown[0][0], ZORVS_ROW_LABELS,
+                                 row_names, ZORVS_COL_LABELS, names, 0);
             free(table);
         }
     }
