@@ -8,7 +8,8 @@
 // Math. Statist. 27, 1075-1090.  T(h, a) is summed from Owen's series in
 // powers of a^2 and h^2/2 (Owen 1956, eq. 2.6), whose terms are built by
 // recurrence until they fall below the working precision; a vanishing
-// h or a, a very large a and a large a h are handled in closed form.
+// h or a and a very large a are handled in closed form, and a large a h
+// with a > 1 by Owen's identity that exchanges h and a h.
 #include "dist/special_detail.hpp"
 
 namespace {
@@ -49,8 +50,13 @@ T l_b1nnt(const T *h, const T *a) {
         const T A = std::atan(c);
         if (b == 0) {
             result = A * k.rtwopi;
-        } else if (c * b > 4) {
-            result = T(0.25) - T(0.5) * (normal_cdf_core(b) - T(0.5));
+        } else if (c * b > 4 && c > 1) {
+            // Owen's (1956) identity for h, a > 0,
+            //   T(h, a) = (Q(h) + Q(ah))/2 - Q(h) Q(ah) - T(ah, 1/a),
+            // Q the upper tail; the second call has a < 1 and takes the series.
+            const T ch = c * b, rc = 1 / c;
+            const T qh = normal_cdf_core(-b), qa = normal_cdf_core(-ch);
+            result = T(0.5) * (qh + qa) - qh * qa - l_b1nnt(&ch, &rc);
         } else {
             const T q = T(0.5) * b * b;
             if (q > k.lim) {

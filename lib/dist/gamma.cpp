@@ -193,8 +193,18 @@ T gamma_core(T x) {
     }
     const T value = std::exp((y - T(0.5)) * std::log(y) - y + T(sq2pil) + r9lgmc_core(y));
     if (x > 0) return value;
+    // A negative integer is a pole; sin(pi y) of the rounded pi y is never
+    // exactly 0 there, so the test is made on x itself.
+    if (x == std::trunc(x)) {
+        raise(4, 9021, x);
+        return zorvs::missing<T>();
+    }
     if (near_negative_integer(x, g.dxrel)) raise(3, 9020, x);
-    const T sinpiy = std::sin(T(pi) * y);
+    // sin(pi y) from the fraction of y, which is exact, so that the
+    // rounding of pi y does not cost relative accuracy near the poles.
+    const T whole = std::trunc(y);
+    T sinpiy = std::sin(T(pi) * (y - whole));
+    if (std::fmod(whole, T(2)) != 0) sinpiy = -sinpiy;
     if (sinpiy == 0) {
         raise(4, 9021, x);
         return zorvs::missing<T>();
@@ -234,7 +244,8 @@ T l_log_gamma(T x) {
         return zorvs::missing<T>();
     }
     if (x > 0) return T(sq2pil) + (x - T(0.5)) * std::log(x) - x + r9lgmc_core(y);
-    const T sinpiy = std::fabs(std::sin(T(pi) * y));
+    // Poles at the non-positive integers; sin(pi y) from the exact fraction.
+    const T sinpiy = x == std::trunc(x) ? T(0) : std::fabs(std::sin(T(pi) * (y - std::trunc(y))));
     if (sinpiy == 0) {
         raise(4, 9006, x);
         return zorvs::missing<T>();

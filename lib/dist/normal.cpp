@@ -18,50 +18,56 @@ T l_normal_cdf(T x) {
 }
 
 // The tail form, t >= 4, with q = 1/t.
-template <class T>
-T tail_form(T t) {
-    const T q = 1 / t;
-    const T n = ((T(0.01078639) * q - T(0.1498384)) * q - T(0.002028152)) * q;
-    const T d = ((q - T(0.06888301)) * q + T(0.5211733)) * q + T(0.09952975);
-    return t + t * (T(0.0001851159) + n / d);
+double tail_form(double t) {
+    const double q = 1 / t;
+    const double n = ((double(0.01078639) * q - double(0.1498384)) * q - double(0.002028152)) * q;
+    const double d = ((q - double(0.06888301)) * q + double(0.5211733)) * q + double(0.09952975);
+    return t + t * (double(0.0001851159) + n / d);
 }
 
+// Both twins evaluate the form in double, so that the single twin carries
+// the error of the approximation and not that of single-precision arithmetic;
+// the range tests use the twin's own epsilon.
 template <class T>
-T l_normal_inverse_cdf(T p) {
+T l_normal_inverse_cdf(T p_in) {
+    using W = double;
+    const W p = p_in;
     if (!(p > 0 && p < 1)) {
         raise(5, 9041, p);
         return zorvs::missing<T>();
     }
-    const T e = epsilon<T>();
-    T v;
+    const W e = epsilon<T>();
+    W v;
     if (e < p && p < 1 - 3 * e) {
-        const T y = std::fabs(1 - 2 * p);
-        if (y <= T(0.85)) {
-            const T z = y * y;
-            const T d = T(-0.05496261) / (T(-1.187515) + z);
-            const T g = T(-3.293474) + z + T(-1.896513) / (T(-2.374996) + z + d);
-            v = y + y * (T(-0.113773) + T(-0.5751703) * z / g);
+        const W y = std::fabs(1 - 2 * p);
+        if (y <= W(0.85)) {
+            const W z = y * y;
+            const W d = W(-0.05496261) / (W(-1.187515) + z);
+            const W g = W(-3.293474) + z + W(-1.896513) / (W(-2.374996) + z + d);
+            v = y + y * (W(-0.113773) + W(-0.5751703) * z / g);
         } else {
-            const T w = 1 - y;
-            const T t = std::sqrt(-std::log(w + w * y));
-            if (t < T(2.5)) {
-                const T n = ((T(0.05073975) * t - T(0.2368201)) * t - T(0.1314774)) * t;
-                const T d = ((t - T(7.586103)) * t + T(21.98546)) * t - T(44.27977);
-                v = t + t * (T(-0.1146666) + n / d);
+            // w + w y with w = 1 - y is 4 p (1 - p); formed from p itself it
+            // escapes the cancellation in 1 - |1 - 2p| (1 - p is exact here
+            // for p >= 0.5).
+            const W t = std::sqrt(-std::log(4 * p * (1 - p)));
+            if (t < W(2.5)) {
+                const W n = ((W(0.05073975) * t - W(0.2368201)) * t - W(0.1314774)) * t;
+                const W d = ((t - W(7.586103)) * t + W(21.98546)) * t - W(44.27977);
+                v = t + t * (W(-0.1146666) + n / d);
             } else if (t < 4) {
-                const T n = ((T(0.06208963) * t - T(0.3166501)) * t + T(0.3937021)) * t;
-                const T d = ((t - T(2.962883)) * t + T(4.666263)) * t - T(6.266786);
-                v = t + t * (T(-0.05668422) + n / d);
+                const W n = ((W(0.06208963) * t - W(0.3166501)) * t + W(0.3937021)) * t;
+                const W d = ((t - W(2.962883)) * t + W(4.666263)) * t - W(6.266786);
+                v = t + t * (W(-0.05668422) + n / d);
             } else {
                 v = tail_form(t);
             }
         }
     } else {
-        const T r = p >= T(0.5) ? 2 * (1 - p) : 2 * p;
+        const W r = p >= W(0.5) ? 2 * (1 - p) : 2 * p;
         v = tail_form(std::sqrt(-std::log(r + (r - r * r))));
     }
-    const T sqrt2 = T(1.4142135623730951);
-    return p >= T(0.5) ? sqrt2 * v : -sqrt2 * v;
+    const W sqrt2 = W(1.4142135623730951);
+    return static_cast<T>(p >= W(0.5) ? sqrt2 * v : -sqrt2 * v);
 }
 
 }  // namespace
