@@ -5,8 +5,9 @@
 // Miller 1988), 397204094 and 950706376 (Fishman and Moore 1986), each plain
 // or shuffled through a table of 128 entries (Bays and Durham 1976, as
 // described by Knuth, TAOCP vol. 2, 3.2.2, algorithm B).  The larger
-// multipliers are split as 32768*hi + lo so that every product stays below
-// 2^53 and the double arithmetic, with fmod, is exact.
+// multipliers may be split as 32768*hi + lo so that every product stays below
+// 2^53 and double arithmetic with fmod is exact; the same exact residue is
+// computed here in 64-bit integers, bit for bit the same stream.
 //
 // The state is one record, zorvs_random_common, shared by the single and the
 // double routines, so that both continue one stream.  Each precision keeps
@@ -28,8 +29,6 @@ struct zorvs_random_state zorvs_random_common = {0.0, 0.0, 0, 0, 0};
 }
 
 namespace {
-
-constexpr double modulus = 2147483647.0;
 
 // File-scope state of the generator beside the shared record.
 struct RandomState {
@@ -78,18 +77,20 @@ void clock_seed() {
     zorvs_random_common.seed = s;
 }
 
-// One step of the generator of the given option.
+// One step of the generator of the given option.  The split products are
+// exact in double, so fmod returns exactly (a*x) mod m; the same value is
+// obtained here in 64-bit integers (a*x < 2^61) with the Mersenne reduction
+// a*x = hi*2^31 + lo == hi + lo (mod 2^31 - 1), which avoids the slow
+// library fmod without changing a single bit of the stream.
+constexpr int64_t multiplier(int option) {
+    return option <= 2 ? 16807 : option <= 4 ? 397204094 : 950706376;
+}
 inline double step(double x, int option) {
-    switch (option) {
-    case 3:
-    case 4:
-        return std::fmod(std::fmod(x * 32768.0, modulus) * 12121.0 + std::fmod(x * 23166.0, modulus), modulus);
-    case 5:
-    case 6:
-        return std::fmod(std::fmod(x * 32768.0, modulus) * 29013.0 + std::fmod(x * 8392.0, modulus), modulus);
-    default:
-        return std::fmod(x * 16807.0, modulus);
-    }
+    const int64_t p = static_cast<int64_t>(x) * multiplier(option);
+    int64_t r = (p & 0x7FFFFFFF) + (p >> 31);
+    r = (r & 0x7FFFFFFF) + (r >> 31);
+    if (r >= 2147483647) r -= 2147483647;
+    return static_cast<double>(r);
 }
 
 // Fill the twin's shuffle table with 128 fresh numbers.
@@ -129,7 +130,7 @@ void draw_shuffled(int n, T r[]) {
     const double d = zorvs_random_common.divisor;
     for (int i = 0; i < n; ++i) {
         x = step(x, Option);
-        const int k = static_cast<int>(std::fmod(x, 128.0));
+        const int k = static_cast<int>(static_cast<int64_t>(x) & 127);  // fmod(x, 128)
         r[i] = table[k];
         table[k] = static_cast<T>(x / d);
     }
