@@ -175,8 +175,14 @@ T l_gamma_incomplete(T a, T x) {
     }
     if (bad) return zc::nan<T>();
     if (x == 0) return 0;
-    T factor = std::exp(zc::log_gamma<T>(a) + a * std::log(x));
-    return factor * l_gamit(a, x);
+    T lfactor = zc::log_gamma<T>(a) + a * std::log(x);
+    T g = l_gamit(a, x);
+    T factor = std::exp(lfactor);
+    T r = factor * g;
+    // For a large a the factor overflows (or gamma* underflows) although the
+    // product is finite: the product is then formed in logarithms.
+    if (!(std::isfinite(factor) && r >= zc::smallest<T>()) && g > 0) r = std::exp(lfactor + std::log(g));
+    return r;
 }
 
 // The standard gamma distribution function P(a, x): the series
