@@ -109,6 +109,7 @@ void l_owfrq(const int *n_observations, const T *x, const int *n_intervals, cons
     } else if (mode == 2 && k < 2) {
         zorvs_e1sti(1, k);
         zorvs_e1sti(2, mode);
+        zorvs_e1stl(1, "ZORVS_CUTPOINTS");
         zorvs_ermes(5, 20020);
     } else if (k < 1) {
         zorvs_e1sti(1, k);
