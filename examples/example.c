@@ -47,6 +47,21 @@ int main(void) {
         }
     }
 
+    /* A one-way frequency table: ten measurements in four equal intervals
+     * over the data, with the data's extremes returned. */
+    {
+        double v[] = {4.2, 5.0, 3.1, 6.8, 5.5, 4.9, 7.0, 3.0, 5.1, 6.0};
+        double lo, hi;
+        double *freq = zorvs_d_table_oneway(10, v, 4, ZORVS_DATA_BOUNDS, &lo, &hi, 0);
+        int c;
+        if (freq) {
+            printf("Frequencies in four intervals from %g to %g:", lo, hi);
+            for (c = 0; c < 4; ++c) printf(" %g", freq[c]);
+            printf("\n");
+            free(freq);
+        }
+    }
+
     /* A caught error: an unknown keyword.  By default a TERMINAL error ends
      * the process; here stopping is switched off, so the call returns and
      * the program reads the type and code. */
