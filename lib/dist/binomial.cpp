@@ -53,7 +53,7 @@ T l_binomial_cdf(int k, int n, T p_in) {
     using zorvs::discrete::log_binomial_term;
     zorvs::discrete::TwoEndedSum<T> summation;
     double s = summation.sum(
-        0, k, log_binomial_term(0, dn, p, q), log_binomial_term(k, dn, p, q), std::floor((dn + 1) * p),
+        0, k, [=](double j) { return log_binomial_term(j, dn, p, q); }, std::floor((dn + 1) * p),
         [=](double j) { return (dn - j + 1) / j * odds; },
         [=](double j) { return j / (dn - j + 1) * inverse_odds; });
     return static_cast<T>(s < 1 ? s : 1.0);

@@ -86,7 +86,9 @@ inline double log_binomial_term(double x, double n, double p, double q) {
     if (x == n) return q < 0.1 ? n * std::log1p(-q) : n * std::log(p);
     if (p == 0 || q == 0) return -std::numeric_limits<double>::infinity();
     double lc = stirlerr(n) - stirlerr(x) - stirlerr(n - x) - bd0(x, n * p) - bd0(n - x, n * q);
-    double lf = ln_2pi + std::log(x) + std::log1p(-x / n);
+    // log(2 pi x (n - x) / n); (n - x) / n rather than 1 - x / n, whose
+    // rounding would be magnified when x is near n.
+    double lf = ln_2pi + std::log(x) + (2 * x < n ? std::log1p(-x / n) : std::log((n - x) / n));
     return lc - 0.5 * lf;
 }
 
@@ -113,11 +115,20 @@ public:
         return {std::exp(log_value - d * log_scale_), d};
     }
 
-    // sum of t_a .. t_b.  up(j) = t_j / t_{j-1}, down(j) = t_{j-1} / t_j; mode
-    // is an index where the terms stop rising.  Returns the sum in double.
-    template <class Up, class Down>
-    double sum(long a, long b, double log_ta, double log_tb, double mode, Up up, Down down) const {
-        ScaledTerm lo = from_log(log_ta), hi = from_log(log_tb);
+    // sum of t_a .. t_b.  log_term(j) = log t_j, up(j) = t_j / t_{j-1},
+    // down(j) = t_{j-1} / t_j; mode is an index where the terms stop rising.
+    // Returns the sum in double.
+    //
+    // A ratio such as (n - j + 1) / j * p / q carries the rounding of p / q
+    // into every step with the same sign, so after 1e5 steps a term would be
+    // off by 1e5 ulps.  Every `anchor_steps` steps an end therefore takes its
+    // term afresh from log_term, which bounds the drift by that many ulps.
+    template <class LogTerm, class Up, class Down>
+    double sum(long a, long b, LogTerm log_term, double mode, Up up, Down down) const {
+        constexpr int anchor_steps = 128;
+        ScaledTerm lo = from_log(log_term(static_cast<double>(a)));
+        ScaledTerm hi = from_log(log_term(static_cast<double>(b)));
+        int lo_steps = 0, hi_steps = 0;
         double total = 0, carry = 0;  // Neumaier's compensated sum of count-0 terms
         double below = 0;             // mantissas of terms at shift count 1
         while (a <= b) {
@@ -133,10 +144,20 @@ public:
             if (a == b) break;
             if (take_low) {
                 ++a;
-                step(lo, up(static_cast<double>(a)));
+                if (++lo_steps == anchor_steps) {
+                    lo = from_log(log_term(static_cast<double>(a)));
+                    lo_steps = 0;
+                } else {
+                    step(lo, up(static_cast<double>(a)));
+                }
             } else {
-                step(hi, down(static_cast<double>(b)));
                 --b;
+                if (++hi_steps == anchor_steps) {
+                    hi = from_log(log_term(static_cast<double>(b)));
+                    hi_steps = 0;
+                } else {
+                    step(hi, down(static_cast<double>(b + 1)));
+                }
             }
             // All terms left on one side of the mode: bound what they can add.
             const ScaledTerm *largest = nullptr;

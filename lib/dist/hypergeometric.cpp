@@ -66,7 +66,7 @@ T l_hypergeometric_cdf(int k, int n, int m, int l) {
     const double rest = dl - dm - dn;
     zorvs::discrete::TwoEndedSum<T> summation;
     double s = summation.sum(
-        bottom, k, log_term(static_cast<double>(bottom)), log_term(k),
+        bottom, k, log_term,
         std::floor((dn + 1) * (dm + 1) / (dl + 2)),
         [=](double x) { return (dm - x + 1) * (dn - x + 1) / (x * (rest + x)); },
         [=](double x) { return x * (rest + x) / ((dm - x + 1) * (dn - x + 1)); });

@@ -36,7 +36,7 @@ T l_poisson_cdf(int k, T theta_in) {
     using zorvs::discrete::log_poisson_term;
     zorvs::discrete::TwoEndedSum<T> summation;
     double s = summation.sum(
-        0, k, -theta, log_poisson_term(k, theta), std::floor(theta),
+        0, k, [theta](double j) { return log_poisson_term(j, theta); }, std::floor(theta),
         [theta](double j) { return theta / j; }, [theta](double j) { return j / theta; });
     return static_cast<T>(s < 1 ? s : 1.0);
 }

@@ -93,6 +93,9 @@ const InnerRule &inner_rule() {
 // W(w) = P(range of k standard normals <= w).
 double range_cdf(double w, double k) {
     if (w <= 0) return 0;
+    // 1 - W(w) <= k P(|Z| > w / 2) = 2 k Q(w / 2): below 1e-20 for w >= 20
+    // and k <= 1e4.
+    if (w >= 20 && k <= 1e4) return 1;
     const InnerRule &r = inner_rule();
     double sum = 0;
     for (int i = 0; i < inner_nodes; ++i) {
@@ -129,23 +132,40 @@ double studentized_range_cdf(double q, double k, double nu, double *mass) {
     if (nu > infinite_df) return range_cdf(q, k);
     // log f(s) = c + (nu - 1) log s - nu (s^2 - 1) / 2, c = log f(1) + ... below.
     const double h = 0.5 * nu;
-    const double c = 0.5 * std::log(h) + std::log(2.0) - 2 * ln_sqrt_2pi + ln_sqrt_2pi - gamma_correction(h);
+    const double c = 0.5 * std::log(h) + std::log(2.0) - ln_sqrt_2pi - gamma_correction(h);
     // Wilson-Hilferty: nu S^2 / nu is near (1 - a +- z sqrt(a))^3, a = 2 / (9 nu).
     const double a = 2.0 / (9.0 * nu), spread = 10.0 * std::sqrt(a);
     double lo = 1 - a - spread, hi = 1 - a + spread;
     double s_lo = lo > 0 ? std::sqrt(lo * lo * lo) : 0.0;
     double s_hi = std::sqrt(hi * hi * hi);
-    const double width = (s_hi - s_lo) / outer_panels;
+    // Panels: equal parts of the range of S, split further where W(q s)
+    // climbs from 0 to 1 (q s from 0.25 to 12), which for small nu and large
+    // q is a sliver near s = 0 that equal panels would miss.
+    double breaks[outer_panels + 40];
+    int nb = 0;
+    for (int p = 0; p <= outer_panels; ++p) breaks[nb++] = s_lo + (s_hi - s_lo) * p / outer_panels;
+    for (double w = 0.25; w <= 12.0; w *= 1.4142135623730951) {
+        double s = w / q;
+        if (s > s_lo && s < s_hi) breaks[nb++] = s;
+    }
+    for (int i = 1; i < nb; ++i)  // insertion sort of a short list
+        for (int j = i; j > 0 && breaks[j] < breaks[j - 1]; --j) {
+            double t = breaks[j];
+            breaks[j] = breaks[j - 1];
+            breaks[j - 1] = t;
+        }
     double sum = 0, density_sum = 0;
-    for (int p = 0; p < outer_panels; ++p) {
-        double mid = s_lo + (p + 0.5) * width;
+    for (int p = 0; p + 1 < nb; ++p) {
+        double width = breaks[p + 1] - breaks[p];
+        if (width <= 0) continue;
+        double mid = 0.5 * (breaks[p] + breaks[p + 1]);
         for (int i = 0; i < gl_half; ++i) {
             for (int sign = -1; sign <= 1; sign += 2) {
                 double s = mid + sign * 0.5 * width * gl_node[i];
                 double log_f = c + (nu - 1) * std::log(s) - 0.5 * nu * (s - 1) * (s + 1);
                 double wf = 0.5 * width * gl_weight[i] * std::exp(log_f);
                 density_sum += wf;
-                if (wf > 0) sum += wf * range_cdf(q * s, k);
+                if (wf > 1e-22) sum += wf * range_cdf(q * s, k);
             }
         }
     }
@@ -195,8 +215,7 @@ T l_srin(T p_in, T nu_in, T k_in) {
 
     double mass;
     auto f = [&](double q) { return studentized_range_cdf(q, k, nu, &mass) - p; };
-    // Start: sqrt(2) times the normal quantile that k (k - 1) / 2 pairwise
-    // differences would need by Bonferroni's bound, then steps of 1.5x.
+    // Bracket: from q = 1 in steps of 1.5x until the sign changes.
     double a = 1.0, fa = f(a);
     double b = a, fb = fa;
     int steps = 0;
