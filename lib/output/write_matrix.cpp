@@ -742,11 +742,13 @@ void l_write_matrix(const char *title, int n_rows, int n_columns, T *a, int lda,
     int column_need = widest_label > max_width ? widest_label : max_width;
     int need = lay.row_width + column_need + 6;
     if (lay.page_width < need) {
-        zorvs_e1sti(1, lay.page_width);
-        zorvs_e1sti(2, need);
         if (max_width < 12) {
+            zorvs_e1sti(1, lay.page_width);
+            zorvs_e1sti(2, need);
             zorvs_ermes(5, 10009);
         } else {
+            zorvs_e1sti(1, lay.page_width);
+            zorvs_e1sti(2, need);
             zorvs_e1sti(3, max_width);
             zorvs_ermes(5, 10008);
         }
