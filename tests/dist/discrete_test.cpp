@@ -239,10 +239,17 @@ TEST(HypergeometricMessages, EveryCheckInOrder) {
     EXPECT_EQ(zorvs_error_param.i[2], 3);
 }
 
-TEST(DiscreteDeath, TerminalErrorsStopWithTheirType) {
+// Terminal errors stop the process with their type as status.
+TEST(PoissonDeath, BadMeanStops) {
     EXPECT_EXIT(zorvs_d_poisson_cdf(1, -1), ::testing::ExitedWithCode(5), "9064|poisson");
+}
+TEST(BinomialDeath, BadTrialsStop) {
     EXPECT_EXIT(zorvs_f_binomial_cdf(1, -3, 0.5f), ::testing::ExitedWithCode(5), "9058|binomial");
+}
+TEST(HypergeometricDeath, BadSuccessCountStops) {
     EXPECT_EXIT(zorvs_d_hypergeometric_cdf(1, 5, 20, 10), ::testing::ExitedWithCode(5), "9062|hypergeometric");
+}
+TEST(BinomDeath, BadCountsStop) {
     EXPECT_EXIT(zorvs_dbinom(3, 5), ::testing::ExitedWithCode(5), "600|binom");
 }
 
