@@ -319,8 +319,9 @@ void l_w1iss(T value, const char *format, int width, char *out) {
     } else {
         std::snprintf(text, sizeof text, format, x);
     }
-    if (static_cast<int>(std::strlen(text)) > width) return fill('*');
-    std::snprintf(out, 41, "%s", text);
+    std::size_t len = std::strlen(text);
+    if (static_cast<int>(len) > width) return fill('*');
+    std::memcpy(out, text, len + 1);  // len is at most width, at most 40
 }
 
 // Pieces of a label or title broken to `width`: at line feeds, at blanks, else
