@@ -236,6 +236,16 @@ TEST(Eigen, ArgumentErrors) {
     EXPECT_NE(q.errors.take().find("e5csf"), std::string::npos);
 }
 
+TEST(Eigen, NaNInputEndsTheQLIterationsWithAFatalMessage) {
+    zorvs_test::Quiet q;
+    const double nan = std::nan("");
+    double a[9] = {1, 2, nan, 2, 1, 0.5, nan, 0.5, 3}, eval[3], evec[9], work[6];
+    int three = 3;
+    zorvs_de2csf(&three, a, &three, eval, evec, &three, work);
+    EXPECT_EQ(zorvs_error_code(), 20410);
+    EXPECT_EQ(zorvs_error_n1rty[1], 4);
+}
+
 TEST(EigenDeathTest, BadOrderStops) {
     double a = 1, e, v, w[2];
     int zero = 0;
