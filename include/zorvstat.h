@@ -390,6 +390,12 @@ double *zorvs_d_random_exponential(int n, ...);
 float *zorvs_f_random_gamma(int n, float a, ...);
 double *zorvs_d_random_gamma(int n, double a, ...);
 int *zorvs_random_poisson(int n, float theta, ...);
+float *zorvs_f_random_beta(int n, float pin, float qin, ...);
+double *zorvs_d_random_beta(int n, double pin, double qin, ...);
+/* n_vectors rows of l_vectors entries, row-major, with the covariance given as
+ * an l_vectors x l_vectors row-major matrix (its upper triangle is read). */
+float *zorvs_f_random_normal_multivariate(int n_vectors, int l_vectors, const float covariance[], ...);
+double *zorvs_d_random_normal_multivariate(int n_vectors, int l_vectors, const double covariance[], ...);
 /* @@end random */
 
 /* ------------------------------------------------------------------------ */
