@@ -2,16 +2,15 @@
 // distribution function.
 //
 // zorvs_f_gamma_incomplete(a, x) is the integral from 0 to x of
-// t^(a-1) exp(-t) dt, formed as exp(log_gamma(a) + a log x) times Tricomi's
-// incomplete gamma function gamma*(a, x) = x^-a P(a, x), which is evaluated by
-// Fullerton's FNLIB method (Gautschi, "A computational procedure for
-// incomplete gamma functions", ACM TOMS 5 (1979) 466-481):
+// t^(a-1) exp(-t) dt, gamma(a) x^a times Tricomi's incomplete gamma function
+// gamma*(a, x) = x^-a P(a, x), which is evaluated by Fullerton's FNLIB method
+// (Gautschi, "A computational procedure for incomplete gamma functions",
+// ACM TOMS 5 (1979) 466-481):
 //   x <= 1          Taylor series of gamma*(a, x)             (l_r9gmit)
 //   1 < x, a < x    continued fraction of the complement      (l_r9lgic)
 //   1 < x <= a      Perron's continued fraction of gamma*     (l_r9lgit)
-// with the signed log-gamma (l_algams) and the reciprocal gamma (l_gamr)
-// beside them.  The functions accept any real a as the published ones do;
-// the public routine passes only a > 0.
+// The product is formed in logarithms (l_gamit), since the public routine
+// takes only a > 0 and the result is positive.
 //
 // zorvs_f_gamma_cdf(x, a) is the regularised P(a, x) by the classical
 // series and continued fraction with the fixed tolerance 1e-8, in both
@@ -24,67 +23,20 @@ namespace {
 
 namespace zc = zorvs::continuous;
 
-// log|gamma(x)| and the sign of gamma(x).
+// Taylor sum S of Tricomi's gamma*(a, x) = S / gamma(a+1) for 0 < x <= 1 and
+// a > 0: S = 1 + sum (-x)^k a / (k! (a + k)).
 template <class T>
-void l_algams(T x, T *algam, T *sgngam) {
-    *algam = zc::log_gamma<T>(x);
-    *sgngam = 1;
-    if (x > 0) return;
-    int k = static_cast<int>(std::fmod(-std::trunc(x), T(2)) + T(0.1));
-    if (k == 0) *sgngam = -1;
-}
-
-// 1/gamma(x), 0 at the poles.
-template <class T>
-T l_gamr(T x) {
-    if (x <= 0 && std::trunc(x) == x) return 0;
-    if (std::fabs(x) > 10) {
-        T alngx, sgngx;
-        l_algams(x, &alngx, &sgngx);
-        return sgngx * std::exp(-alngx);
-    }
-    return 1 / zc::gamma<T>(x);
-}
-
-// Tricomi's gamma*(a, x) for 0 < x <= 1 by its Taylor series; algap1 and
-// sgngam are log|gamma(a+1)| and its sign.  For a < -0.5 the series is taken
-// for the fractional part of a and carried to a by the recurrence.
-template <class T>
-T l_r9gmit(T a, T x, T algap1, T sgngam) {
+T l_r9gmit(T a, T x) {
     const T eps = zc::epsilon<T>() / 2;
-    const T bot = std::log(zc::smallest<T>());
-    int ma = static_cast<int>(a < 0 ? a - T(0.5) : a + T(0.5));
-    T aeps = a - ma;
-    T ae = a < T(-0.5) ? aeps : a;
-    T t = 1, te = ae, s = 1;
+    T te = a, s = 1;
     for (int k = 1; k <= 200; ++k) {
         T fk = static_cast<T>(k);
         te = -x * te / fk;
-        t = te / (ae + fk);
+        T t = te / (a + fk);
         s += t;
         if (std::fabs(t) < eps * std::fabs(s)) break;
     }
-    if (a >= T(-0.5)) return std::exp(-algap1 + std::log(s));
-
-    T algs = -zc::log_gamma<T>(1 + aeps) + std::log(s);
-    s = 1;
-    int m = -ma - 1;
-    if (m != 0) {
-        t = 1;
-        for (int k = 1; k <= m; ++k) {
-            t = x * t / (aeps - static_cast<T>(m + 1 - k));
-            s += t;
-            if (std::fabs(t) < eps * std::fabs(s)) break;
-        }
-    }
-    algs = -static_cast<T>(ma) * std::log(x) + algs;
-    if (s == 0 || aeps == 0) return std::exp(algs);
-    T sgng2 = sgngam * (s < 0 ? T(-1) : T(1));
-    T alg2 = -x - algap1 + std::log(std::fabs(s));
-    T r = 0;
-    if (alg2 > bot) r = sgng2 * std::exp(alg2);
-    if (algs > bot) r += std::exp(algs);
-    return r;
+    return s;
 }
 
 // log of the complementary incomplete gamma function Gamma(a, x) for large
@@ -106,10 +58,10 @@ T l_r9lgic(T a, T x, T alx) {
     return a * alx - x + std::log(s / xpa);
 }
 
-// log of Tricomi's gamma*(a, x) for large x and a >= x, by Perron's
-// continued fraction; algap1 = log gamma(a+1).
+// Perron's continued fraction for x > 1, a >= x: the factor hstar of
+// Tricomi's gamma*(a, x) = e^-x / (gamma(a+1) hstar).
 template <class T>
-T l_r9lgit(T a, T x, T algap1) {
+T l_r9lgit(T a, T x) {
     const T eps = zc::epsilon<T>() / 2;
     T ax = a + x;
     T a1x = ax + 1;
@@ -122,44 +74,26 @@ T l_r9lgit(T a, T x, T algap1) {
         s += p;
         if (std::fabs(p) < eps * s) break;
     }
-    T hstar = 1 - x * s / a1x;
-    return -x - algap1 - std::log(hstar);
+    return 1 - x * s / a1x;
 }
 
-// Tricomi's incomplete gamma function gamma*(a, x) = x^-a / gamma(a) *
-// integral from 0 to x of t^(a-1) exp(-t) dt, for x >= 0.
+// log of gamma(a, x) = gamma(a) x^a gamma*(a, x) for a > 0, x > 0, with
+// gamma*(a, x) taken region by region as in FNLIB's gamit.  In the Taylor and
+// Perron regions gamma* carries 1/gamma(a+1), which is cancelled against
+// gamma(a) by hand (gamma(a+1) = a gamma(a)): gamma(a, x) = x^a S / a, or
+// x^a e^-x / (a hstar).  Neither gamma(a) x^a (which overflows for a large a)
+// nor gamma* (which underflows) is formed, and no two large logarithms are
+// subtracted, so the single twin keeps its precision wherever the result is
+// representable.
 template <class T>
 T l_gamit(T a, T x) {
-    const T alneps = -std::log(zc::epsilon<T>() / 2);
-    T alx = x != 0 ? std::log(x) : T(0);
-    T sga = a != 0 ? (a < 0 ? T(-1) : T(1)) : T(1);
-    T ainta = std::trunc(a + T(0.5) * sga);
-    T aeps = a - ainta;
-    T algap1 = 0, sgngam = 1;
-
-    if (x <= 0) return (ainta > 0 || aeps != 0) ? l_gamr<T>(a + 1) : T(0);
-    if (x <= 1) {
-        if (a >= T(-0.5) || aeps != 0) l_algams<T>(a + 1, &algap1, &sgngam);
-        return l_r9gmit(a, x, algap1, sgngam);
-    }
-    if (a >= x) {
-        T t = l_r9lgit(a, x, zc::log_gamma<T>(a + 1));
-        return std::exp(t);
-    }
-    // gamma* through the complement: 1 - Gamma(a, x)/gamma(a), times x^-a.
-    T alng = l_r9lgic(a, x, alx);
-    T h = 1;
-    if (aeps != 0 || ainta > 0) {
-        l_algams<T>(a + 1, &algap1, &sgngam);
-        T t = std::log(std::fabs(a)) + alng - algap1;
-        if (t > alneps) {
-            t -= a * alx;
-            return -sga * sgngam * std::exp(t);
-        }
-        if (t > -alneps) h = 1 - sga * sgngam * std::exp(t);
-    }
-    T t = -a * alx + std::log(std::fabs(h));
-    return h < 0 ? -std::exp(t) : std::exp(t);
+    T alx = std::log(x);
+    if (x <= 1) return a * alx - std::log(a) + std::log(l_r9gmit(a, x));
+    if (a >= x) return a * alx - x - std::log(a) - std::log(l_r9lgit(a, x));
+    // gamma(a, x) = gamma(a) (1 - Gamma(a, x)/gamma(a)).
+    T lga = zc::log_gamma<T>(a);
+    T t = l_r9lgic(a, x, alx) - lga;
+    return lga + std::log1p(-std::exp(t));
 }
 
 template <class T>
@@ -175,14 +109,7 @@ T l_gamma_incomplete(T a, T x) {
     }
     if (bad) return zc::nan<T>();
     if (x == 0) return 0;
-    T lfactor = zc::log_gamma<T>(a) + a * std::log(x);
-    T g = l_gamit(a, x);
-    T factor = std::exp(lfactor);
-    T r = factor * g;
-    // For a large a the factor overflows (or gamma* underflows) although the
-    // product is finite: the product is then formed in logarithms.
-    if (!(std::isfinite(factor) && r >= zc::smallest<T>()) && g > 0) r = std::exp(lfactor + std::log(g));
-    return r;
+    return std::exp(l_gamit(a, x));
 }
 
 // The standard gamma distribution function P(a, x): the series
