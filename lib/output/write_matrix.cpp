@@ -7,6 +7,13 @@
 // field of a given width (the whole matrix shares it, and common trailing
 // zeros are dropped), and `w`, which does the same column by column.
 //
+// A controller hands out the blocks to print, one per call: groups of rows
+// when the whole width fits the page; else groups of whole columns, each
+// printed for the rows in hand (those that fit a page, or the row wrap with
+// paging off) before the next rows.  A row whose cells outgrow their planned
+// fields goes on in continuation lines; the controller counts those, and the
+// further lines of long row labels, when it fits rows to the page.
+//
 // No object with a destructor lives here: work arrays come from
 // zorvs::allocate and are freed on every path.
 #include <cctype>
@@ -389,8 +396,10 @@ struct Job {
     Conversion *conv;
     int n_conv;
     char (*cell_format)[lc_max_conv];  // per column
-    int *field;                        // per column: field width
+    int *field;                        // per column: field width the layout plans with
+    int *cell_limit;                   // per column: longest text a cell may take
     int *column_width;                 // per column: field and label
+    bool variable_cells;               // some column has no written width: cells may outgrow the plan
     Layout lay;
     char *line;
 };
@@ -413,13 +422,6 @@ void format_label(int mode, char **labels, int index, char *out, int size) {
         std::snprintf(out, size, "%s", labels[index]);
     else
         out[0] = '\0';
-}
-
-int row_label_lines(const Layout &lay, char **labels, int i) {
-    if (lay.row_mode != 2) return 1;
-    char text[lc_line];
-    format_label(2, labels, i, text, lc_line);
-    return l_w4rrl(text, lay.row_width, lay.row_unit, nullptr, nullptr, 0);
 }
 
 template <class T>
@@ -456,12 +458,13 @@ int margin_of(Job<T> &job, int width) {
     return room > 0 ? room / 2 : 0;
 }
 
-void clear_line(char *line) { std::memset(line, ' ', lc_line); }
+void clear_line(char *line) { std::memset(line, ' ', lc_line + 64); }
 
-// Title lines (zorvs_write_title), each centred with the block if asked.
+// Title lines (zorvs_write_title), each centred on the page if asked.
 template <class T>
-void write_title(Job<T> &job, int margin) {
+void write_title(Job<T> &job) {
     int starts[64], ends[64];
+    if (job.title[0] == '\0') return;
     int n = l_w4rrl(job.title, job.lay.page_width, job.lay.page_width / 3 + 1, starts, ends, 64);
     for (int k = 0; k < n && k < 64; ++k) {
         int len = ends[k] - starts[k];
@@ -470,7 +473,6 @@ void write_title(Job<T> &job, int margin) {
             int room = job.lay.page_width - len;
             m = room > 0 ? room / 2 : 0;
         }
-        (void)margin;
         clear_line(job.line);
         std::memcpy(job.line + m, job.title + starts[k], len);
         put_line(job.line, m + len);
@@ -510,138 +512,266 @@ void write_labels(Job<T> &job, int c0, int c1, int margin) {
     }
 }
 
-// The rows of one block (l_w3rrl_f); row labels by zorvs_w8rrl.
+// Last column of c0..c1 that holds a printable element of row i, or c0 - 1.
 template <class T>
-void write_rows(Job<T> &job, int r0, int r1, int c0, int c1, int margin) {
-    for (int i = r0; i <= r1; ++i) {
-        bool any = false;
-        for (int j = c0; j <= c1; ++j) any = any || in_part(job.itring, i + 1, j + 1);
-        if (!any) continue;
-        char label[lc_line];
-        format_label(job.lay.row_mode, job.row_labels, i, label, lc_line);
-        int starts[64], ends[64];
-        int n = l_w4rrl(label, job.lay.row_width > 0 ? job.lay.row_width : 1, job.lay.row_unit, starts, ends, 64);
+int last_printable(Job<T> &job, int i, int c0, int c1) {
+    if (job.itring == 0) return c1;
+    for (int j = c1; j >= c0; --j)
+        if (in_part(job.itring, i + 1, j + 1)) return j;
+    return c0 - 1;
+}
+
+template <class T>
+bool row_printable(Job<T> &job, int i, int c0, int c1) {
+    return last_printable(job, i, c0, c1) >= c0;
+}
+
+// One row of a block (zorvs_w8rrl and step 4 of l_w3rrl_f): the first line of
+// the row label, then the cells of c0..c1 from the left, each in its field
+// behind 2 blanks.  A cell that outgrows its planned field pushes the rest of
+// the row right; when the next field would pass the page width the line is
+// flushed and the row goes on in a continuation line, under the cells, indented
+// by one more position each time and back to no indent after 5 steps.  Further
+// lines of a long row label follow alone.  With `emit` false nothing is printed
+// and only the lines are counted, so the controller can fit rows to the page.
+template <class T>
+int l_row_lines(Job<T> &job, int i, int c0, int c1, int margin, bool emit) {
+    Layout &lay = job.lay;
+    char label[lc_line];
+    format_label(lay.row_mode, job.row_labels, i, label, lc_line);
+    int starts[64], ends[64];
+    int label_lines = l_w4rrl(label, lay.row_width > 0 ? lay.row_width : 1, lay.row_unit, starts, ends, 64);
+    if (lay.row_mode == 0) label_lines = 1;
+    int lines = 1;
+    int last = last_printable(job, i, c0, c1);
+    if (emit) {
         clear_line(job.line);
-        int pos = margin;
-        if (job.lay.row_mode != 0) {
+        if (lay.row_mode != 0) {
             int len = ends[0] - starts[0];
-            if (job.lay.row_mode == 2)
-                std::memcpy(job.line + pos, label + starts[0], len);
-            else
-                std::memcpy(job.line + pos + job.lay.row_width - len, label + starts[0], len);
+            int at = lay.row_mode == 2 ? margin : margin + lay.row_width - len;
+            std::memcpy(job.line + at, label + starts[0], len);
         }
-        pos += job.lay.row_width;
-        for (int j = c0; j <= c1; ++j) {
-            pos += 2;
-            int cw = job.column_width[j];
+    }
+    if (emit || job.variable_cells) {
+        int pos = margin + lay.row_width;
+        int indent = 0;
+        bool placed = false;  // a field stands on the current line
+        for (int j = c0; j <= last; ++j) {
+            char cell[48];
+            int len;
             if (in_part(job.itring, i + 1, j + 1)) {
-                char cell[48];
-                l_w1iss(job.a[i * job.lda + j], job.cell_format[j], job.field[j], cell);
-                int len = static_cast<int>(std::strlen(cell));
-                std::memcpy(job.line + pos + cw - len, cell, len);
+                l_w1iss(job.a[i * job.lda + j], job.cell_format[j], job.cell_limit[j], cell);
+                len = static_cast<int>(std::strlen(cell));
+            } else {
+                len = job.field[j] < 40 ? job.field[j] : 40;
+                std::memset(cell, ' ', len);
             }
-            pos += cw;
+            int field = job.column_width[j] > len ? job.column_width[j] : len;
+            if (placed && pos + 2 + field > lay.page_width) {
+                if (emit) {
+                    put_line(job.line, pos);
+                    clear_line(job.line);
+                }
+                ++lines;
+                indent = indent == 5 ? 0 : indent + 1;
+                pos = margin + lay.row_width + indent;
+                placed = false;
+            }
+            pos += 2;
+            if (emit) std::memcpy(job.line + pos + field - len, cell, len);
+            pos += field;
+            placed = true;
         }
-        put_line(job.line, pos);
-        for (int k = 1; k < n && k < 64; ++k) {
+        if (emit) put_line(job.line, pos);
+    }
+    for (int k = 1; k < label_lines && k < 64; ++k) {
+        if (emit) {
             clear_line(job.line);
             std::memcpy(job.line + margin, label + starts[k], ends[k] - starts[k]);
             put_line(job.line, margin + ends[k] - starts[k]);
         }
+        ++lines;
     }
+    return lines;
 }
 
-// Does row i hold a printable element in columns c0..c1?
+// l_w11rl: cut the block r0..r1 x c0..c1 of a triangular print part to the
+// rows and columns that hold printable elements.  False if there are none.
 template <class T>
-bool row_printable(Job<T> &job, int i, int c0, int c1) {
-    for (int j = c0; j <= c1; ++j)
-        if (in_part(job.itring, i + 1, j + 1)) return true;
-    return false;
+bool l_w11rl(Job<T> &job, int &r0, int &r1, int &c0, int &c1) {
+    if (job.itring == 0) return r0 <= r1 && c0 <= c1;
+    while (r0 <= r1 && !row_printable(job, r0, c0, c1)) ++r0;
+    while (r1 >= r0 && !row_printable(job, r1, c0, c1)) --r1;
+    if (r0 > r1) return false;
+    auto column_printable = [&](int j) {
+        for (int i = r0; i <= r1; ++i)
+            if (in_part(job.itring, i + 1, j + 1)) return true;
+        return false;
+    };
+    while (c0 <= c1 && !column_printable(c0)) ++c0;
+    while (c1 >= c0 && !column_printable(c1)) --c1;
+    return c0 <= c1;
 }
 
-// The controller: column groups from the left, row blocks by page room and row
-// wrap, a blank line or a form feed between blocks, the head on each block.
+// What the controller hands the block printer.
+struct Block {
+    int r0, r1, c0, c1;  // rows and columns, from 0; r1 < r0 for a head alone
+    int rows;            // rows of the block; -1 after the last block
+    bool title;          // the title heads the block
+};
+
+// The controller's memory, a variable of the caller.  State 0 is the first
+// call and the end; 70: the whole width fits and the blocks are groups of
+// rows; 120: columns wrap and the rows in hand are those that fit a page;
+// 200: columns wrap and the row wrap alone sets the rows in hand.
+struct Controller {
+    int state;
+    int next_row;            // first row of the next block
+    int hand_first;          // rows in hand (states 120 and 200) ...
+    int hand_last;           // ... -1 until the first column group has set it
+    int c0, c1;              // the column group
+    bool first_block;
+};
+
+// The column group that starts at c0: whole columns from the left, each with
+// its field or label width and 2 blanks, while the page width is not passed.
 template <class T>
-void print_blocks(Job<T> &job) {
+int column_group_end(Job<T> &job, int c0) {
+    int c1 = c0;
+    int w = job.lay.row_width + 2 + job.column_width[c0];
+    while (c1 + 1 < job.n_columns && w + 2 + job.column_width[c1 + 1] <= job.lay.page_width) {
+        ++c1;
+        w += 2 + job.column_width[c1];
+    }
+    return c1;
+}
+
+// One block of rows from `first` to at most `last` in columns c0..c1: skip the
+// rows with nothing to print, part the block from the one before by a blank
+// line or, if the page cannot hold the head and one row, a form feed, then
+// take the rows the page and the row wrap allow.  Returns the row after the
+// rows taken; b.rows is 0 if nothing in the range is printable.
+template <class T>
+int l_next_block(Job<T> &job, Controller &s, int first, int last, int c0, int c1, Block &b) {
     Layout &lay = job.lay;
-    bool first_block = true;
-    auto begin_block = [&](int c0, int c1, int *room) {
-        // Returns the lines left on the page for rows after the head.
-        int count = 0;
-        zorvs_w1opt(3, &count);
-        bool paging = count >= 0;
-        bool title = first_block;
-        int head = head_lines(job, c0, c1, title);
-        if (!first_block) {
-            if (paging && count + 1 + head + 1 > lay.page_length && count > 0) {
-                zorvs_write_line(-1, "");
-                count = 0;
-            } else {
-                zorvs_write_line(1, " ");
-                count = paging ? count + 1 : count;
-            }
-        } else if (paging && count > 0 && count + head + 1 > lay.page_length) {
+    b.rows = 0;
+    while (first <= last && !row_printable(job, first, c0, c1)) ++first;
+    if (first > last) return last + 1;
+    int count = 0;
+    zorvs_w1opt(3, &count);
+    bool paging = count >= 0;
+    int head = head_lines(job, c0, c1, s.first_block);
+    int first_lines = l_row_lines(job, first, c0, c1, 0, false);
+    if (!s.first_block) {
+        if (paging && count > 0 && count + 1 + head + first_lines > lay.page_length) {
             zorvs_write_line(-1, "");
             count = 0;
+        } else {
+            zorvs_write_line(1, " ");
+            if (paging) ++count;
         }
-        if (paging && count == 0 && lay.title_page) title = true;
-        int width = block_width(job, c0, c1);
-        int margin = margin_of(job, width);
-        if (title) write_title(job, margin);
-        write_labels(job, c0, c1, margin);
-        first_block = false;
-        zorvs_w1opt(3, &count);
-        *room = paging ? lay.page_length - count : 1 << 30;
-        return margin;
-    };
-    if (job.n_rows == 0 || job.n_columns == 0) {
-        int room;
-        int c1 = job.n_columns > 0 ? job.n_columns - 1 : -1;
-        begin_block(0, c1, &room);
-        return;
+    } else if (paging && count > 0 && count + head + first_lines > lay.page_length) {
+        zorvs_write_line(-1, "");
+        count = 0;
     }
-    int r = 0;
-    while (r < job.n_rows) {
-        int chunk_end = -1;
-        int c0 = 0;
-        while (c0 < job.n_columns) {
-            int c1 = c0;
-            int w = lay.row_width + 2 + job.column_width[c0];
-            while (c1 + 1 < job.n_columns && w + 2 + job.column_width[c1 + 1] <= lay.page_width) {
-                ++c1;
-                w += 2 + job.column_width[c1];
-            }
-            int rr = r;
-            int last = chunk_end;
-            while (true) {
-                // Skip rows with nothing to print in this column group.
-                int limit = last >= 0 ? last : job.n_rows - 1;
-                while (rr <= limit && !row_printable(job, rr, c0, c1)) ++rr;
-                if (rr > limit) break;
-                int room;
-                int margin = begin_block(c0, c1, &room);
-                int r_end = rr, used = 0, n = 0;
-                int cap = last >= 0 ? last : job.n_rows - 1;
-                while (r_end <= cap && n < lay.row_wrap) {
-                    int h = row_printable(job, r_end, c0, c1) ? row_label_lines(lay, job.row_labels, r_end) : 0;
-                    if (n > 0 && used + h > room) break;
-                    used += h;
-                    ++n;
-                    ++r_end;
-                }
-                --r_end;
-                write_rows(job, rr, r_end, c0, c1, margin);
-                if (last < 0) {
-                    chunk_end = last = r_end;
-                    break;
-                }
-                rr = r_end + 1;
-                if (rr > last) break;
-            }
-            if (chunk_end < 0) chunk_end = job.n_rows - 1;
-            c0 = c1 + 1;
+    b.title = s.first_block || (paging && count == 0 && lay.title_page);
+    s.first_block = false;
+    head = head_lines(job, c0, c1, b.title);
+    int room = paging ? lay.page_length - count - head : 1 << 30;
+    int r = first, used = 0, n = 0;
+    while (r <= last && n < lay.row_wrap) {
+        int h = row_printable(job, r, c0, c1) ? l_row_lines(job, r, c0, c1, 0, false) : 0;
+        if (n > 0 && used + h > room) break;
+        used += h;
+        ++n;
+        ++r;
+    }
+    b.r0 = first;
+    b.r1 = r - 1;
+    b.c0 = c0;
+    b.c1 = c1;
+    l_w11rl(job, b.r0, b.r1, b.c0, b.c1);
+    b.rows = b.r1 - b.r0 + 1;
+    return r;
+}
+
+// zorvs_write_controller: called repeatedly, it says what to print next.
+template <class T>
+void zorvs_write_controller(Job<T> &job, Controller &s, Block &b) {
+    if (s.state == 0) {
+        // First call: the labels are measured; choose the layout.
+        s.first_block = true;
+        s.next_row = 0;
+        s.hand_first = 0;
+        s.hand_last = -1;
+        s.c0 = 0;
+        if (job.n_rows == 0 || job.n_columns == 0) {
+            // The title and the labels alone.
+            int count = 0;
+            zorvs_w1opt(3, &count);
+            int c1 = job.n_columns - 1;
+            if (count > 0 && count + head_lines(job, 0, c1, true) + 1 > job.lay.page_length)
+                zorvs_write_line(-1, "");
+            s.first_block = false;
+            s.state = 70;
+            s.next_row = job.n_rows;
+            b = Block{0, -1, 0, c1, 0, true};
+            return;
         }
-        r = chunk_end + 1;
+        s.c1 = column_group_end(job, 0);
+        int count = 0;
+        zorvs_w1opt(3, &count);
+        s.state = s.c1 == job.n_columns - 1 ? 70 : count >= 0 ? 120 : 200;
+    }
+    for (;;) {
+        if (s.state == 70) {
+            if (s.next_row >= job.n_rows) break;
+            s.next_row = l_next_block(job, s, s.next_row, job.n_rows - 1, 0, job.n_columns - 1, b);
+            if (b.rows > 0) return;
+            continue;
+        }
+        // States 120 and 200: the first column group sets the rows in hand;
+        // the other groups print those rows; then the next rows.
+        if (s.hand_first >= job.n_rows) break;
+        bool setting = s.hand_last < 0;
+        int last = setting ? job.n_rows - 1 : s.hand_last;
+        int next = l_next_block(job, s, s.next_row, last, s.c0, s.c1, b);
+        if (setting) s.hand_last = next - 1;
+        s.next_row = next;
+        if (s.next_row > s.hand_last) {
+            s.c0 = s.c1 + 1;
+            if (s.c0 >= job.n_columns) {
+                s.c0 = 0;
+                s.hand_first = s.hand_last + 1;
+                s.hand_last = -1;
+            }
+            s.c1 = column_group_end(job, s.c0);
+            s.next_row = s.hand_first;
+        }
+        if (b.rows > 0) return;
+    }
+    s.state = 0;
+    b.rows = -1;
+}
+
+// l_w3rrl_f: print one block, its head and its rows.
+template <class T>
+void l_w3rrl_f(Job<T> &job, const Block &b) {
+    int margin = margin_of(job, block_width(job, b.c0, b.c1));
+    if (b.title) write_title(job);
+    write_labels(job, b.c0, b.c1, margin);
+    for (int i = b.r0; i <= b.r1; ++i)
+        if (row_printable(job, i, b.c0, b.c1)) l_row_lines(job, i, b.c0, b.c1, margin, true);
+}
+
+template <class T>
+void print_blocks(Job<T> &job) {
+    Controller s{};
+    Block b{};
+    for (;;) {
+        zorvs_write_controller(job, s, b);
+        if (b.rows < 0) break;
+        l_w3rrl_f(job, b);
     }
 }
 
@@ -701,10 +831,9 @@ void l_write_matrix(const char *title, int n_rows, int n_columns, T *a, int lda,
     zorvs_w1opt(3, &count);
     if (count > 0 || count == -2) zorvs_write_line(1, " ");
     zorvs_w1opt(3, &count);
-    if (count >= 0 && count >= lay.page_length) {
-        count = 0;
-        zorvs_w1opt(-3, &count);
-    }
+    // A page already full starts a new one: the form feed that the next counted
+    // line would print comes now, so the controller plans on an empty page.
+    if (count >= 0 && count >= lay.page_length) zorvs_write_line(-1, "");
     lay.row_mode = row_mode >= 0 ? row_mode : (pr == 1 ? 0 : 1);
     lay.col_mode = col_mode >= 0 ? col_mode : (pc == 1 ? 0 : 1);
 
@@ -768,13 +897,15 @@ void l_write_matrix(const char *title, int n_rows, int n_columns, T *a, int lda,
     job.conv = zorvs::allocate<Conversion>(n_conv, "format");
     job.cell_format = reinterpret_cast<char (*)[lc_max_conv]>(zorvs::allocate<char>(ncol * lc_max_conv, "nca"));
     job.field = zorvs::allocate<int>(ncol, "nca");
+    job.cell_limit = zorvs::allocate<int>(ncol, "nca");
     job.column_width = zorvs::allocate<int>(ncol, "nca");
     job.line = zorvs::allocate<char>(lc_line + 64, "line");
     char *use = zorvs::allocate<char>(ncol, "nca");
-    if (!job.conv || !job.cell_format || !job.field || !job.column_width || !job.line || !use) {
+    if (!job.conv || !job.cell_format || !job.field || !job.cell_limit || !job.column_width || !job.line || !use) {
         std::free(job.conv);
         std::free(job.cell_format);
         std::free(job.field);
+        std::free(job.cell_limit);
         std::free(job.column_width);
         std::free(job.line);
         std::free(use);
@@ -815,6 +946,7 @@ void l_write_matrix(const char *title, int n_rows, int n_columns, T *a, int lda,
                 for (int j = c; j < pc; j += n_conv) {
                     std::snprintf(job.cell_format[j], lc_max_conv, "%%%dd", w);
                     job.field[j] = w;
+                    job.cell_limit[j] = w;
                 }
             } else if (cv.letter == 'W') {
                 std::memset(use, 0, ncol);
@@ -824,6 +956,7 @@ void l_write_matrix(const char *title, int n_rows, int n_columns, T *a, int lda,
                 for (int j = c; j < pc; j += n_conv) {
                     std::memcpy(job.cell_format[j], resolved, lc_max_conv);
                     job.field[j] = width;
+                    job.cell_limit[j] = width;
                 }
             } else {
                 for (int j = c; j < pc; j += n_conv) {
@@ -831,29 +964,18 @@ void l_write_matrix(const char *title, int n_rows, int n_columns, T *a, int lda,
                     use[j] = 1;
                     l_fmtrr_f(pr, pc, job.a, job.lda, itring, use, width, digits, job.cell_format[j]);
                     job.field[j] = width;
+                    job.cell_limit[j] = width;
                 }
             }
         } else {
             for (int j = c; j < pc; j += n_conv) {
                 std::memcpy(job.cell_format[j], cv.text, lc_max_conv);
-                int w = cv.width;
-                if (w < 0) {
-                    // No width: as wide as the widest cell of the column.
-                    w = 1;
-                    for (int i = 0; i < pr; ++i) {
-                        char text[128];
-                        double x = static_cast<double>(job.a[i * job.lda + j]);
-                        if (std::strchr("diouxX", cv.letter))
-                            std::snprintf(text, sizeof text, cv.text, static_cast<int>(std::trunc(
-                                std::isfinite(x) && std::fabs(x) < 2147483647.0 ? x : 0)));
-                        else
-                            std::snprintf(text, sizeof text, cv.text, x);
-                        int len = static_cast<int>(std::strlen(text));
-                        if (len > w) w = len;
-                    }
-                    if (w > 40) w = 40;
-                }
-                job.field[j] = w;
+                // A conversion without a width is planned at 10, as the format
+                // check counts it; its cells print whole, up to 40 characters,
+                // and a row they push past the page goes on in a continuation line.
+                job.field[j] = cv.width < 0 ? 10 : cv.width;
+                job.cell_limit[j] = cv.width < 0 ? 40 : cv.width;
+                if (cv.width < 0) job.variable_cells = true;
             }
         }
     }
@@ -879,6 +1001,7 @@ void l_write_matrix(const char *title, int n_rows, int n_columns, T *a, int lda,
     std::free(job.conv);
     std::free(job.cell_format);
     std::free(job.field);
+    std::free(job.cell_limit);
     std::free(job.column_width);
     std::free(job.line);
     std::free(use);

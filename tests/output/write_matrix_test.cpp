@@ -407,4 +407,146 @@ TEST(WriteMatrix, AllocationFailureLeavesNothingBehind) {
     for (int k = 0; k < 6; ++k) EXPECT_EQ(f[k], k + 1);
 }
 
+// ------------------------------------------------------------ continuation lines
+// The tests below set the page and the options they need, so they do not lean
+// on what an earlier test in the same process left behind.
+void page_setup(int width, int length, int paging) {
+    zorvs_write_options(0, &paging);
+    zorvs_page(-1, &width);
+    zorvs_page(-2, &length);
+    set_option(3, paging);
+}
+
+std::vector<std::string> split_pages(const std::string &text) {
+    std::vector<std::string> pages;
+    std::string cur;
+    for (char c : text) {
+        if (c == '\f') {
+            pages.push_back(cur);
+            cur.clear();
+        } else {
+            cur += c;
+        }
+    }
+    pages.push_back(cur);
+    return pages;
+}
+
+// A conversion without a width ("%.6f", "% d") is planned at 10 characters;
+// cells that come out longer push the rest of their row right, and past the
+// page width the row goes on in continuation lines under the cells.
+TEST(WriteMatrix, GoldenContinuationLines) {
+    zorvs_test::UnitCapture out(false);
+    page_setup(40, 60, -2);
+    double d[8] = {1.5, 2.25, 3, 4, 123456789.125, 2.5, 98765432.25, 7};
+    zorvs_d_write_matrix("Numbered rows", 2, 4, d, ZORVS_WRITE_FORMAT, "%.6f", 0);
+    float f[8] = {1.5f, 2.25f, 3, 4, 12345678.0f, 2.5f, 9876543.0f, 7};
+    zorvs_f_write_matrix("No row labels", 2, 4, f, ZORVS_WRITE_FORMAT, "%.6f", ZORVS_NO_ROW_LABELS, 0);
+    const char *rows[] = {"short", "total of the first part"};
+    int width = 36;
+    zorvs_page(-1, &width);
+    zorvs_d_write_matrix("Long row label", 2, 4, d, ZORVS_WRITE_FORMAT, "%.6f", ZORVS_ROW_LABELS, rows, 0);
+    int n[6] = {-2000000000, -2000000000, 1, 2, -1000000000, 5};
+    width = 25;
+    zorvs_page(-1, &width);
+    zorvs_i_write_matrix("Integers", 3, 2, n, ZORVS_WRITE_FORMAT, "% d", 0);
+    width = 40;
+    zorvs_page(-1, &width);
+    double t[9] = {123456789.5, 0, 0, 1, 2, 0, 123456789.5, 123456789.5, 3};
+    zorvs_d_write_matrix("Lower triangle", 3, 3, t, ZORVS_WRITE_FORMAT, "%.6f", ZORVS_PRINT_LOWER, 0);
+    set_option(1, 1);
+    zorvs_d_write_matrix("Centred", 2, 4, d, ZORVS_WRITE_FORMAT, "%.6f", 0);
+    expect_golden("continuation", out.take());
+}
+
+// The indent grows by one position for each continuation line of a row.
+TEST(WriteMatrix, ContinuationIndentGrows) {
+    zorvs_test::UnitCapture out(false);
+    page_setup(60, 60, -2);
+    // Five columns planned at 12 each fill 61 of the 60 columns with the row
+    // label, so four stand in a group; cells of 40 characters go one a line.
+    double a[4] = {1e32, 1e32, 1e32, 1e32};
+    zorvs_d_write_matrix("t", 1, 4, a, ZORVS_WRITE_FORMAT, "%.6f", ZORVS_ROW_NUMBER, ZORVS_NO_COL_LABELS, 0);
+    auto lines = split_lines(out.take());
+    ASSERT_EQ(lines.size(), 6u);  // blank line, title, 4 lines of the row
+    std::string cell = "100000000000000005366162204393472.000000";
+    ASSERT_EQ(cell.size(), 40u);
+    EXPECT_EQ(lines[2], "1  " + cell);
+    for (int k = 1; k < 4; ++k) EXPECT_EQ(lines[2 + k], std::string(1 + k + 2, ' ') + cell) << k;
+}
+
+// Paging counts continuation lines and the further lines of a long row label:
+// blocks break between rows, and a row taller than a page is broken where the
+// page ends.
+TEST(WriteMatrix, GoldenContinuationPaging) {
+    zorvs_test::UnitCapture out(false);
+    page_setup(40, 10, 0);
+    std::vector<double> d(6 * 4);
+    for (int k = 0; k < 24; ++k) d[k] = k % 2 ? 1.5 + k : 123456789.125 * (k + 1);
+    zorvs_d_write_matrix("Paged", 6, 4, d.data(), ZORVS_WRITE_FORMAT, "%.6f", 0);
+    // Eleven lines of row label and a continuation line: more than a page holds under the head.
+    const char *rows[] = {"one",
+                          "a b c d e f g h i j k l m n o p q r s t u v w x y z "
+                          "a b c d e f g h i j k l m n o p q r s t u v w x y z",
+                          "three"};
+    int width = 36;
+    zorvs_page(-1, &width);
+    zorvs_d_write_matrix("Tall row", 3, 4, d.data(), ZORVS_WRITE_FORMAT, "%.6f", ZORVS_ROW_LABELS, rows, 0);
+    std::string text = out.take();
+    expect_golden("continuation_paging", text);
+    auto pages = split_pages(text);
+    for (const auto &page : pages) EXPECT_LE(split_lines(page).size(), 10u);
+    EXPECT_EQ(option(3), static_cast<int>(split_lines(pages.back()).size()));
+}
+
+// ------------------------------------------------------------ controller
+// Paging off and columns wrapped: the row wrap sets the rows in hand, and each
+// column group prints them before the next rows.
+TEST(WriteMatrix, GoldenRowWrap) {
+    zorvs_test::UnitCapture out(false);
+    page_setup(40, 60, -2);
+    set_option(2, 2);
+    float a[25];
+    for (int k = 0; k < 25; ++k) a[k] = static_cast<float>(k + 1);
+    zorvs_f_write_matrix("Row wrap 2", 5, 5, a, 0);
+    // The whole width fits: the row wrap still ends a block with paging off.
+    zorvs_f_write_matrix("Fits", 5, 2, a, 0);
+    expect_golden("row_wrap", out.take());
+}
+
+// Paging on: a long matrix in pages with its head on each; a wide one in
+// pages of the rows that fit under the head, column group by column group;
+// the title on each page with option 5.
+TEST(WriteMatrix, GoldenPaged) {
+    zorvs_test::UnitCapture out(false);
+    page_setup(40, 10, 0);
+    int n[24];
+    for (int k = 0; k < 24; ++k) n[k] = k + 1;
+    zorvs_i_write_matrix("Long", 12, 2, n, 0);
+    double d[35];
+    for (int k = 0; k < 35; ++k) d[k] = k + 0.5;
+    zorvs_d_write_matrix("Wide", 7, 5, d, 0);
+    set_option(5, 1);
+    zorvs_d_write_matrix("Title on each page", 7, 5, d, 0);
+    std::string text = out.take();
+    expect_golden("paged", text);
+    auto pages = split_pages(text);
+    for (const auto &page : pages) EXPECT_LE(split_lines(page).size(), 10u);
+    EXPECT_EQ(option(3), static_cast<int>(split_lines(pages.back()).size()));
+}
+
+// A triangle that spans several column groups and pages: blocks with nothing
+// to print are skipped, and each block is cut to its printable rows and columns.
+TEST(WriteMatrix, GoldenTriangleInBlocks) {
+    zorvs_test::UnitCapture out(false);
+    page_setup(40, 12, 0);
+    double a[36];
+    for (int k = 0; k < 36; ++k) a[k] = k + 1;
+    zorvs_d_write_matrix("Lower", 6, 6, a, ZORVS_PRINT_LOWER, 0);
+    zorvs_d_write_matrix("Upper without diagonal", 6, 6, a, ZORVS_PRINT_UPPER_NO_DIAG, 0);
+    std::string text = out.take();
+    expect_golden("triangle_blocks", text);
+    EXPECT_EQ(option(3), static_cast<int>(split_lines(split_pages(text).back()).size()));
+}
+
 }  // namespace
