@@ -9,7 +9,24 @@
 // and a finite sum of int(q) terms y^p (1-y)^(q-i) / (q B(p, q)) ... built by
 // recurrence, with a scale counter that keeps single terms from underflow.
 // The underflow threshold of the first term is 0.95 log(smallest), a little
-// inside the range, so that exp() of it never lands among the subnormals.
+// inside the range, so that exp() of it never lands among the subnormals;
+// one step of the scale counter is that same factor e^alnsml.
+//
+// Two refinements keep the relative accuracy of the method's sums:
+//   - The exchange gives I_x(a, b) as 1 - I_y(b, a), and the complement
+//     1 - I_x(a, b) that the F distribution needs is 1 minus the sum.  Such
+//     a difference d carries the rounding of the sum magnified by 1/d; below
+//     1/4 the small tail is summed in its own orientation instead, when that
+//     series is not too long (its variable at most 0.99).
+//   - Terms below the threshold are not dropped at once: one more level of
+//     the scale counter carries them, and they count when the total is a
+//     normal number.
+// B(p, q) follows from B(ps, p) by q = ps + m and
+//   B(p, ps + m) = B(p, ps) prod_{k<m} (ps + k) / (p + ps + k)
+// for a short product, so that one logarithm of the beta function serves
+// both sums; with ps = 1 the first sum is the single term y^p.
+#include "dist/beta_incomplete.hpp"
+
 #include <algorithm>
 #include <cmath>
 
@@ -21,20 +38,137 @@ namespace zc = zorvs::continuous;
 
 template <class T>
 struct BetaConstants {
-    T eps = 0, alneps = 0, sml = 0, alnsml = 0;
+    T eps = 0, alneps = 0, sml = 0, alnsml = 0, scale = 0;
 };
 template <class T>
 BetaConstants<T> lv_beta_constants;
 
 template <class T>
-T l_beta_incomplete(T x, T a, T b) {
+const BetaConstants<T> &constants() {
     BetaConstants<T> &k = lv_beta_constants<T>;
     if (k.eps == 0) {
-        k.eps = zc::epsilon<T>() / 2;
-        k.alneps = std::log(k.eps);
         k.sml = zc::smallest<T>();
         k.alnsml = T(0.95) * std::log(k.sml);
+        k.scale = std::exp(k.alnsml);
+        k.alneps = std::log(zc::epsilon<T>() / 2);
+        k.eps = zc::epsilon<T>() / 2;
     }
+    return k;
+}
+
+// Longest product of ratios used for log B(p, q) from log B(ps, p).
+constexpr int kProductTerms = 40;
+
+// I_y(p, q) by the two sums, without exchange; cy = 1 - y.
+template <class T>
+T l_betai_sums(T y, T cy, T p, T q) {
+    const BetaConstants<T> &k = constants<T>();
+    if ((p + q) * y / (p + 1) < k.eps) {
+        T xb = p * std::log(std::max(y, k.sml)) - std::log(p) - zc::log_beta<T>(p, q);
+        return (xb > k.alnsml && y != 0) ? std::exp(xb) : T(0);
+    }
+    const T lny = std::log(y);
+
+    // The infinite sum in y for the fractional part of q.  A sum whose
+    // first term lies below the threshold is carried at the next level of
+    // the scale counter (s1, a multiple of e^alnsml).
+    T ps = q - std::trunc(q);
+    if (ps == 0) ps = 1;
+    const T lnp = std::log(p);
+    const T lbeta_psp = ps == 1 ? -lnp : zc::log_beta<T>(ps, p);
+    const T xb0 = ps == 1 ? p * lny : p * lny - lbeta_psp - lnp;
+    T lbeta_pq = 0;  // log B(p, q), when the product gives it
+    bool have_lbeta = false;
+    if (q > 1 && q < kProductTerms) {
+        T prod = 1;
+        for (T j = 0; j + ps < q; j += 1) prod *= (ps + j) / (p + ps + j);
+        if (prod >= k.scale) {
+            lbeta_pq = lbeta_psp + std::log(prod);
+            have_lbeta = true;
+        }
+    }
+    T s = 0, s1 = 0;
+    if (xb0 >= 2 * k.alnsml) {
+        const bool low = xb0 < k.alnsml;
+        T first = std::exp(low ? xb0 - k.alnsml : xb0);
+        T sum = first;
+        if (ps != 1) {
+            // Terms fall by at least the factor y: the tail after a term t
+            // is below t y / (1 - y).
+            const T tail = y / cy;
+            const int n = static_cast<int>(std::max(k.alneps / lny, T(4)));
+            T term = first * p;
+            for (int i = 1; i <= n; ++i) {
+                T xi = static_cast<T>(i);
+                term = term * (xi - ps) * y / xi;
+                T add = term / (p + xi);
+                sum += add;
+                if (add * tail <= k.eps * sum) break;
+            }
+        }
+        if (low) s1 = sum;
+        else s = sum;
+    }
+
+    // The finite sum for the integer part of q.
+    if (q > 1) {
+        if (!have_lbeta) lbeta_pq = zc::log_beta<T>(p, q);
+        T xb = p * lny + q * std::log(cy) - lbeta_pq - std::log(q);
+        int ib = static_cast<int>(std::max(xb / k.alnsml, T(0)));
+        T term = std::exp(xb - static_cast<T>(ib) * k.alnsml);
+        T c = 1 / cy;
+        T p1 = q * c / (p + q - 1);
+        T fin = 0, fin1 = 0;
+        int n = static_cast<int>(q);
+        if (q == static_cast<T>(n)) --n;
+        for (int i = 1; i <= n; ++i) {
+            // With p1 <= 1 the terms fall and stay at one level.
+            if (p1 <= 1 && term / k.eps <= (ib == 0 ? fin : fin1)) break;
+            T xi = static_cast<T>(i);
+            term = (q - xi + 1) * c * term / (p + q - xi);
+            if (term > 1) {
+                --ib;
+                term *= k.scale;
+            }
+            if (ib == 0) fin += term;
+            else if (ib == 1) fin1 += term;
+        }
+        s += fin;
+        s1 += fin1;
+    }
+    if (s1 != 0) {
+        // Carried terms count when the total is a normal number.
+        T total = s + s1 * k.scale;
+        s = total >= k.sml ? total : s;
+    }
+    return s;
+}
+
+template <class T>
+T clamp01(T v) {
+    return std::clamp(v, T(0), T(1));
+}
+
+template <class T>
+T l_beta_ratio(T x, T cx, T a, T b, bool upper) {
+    const bool swapped = !(b <= a && x < T(0.8)) && x >= T(0.2);
+    // s is I_x(a, b) unexchanged, its complement exchanged; t the other one.
+    T s = swapped ? l_betai_sums(cx, x, b, a) : l_betai_sums(x, cx, a, b);
+    T t = 1 - s;
+    if (t < T(0.25)) {
+        // The small tail is summed in its own orientation where that series
+        // is short enough (its variable at most 0.99): 1 - s has lost digits.
+        T y = swapped ? x : cx;
+        if (y <= T(0.99)) {
+            t = swapped ? l_betai_sums(x, cx, a, b) : l_betai_sums(cx, x, b, a);
+            s = 1 - t;
+        }
+    }
+    return clamp01(swapped == upper ? s : t);
+}
+
+template <class T>
+T l_beta_incomplete(T x, T a, T b) {
     bool bad = false;
     if (!(x >= 0 && x <= 1)) {
         zorvs_e1stl(1, "x");
@@ -46,68 +180,21 @@ T l_beta_incomplete(T x, T a, T b) {
         bad = true;
     }
     if (bad) return zc::nan<T>();
-
-    T y = x, p = a, q = b;
-    bool swapped = false;
-    if (!(b <= a && x < T(0.8)) && x >= T(0.2)) {
-        y = 1 - x;
-        p = b;
-        q = a;
-        swapped = true;
-    }
-
-    if ((p + q) * y / (p + 1) < k.eps) {
-        T r = 0;
-        T xb = p * std::log(std::max(y, k.sml)) - std::log(p) - zc::log_beta<T>(p, q);
-        if (xb > k.alnsml && y != 0) r = std::exp(xb);
-        return swapped ? 1 - r : r;
-    }
-
-    // The infinite sum in y for the fractional part of q.
-    T ps = q - std::trunc(q);
-    if (ps == 0) ps = 1;
-    T xb = p * std::log(y) - zc::log_beta<T>(ps, p) - std::log(p);
-    T s = 0;
-    if (xb >= k.alnsml) {
-        s = std::exp(xb);
-        T term = s * p;
-        if (ps != 1) {
-            int n = static_cast<int>(std::max(k.alneps / std::log(y), T(4)));
-            for (int i = 1; i <= n; ++i) {
-                T xi = static_cast<T>(i);
-                term = term * (xi - ps) * y / xi;
-                s += term / (p + xi);
-            }
-        }
-    }
-
-    // The finite sum for the integer part of q.
-    if (q > 1) {
-        xb = p * std::log(y) + q * std::log(1 - y) - zc::log_beta<T>(p, q) - std::log(q);
-        int ib = static_cast<int>(std::max(xb / k.alnsml, T(0)));
-        T term = std::exp(xb - static_cast<T>(ib) * k.alnsml);
-        T c = 1 / (1 - y);
-        T p1 = q * c / (p + q - 1);
-        T fin = 0;
-        int n = static_cast<int>(q);
-        if (q == static_cast<T>(n)) --n;
-        for (int i = 1; i <= n; ++i) {
-            if (p1 <= 1 && term / k.eps <= fin) break;
-            T xi = static_cast<T>(i);
-            term = (q - xi + 1) * c * term / (p + q - xi);
-            if (term > 1) {
-                --ib;
-                term *= k.sml;
-            }
-            if (ib == 0) fin += term;
-        }
-        s += fin;
-    }
-    if (swapped) s = 1 - s;
-    return std::clamp(s, T(0), T(1));
+    return l_beta_ratio<T>(x, 1 - x, a, b, false);
 }
 
 }  // namespace
+
+namespace zorvs::continuous {
+
+template <class T>
+T beta_ratio(T x, T cx, T a, T b, bool upper) {
+    return l_beta_ratio<T>(x, cx, a, b, upper);
+}
+template float beta_ratio<float>(float, float, float, float, bool);
+template double beta_ratio<double>(double, double, double, double, bool);
+
+}  // namespace zorvs::continuous
 
 extern "C" {
 

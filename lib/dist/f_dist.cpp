@@ -1,11 +1,13 @@
 // f_dist.cpp - Fisher's F distribution function and its inverse.
 //
 // With x = df2/(df2 + df1 f), F(f) = 1 - I_x(df2/2, df1/2) (Abramowitz and
-// Stegun 26.6.2).  The inverse solves the incomplete beta ratio in the
+// Stegun 26.6.2), taken as the complement that the ratio routine gives
+// without subtracting from 1.  The inverse solves the incomplete beta ratio in the
 // lighter tail: for p <= 1/2, I_x(df1/2, df2/2) = p with f = df2 x/(df1 (1-x));
 // above, I_x(df2/2, df1/2) = 1 - p with f = (1/x - 1) df2/df1.
 #include <cmath>
 
+#include "dist/beta_incomplete.hpp"
 #include "dist/continuous.h"
 #include "dist/continuous_support.hpp"
 
@@ -34,7 +36,22 @@ T l_F_cdf(T f, T df1, T df2) {
         zc::raise_reals(1, 9050, f);
         return 0;
     }
-    return 1 - incomplete<T>(df2 / (df2 + df1 * f), T(0.5) * df2, T(0.5) * df1);
+    if (std::isnan(f)) return incomplete<T>(f, T(0.5) * df2, T(0.5) * df1);  // raises the range message
+    // x = df2/(df2 + df1 f) and 1 - x, each formed from a ratio below 1 so
+    // that both keep full relative accuracy; the result is the complement
+    // 1 - I_x(df2/2, df1/2), taken from the ratio routine without the
+    // cancellation of the subtraction.
+    T x, cx;
+    if (df1 * f >= df2) {
+        T r = df2 / (df1 * f);
+        x = r / (1 + r);
+        cx = 1 / (1 + r);
+    } else {
+        T r = df1 * f / df2;
+        x = 1 / (1 + r);
+        cx = r / (1 + r);
+    }
+    return zc::beta_ratio<T>(x, cx, T(0.5) * df2, T(0.5) * df1, true);
 }
 
 template <class T>

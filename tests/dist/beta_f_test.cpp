@@ -5,9 +5,7 @@
 
 
 // ----------------------------------------------------------------- beta
-// Accuracy bounds not yet met on the whole grid: disabled until the
-// failing rows are resolved (run with --gtest_also_run_disabled_tests).
-TEST(BetaIncomplete, DISABLED_MatchesReferenceInBothTwins) {
+TEST(BetaIncomplete, MatchesReferenceInBothTwins) {
     check_rows<double>("beta_incomplete");
     check_rows<float>("beta_incomplete");
 }
@@ -29,9 +27,7 @@ TEST(BetaIncomplete, EdgesAndFailures) {
     EXPECT_EQ(r2(), 3.0);
 }
 
-// Accuracy bounds not yet met on the whole grid: disabled until the
-// failing rows are resolved (run with --gtest_also_run_disabled_tests).
-TEST(BetaDist, DISABLED_CdfMatchesReference) {
+TEST(BetaDist, CdfMatchesReference) {
     check_rows<double>("beta_cdf");
     check_rows<float>("beta_cdf");
 }
@@ -50,9 +46,7 @@ TEST(BetaDist, CdfEdgesAndFailures) {
     EXPECT_EQ(zorvs_error_code(), 11034);
 }
 
-// Accuracy bounds not yet met on the whole grid: disabled until the
-// failing rows are resolved (run with --gtest_also_run_disabled_tests).
-TEST(BetaDist, DISABLED_InverseRoundTripsInBothTwins) {
+TEST(BetaDist, InverseRoundTripsInBothTwins) {
     check_quantiles<double>("beta", 64 * DBL_EPSILON, 1e-11);
     check_quantiles<float>("beta", 64 * FLT_EPSILON, 1e-4);
 }
@@ -72,9 +66,7 @@ TEST(BetaDist, InverseFailuresAndTheWorkerName) {
 
 
 // -------------------------------------------------------------------- F
-// Accuracy bounds not yet met on the whole grid: disabled until the
-// failing rows are resolved (run with --gtest_also_run_disabled_tests).
-TEST(FDist, DISABLED_CdfMatchesReference) {
+TEST(FDist, CdfMatchesReference) {
     check_rows<double>("F_cdf");
     check_rows<float>("F_cdf");
 }
@@ -91,9 +83,7 @@ TEST(FDist, CdfEdgesAndFailures) {
     EXPECT_EQ(r2(), 3.0);
 }
 
-// Accuracy bounds not yet met on the whole grid: disabled until the
-// failing rows are resolved (run with --gtest_also_run_disabled_tests).
-TEST(FDist, DISABLED_InverseRoundTripsInBothTwins) {
+TEST(FDist, InverseRoundTripsInBothTwins) {
     check_quantiles<double>("F", 64 * DBL_EPSILON, 1e-10);
     check_quantiles<float>("F", 64 * FLT_EPSILON, 2e-4);
 }
