@@ -59,9 +59,7 @@ TEST(GammaCdf, StopsOnHugeArgumentsByDefault) {
 }
 
 // ---------------------------------------------------------- chi-squared
-// Accuracy bounds not yet met on the whole grid: disabled until the
-// failing rows are resolved (run with --gtest_also_run_disabled_tests).
-TEST(ChiSquared, DISABLED_MatchesReferenceOnEveryBranch) {
+TEST(ChiSquared, MatchesReferenceOnEveryBranch) {
     check_rows<double>("chi_squared_cdf");
     check_rows<float>("chi_squared_cdf");
 }
@@ -124,9 +122,7 @@ TEST(ChiSquared, InverseStopsOnBadProbabilityByDefault) {
     EXPECT_EXIT(zorvs_d_chi_squared_inverse_cdf(1.5, 3), ::testing::ExitedWithCode(5), "9043|chi_squared");
 }
 // -------------------------------------------------------------------- t
-// Accuracy bounds not yet met on the whole grid: disabled until the
-// failing rows are resolved (run with --gtest_also_run_disabled_tests).
-TEST(TDist, DISABLED_CdfMatchesReferenceOnEveryBranch) {
+TEST(TDist, CdfMatchesReferenceOnEveryBranch) {
     check_rows<double>("t_cdf");
     check_rows<float>("t_cdf");
 }
