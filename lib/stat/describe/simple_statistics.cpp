@@ -67,9 +67,9 @@ struct Summary {
     // The table, row-major with leading dimension ld.
     T *table;
     int ld;
-    // Work: the running sums of each variable, side by side so that a row's
-    // update touches one small block (see Slot), and the weight sum per
-    // variable.
+    // Work: the running sums, one array per kind of sum with one entry per
+    // variable, so that the update of a row runs along contiguous arrays
+    // and vectorises across the variables; and the weight sum per variable.
     T *running;
     T *weight_sum;
     // Pass state.
@@ -79,24 +79,39 @@ struct Summary {
     bool failed;
 
     T &cell(int row, int j) { return table[static_cast<long>(row) * ld + j]; }
-    // Running sums of variable j: mean, M2, M3, M4, minimum, maximum, count,
+    // The kinds of running sums: mean, M2, M3, M4, minimum, maximum, count,
     // the first value seen (NaN before one), and the flag "a value differs
     // from the first".
     enum Slot { R_MEAN, R_M2, R_M3, R_M4, R_MIN, R_MAX, R_COUNT, R_FIRST, R_DIFFERS, R_SLOTS };
-    T *run(int j) { return running + static_cast<long>(j) * R_SLOTS; }
-    T &first_of(int j) { return run(j)[R_FIRST]; }
-    T &differs_of(int j) { return run(j)[R_DIFFERS]; }
+    T *sums(Slot k) { return running + static_cast<long>(k) * n_variables; }
+    T &sum(Slot k, int j) { return running[static_cast<long>(k) * n_variables + j]; }
+    T &first_of(int j) { return sum(R_FIRST, j); }
+    T &differs_of(int j) { return sum(R_DIFFERS, j); }
     T value(long i, int j) const { return x[i * x_col_dim + j]; }
 };
+
+// The moment update of one value d, already less the variable's first value
+// and its running mean, with r = f*w over the new weight total, t = f*w*q,
+// q = 1 - r, c4 = 1 - 3*r*q and c3 = 1 - 2*r.  Each line uses the old values
+// of the sums below it.
+template <class T>
+inline void moments_step(T d, T r, T t, T c4, T c3, T &mean, T &m2, T &m3, T &m4) {
+    T dr = d * r;
+    T d2 = d * d;
+    m4 += T(-4) * dr * m3 + T(6) * dr * dr * m2 + t * (d2 * d2) * c4;
+    m3 += T(-3) * dr * m2 + t * (d2 * d) * c3;
+    m2 += t * d2;
+    mean += dr;
+}
 
 // The update of one variable by one value of frequency f and weight w.
 // r is f*w over the new weight total, q = 1 - r, t = f*w*q.
 template <class T>
 void update_moments(Summary<T> &s, int j, T v, T w, T r, T q, T t) {
-    T *a = s.run(j);
-    T &mn = a[Summary<T>::R_MIN];
-    T &mx = a[Summary<T>::R_MAX];
-    T &first = a[Summary<T>::R_FIRST];
+    using S = Summary<T>;
+    T &mn = s.sum(S::R_MIN, j);
+    T &mx = s.sum(S::R_MAX, j);
+    T &first = s.sum(S::R_FIRST, j);
     if (zorvs::is_missing(first)) {
         first = v;
         mn = v;
@@ -104,30 +119,20 @@ void update_moments(Summary<T> &s, int j, T v, T w, T r, T q, T t) {
     } else {
         if (v < mn) mn = v;
         if (v > mx) mx = v;
-        if (v != first) a[Summary<T>::R_DIFFERS] = T(1);
+        if (v != first) s.sum(S::R_DIFFERS, j) = T(1);
     }
     if (w > T(0)) {
-        v -= first;
-        T &mean = a[Summary<T>::R_MEAN];
-        T &m2 = a[Summary<T>::R_M2];
-        T &m3 = a[Summary<T>::R_M3];
-        T &m4 = a[Summary<T>::R_M4];
-        T d = v - mean;
-        T dr = d * r;
-        T d2 = d * d;
-        // Each line uses the old values of the sums below it.
-        m4 += T(-4) * dr * m3 + T(6) * dr * dr * m2 + t * (d2 * d2) * (T(1) - T(3) * r * q);
-        m3 += T(-3) * dr * m2 + t * (d2 * d) * (T(1) - T(2) * r);
-        m2 += t * d2;
-        mean += dr;
+        T &mean = s.sum(S::R_MEAN, j);
+        moments_step(v - first - mean, r, t, T(1) - T(3) * r * q, T(1) - T(2) * r, mean, s.sum(S::R_M2, j),
+                     s.sum(S::R_M3, j), s.sum(S::R_M4, j));
     }
 }
 
 // Reset the running sums of one variable when its total falls to 0.
 template <class T>
 void reset_variable(Summary<T> &s, int j) {
-    T *a = s.run(j);
-    a[Summary<T>::R_MEAN] = a[Summary<T>::R_M2] = a[Summary<T>::R_M3] = a[Summary<T>::R_M4] = T(0);
+    using S = Summary<T>;
+    s.sum(S::R_MEAN, j) = s.sum(S::R_M2, j) = s.sum(S::R_M3, j) = s.sum(S::R_M4, j) = T(0);
     if (s.weight_sum) s.weight_sum[j] = T(0);
 }
 
@@ -172,7 +177,7 @@ void add_observation(Summary<T> &s, long i, T f, T w) {
             missing_seen = true;
             continue;
         }
-        T &count = s.run(j)[Summary<T>::R_COUNT];
+        T &count = s.sum(Summary<T>::R_COUNT, j);
         T old_total = s.weight_sum ? s.weight_sum[j] : count;
         count += f;
         T new_total = old_total + f * w;
@@ -224,28 +229,195 @@ bool row_frequency_and_weight(Summary<T> &s, long i, T &f, T &w) {
     return status == 0;
 }
 
+// The pass of the common case, list-wise with neither frequencies nor
+// weights, from a fresh start.  Every observation has f = w = 1, so
+// r = 1/sumwf, q = 1 - r and t = q; the arithmetic of each value is that of
+// update_moments in the same order, so the sums are the same to the bit.
+// The inner loops run along the variables and carry no branches, so they
+// vectorise; the rounding of each operation does not depend on the vector
+// width.  Rows holding a NaN are counted and passed over.
+struct PlainPass {
+    long n;
+    int nv;
+    long ld;
+};
+// One row of the common-case pass, along the variables.
+template <class T, int NV>
+__attribute__((always_inline)) inline void plain_row(const T *__restrict row, int nv, T r, T t, T c4, T c3,
+                                                     T *__restrict mean, T *__restrict m2, T *__restrict m3,
+                                                     T *__restrict m4, T *__restrict mn, T *__restrict mx,
+                                                     const T *__restrict first, T *__restrict differs) {
+    if constexpr (NV > 0) nv = NV;
+    for (int j = 0; j < nv; ++j) {
+        const T v = row[j];
+        mn[j] = v < mn[j] ? v : mn[j];
+        mx[j] = v > mx[j] ? v : mx[j];
+        differs[j] = v != first[j] ? T(1) : differs[j];
+        const T d = v - first[j] - mean[j];
+        const T dr = d * r;
+        const T d2 = d * d;
+        m4[j] += T(-4) * dr * m3[j] + T(6) * dr * dr * m2[j] + t * (d2 * d2) * c4;
+        m3[j] += T(-3) * dr * m2[j] + t * (d2 * d) * c3;
+        m2[j] += t * d2;
+        mean[j] += dr;
+    }
+}
+
+template <class T, int NV>
+__attribute__((always_inline)) inline void plain_pass_rows(const PlainPass &p, const T *x, T *__restrict run,
+                                                           T &sum_f, T &sum_wf, int &n_missing) {
+    const int nv = NV > 0 ? NV : p.nv;
+    using S = Summary<T>;
+    T *__restrict mean = run + static_cast<long>(S::R_MEAN) * nv;
+    T *__restrict m2 = run + static_cast<long>(S::R_M2) * nv;
+    T *__restrict m3 = run + static_cast<long>(S::R_M3) * nv;
+    T *__restrict m4 = run + static_cast<long>(S::R_M4) * nv;
+    T *__restrict mn = run + static_cast<long>(S::R_MIN) * nv;
+    T *__restrict mx = run + static_cast<long>(S::R_MAX) * nv;
+    T *__restrict first = run + static_cast<long>(S::R_FIRST) * nv;
+    T *__restrict differs = run + static_cast<long>(S::R_DIFFERS) * nv;
+    bool started = false;
+    for (long i = 0; i < p.n; ++i) {
+        const T *__restrict row = x + i * p.ld;
+        int bad = 0;
+        for (int j = 0; j < nv; ++j) bad |= row[j] != row[j];
+        if (bad) {
+            ++n_missing;
+            continue;
+        }
+        if (!started) {
+            for (int j = 0; j < nv; ++j) first[j] = mn[j] = mx[j] = row[j];
+            started = true;
+        }
+        sum_f += T(1);
+        sum_wf += T(1);
+        const T r = T(1) / sum_wf;
+        const T q = T(1) - r;
+        const T t = q;
+        const T c4 = T(1) - T(3) * r * q;
+        const T c3 = T(1) - T(2) * r;
+        plain_row<T, NV>(row, nv, r, t, c4, c3, mean, m2, m3, m4, mn, mx, first, differs);
+    }
+}
+
+// Up to one vector of variables (4 doubles or 8 floats in 32 bytes): the
+// running sums stay in vector registers for the whole pass, so the chain
+// from one row to the next carries no store and reload.  Lanes past the
+// last variable hold 0.0 and compute harmless zeros.
+template <class T>
+__attribute__((always_inline)) inline void plain_pass_short(const PlainPass &p, const T *x, T *run, T &sum_f,
+                                                            T &sum_wf, int &n_missing) {
+    constexpr int W = 32 / sizeof(T);
+    typedef T V __attribute__((vector_size(32)));
+    const int nv = p.nv;
+    V mean{}, m2{}, m3{}, m4{}, mn{}, mx{}, first{}, differs{};
+    const V one = V{} + T(1);
+    bool started = false;
+    for (long i = 0; i < p.n; ++i) {
+        const T *row = x + i * p.ld;
+        V v{};
+        int bad = 0;
+        for (int j = 0; j < nv; ++j) {
+            v[j] = row[j];
+            bad |= row[j] != row[j];
+        }
+        if (bad) {
+            ++n_missing;
+            continue;
+        }
+        if (!started) {
+            first = mn = mx = v;
+            started = true;
+        }
+        sum_f += T(1);
+        sum_wf += T(1);
+        const T r = T(1) / sum_wf;
+        const T q = T(1) - r;
+        const T t = q;
+        const T c4 = T(1) - T(3) * r * q;
+        const T c3 = T(1) - T(2) * r;
+        mn = v < mn ? v : mn;
+        mx = v > mx ? v : mx;
+        differs = v != first ? one : differs;
+        const V d = v - first - mean;
+        const V dr = d * r;
+        const V d2 = d * d;
+        m4 += T(-4) * dr * m3 + T(6) * dr * dr * m2 + t * (d2 * d2) * c4;
+        m3 += T(-3) * dr * m2 + t * (d2 * d) * c3;
+        m2 += t * d2;
+        mean += dr;
+    }
+    if (!started) return;
+    using S = Summary<T>;
+    for (int j = 0; j < nv && j < W; ++j) {
+        run[S::R_MEAN * nv + j] = mean[j];
+        run[S::R_M2 * nv + j] = m2[j];
+        run[S::R_M3 * nv + j] = m3[j];
+        run[S::R_M4 * nv + j] = m4[j];
+        run[S::R_MIN * nv + j] = mn[j];
+        run[S::R_MAX * nv + j] = mx[j];
+        run[S::R_FIRST * nv + j] = first[j];
+        run[S::R_DIFFERS * nv + j] = differs[j];
+    }
+}
+
+template <class T>
+__attribute__((always_inline)) inline void plain_pass_body(const PlainPass &p, const T *x, T *run, T &sum_f,
+                                                           T &sum_wf, int &n_missing) {
+    if (p.nv <= static_cast<int>(32 / sizeof(T)))
+        plain_pass_short<T>(p, x, run, sum_f, sum_wf, n_missing);
+    else
+        plain_pass_rows<T, 0>(p, x, run, sum_f, sum_wf, n_missing);
+}
+
+// The same body built for the vector units in use: AVX2 where the processor
+// has it (no fused multiply-add, so the rounding is that of the plain
+// build), and the baseline instruction set otherwise.
+#define ZORVS_PLAIN_PASS(T, suffix)                                                                            \
+    __attribute__((target("avx2"))) void plain_pass_avx2_##suffix(const PlainPass &p, const T *x, T *run,    \
+                                                                   T &sum_f, T &sum_wf, int &n_missing) {  \
+        plain_pass_body<T>(p, x, run, sum_f, sum_wf, n_missing);                                             \
+    }                                                                                                        \
+    void plain_pass_base_##suffix(const PlainPass &p, const T *x, T *run, T &sum_f, T &sum_wf,              \
+                                  int &n_missing) {                                                          \
+        plain_pass_body<T>(p, x, run, sum_f, sum_wf, n_missing);                                             \
+    }                                                                                                        \
+    void plain_pass(const PlainPass &p, const T *x, T *run, T &sum_f, T &sum_wf, int &n_missing) {           \
+        if (__builtin_cpu_supports("avx2"))                                                                  \
+            plain_pass_avx2_##suffix(p, x, run, sum_f, sum_wf, n_missing);                                   \
+        else                                                                                                 \
+            plain_pass_base_##suffix(p, x, run, sum_f, sum_wf, n_missing);                                   \
+    }
+ZORVS_PLAIN_PASS(float, f)
+ZORVS_PLAIN_PASS(double, d)
+#undef ZORVS_PLAIN_PASS
+
 // The whole pass over the observations.
 template <class T>
 void run_pass(Summary<T> &s) {
-    for (long i = 0; i < s.n_observations && !s.failed; ++i) {
-        T f, w;
-        if (!row_frequency_and_weight(s, i, f, w)) continue;
-        add_observation(s, i, f, w);
-    }
+    if (s.listwise && !s.frequencies && !s.weights)
+        plain_pass(PlainPass{s.n_observations, s.n_variables, s.x_col_dim}, s.x, s.running, s.sum_f, s.sum_wf,
+                   s.n_missing);
+    else
+        for (long i = 0; i < s.n_observations && !s.failed; ++i) {
+            T f, w;
+            if (!row_frequency_and_weight(s, i, f, w)) continue;
+            add_observation(s, i, f, w);
+        }
     if (s.failed) return;
     for (int j = 0; j < s.n_variables; ++j) {
-        T *a = s.run(j);
+        using S = Summary<T>;
         if (s.listwise) {
-            a[Summary<T>::R_COUNT] = s.sum_f;
+            s.sum(S::R_COUNT, j) = s.sum_f;
             if (s.weight_sum) s.weight_sum[j] = s.sum_wf;
         }
-        s.cell(MEAN, j) = a[Summary<T>::R_MEAN];
-        s.cell(VARIANCE, j) = a[Summary<T>::R_M2];
-        s.cell(SKEWNESS, j) = a[Summary<T>::R_M3];
-        s.cell(KURTOSIS, j) = a[Summary<T>::R_M4];
-        s.cell(MINIMUM, j) = a[Summary<T>::R_MIN];
-        s.cell(MAXIMUM, j) = a[Summary<T>::R_MAX];
-        s.cell(COUNT, j) = a[Summary<T>::R_COUNT];
+        s.cell(MEAN, j) = s.sum(S::R_MEAN, j);
+        s.cell(VARIANCE, j) = s.sum(S::R_M2, j);
+        s.cell(SKEWNESS, j) = s.sum(S::R_M3, j);
+        s.cell(KURTOSIS, j) = s.sum(S::R_M4, j);
+        s.cell(MINIMUM, j) = s.sum(S::R_MIN, j);
+        s.cell(MAXIMUM, j) = s.sum(S::R_MAX, j);
+        s.cell(COUNT, j) = s.sum(S::R_COUNT, j);
     }
     if (s.n_missing > 0) zorvs_ermes(6, s.listwise ? 11062 : 11288);
 }
@@ -668,9 +840,8 @@ void l_simple_statistics(int n_observations, int n_variables, T *x, va_list *lis
         for (int j = 0; j < n_variables; ++j) s.cell(row, j) = nan;
     for (int j = 0; j < n_variables; ++j) {
         for (int row : {MEAN, VARIANCE, SKEWNESS, KURTOSIS, COUNT, COEF_VARIATION}) s.cell(row, j) = T(0);
-        T *a = s.run(j);
-        for (int k = 0; k < Summary<T>::R_SLOTS; ++k) a[k] = T(0);
-        a[Summary<T>::R_MIN] = a[Summary<T>::R_MAX] = a[Summary<T>::R_FIRST] = nan;
+        for (int k = 0; k < Summary<T>::R_SLOTS; ++k) s.sum(static_cast<typename Summary<T>::Slot>(k), j) = T(0);
+        s.sum(Summary<T>::R_MIN, j) = s.sum(Summary<T>::R_MAX, j) = s.sum(Summary<T>::R_FIRST, j) = nan;
         if (s.weight_sum) s.weight_sum[j] = T(0);
     }
 
