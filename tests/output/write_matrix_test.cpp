@@ -4,9 +4,11 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "frame/frame.hpp"
@@ -547,6 +549,92 @@ TEST(WriteMatrix, GoldenTriangleInBlocks) {
     std::string text = out.take();
     expect_golden("triangle_blocks", text);
     EXPECT_EQ(option(3), static_cast<int>(split_lines(split_pages(text).back()).size()));
+}
+
+// A 200 x 40 matrix on pages of 23 lines, in all three types, as given and as
+// the transpose of its 40 x 200 layout: every page holds at most 23 lines;
+// every block of rows stands under a head of column numbers; each cell shows
+// up once, whole, under its column; the count in option 3 is the length of
+// the last page; a transposed matrix comes back in its old layout.
+template <class T>
+void check_paged_print(bool transpose) {
+    const int rows = 200, cols = 40, length = 23;
+    zorvs_test::UnitCapture out(false);
+    page_setup(78, length, 0);
+    std::vector<T> a(rows * cols);
+    auto value = [](int i, int j) { return static_cast<T>(100000 + 100 * i + j) + static_cast<T>(0.5); };
+    for (int i = 0; i < rows; ++i)
+        for (int j = 0; j < cols; ++j) (transpose ? a[j * rows + i] : a[i * cols + j]) = value(i, j);
+    std::vector<T> before = a;
+    const char *format = std::is_same_v<T, int> ? "%7d" : "%10.1f";
+    if constexpr (std::is_same_v<T, float>) {
+        if (transpose)
+            zorvs_f_write_matrix("t", cols, rows, a.data(), ZORVS_TRANSPOSE, ZORVS_WRITE_FORMAT, format, 0);
+        else
+            zorvs_f_write_matrix("t", rows, cols, a.data(), ZORVS_WRITE_FORMAT, format, 0);
+    } else if constexpr (std::is_same_v<T, double>) {
+        if (transpose)
+            zorvs_d_write_matrix("t", cols, rows, a.data(), ZORVS_TRANSPOSE, ZORVS_WRITE_FORMAT, format, 0);
+        else
+            zorvs_d_write_matrix("t", rows, cols, a.data(), ZORVS_WRITE_FORMAT, format, 0);
+    } else {
+        if (transpose)
+            zorvs_i_write_matrix("t", cols, rows, a.data(), ZORVS_TRANSPOSE, ZORVS_WRITE_FORMAT, format, 0);
+        else
+            zorvs_i_write_matrix("t", rows, cols, a.data(), ZORVS_WRITE_FORMAT, format, 0);
+    }
+    EXPECT_TRUE(a == before);
+    std::string text = out.take();
+    auto pages = split_pages(text);
+    std::vector<int> seen(rows * cols, 0);
+    for (const auto &page : pages) {
+        auto lines = split_lines(page);
+        EXPECT_LE(static_cast<int>(lines.size()), length);
+        std::vector<int> head;  // column numbers of the block in hand, from 1
+        bool first = true, last_was_head = false;
+        for (const auto &line : lines) {
+            EXPECT_LE(static_cast<int>(line.size()), 78);
+            if (line == "t" || line == " ") continue;
+            std::vector<double> numbers;
+            const char *p = line.c_str();
+            char *end;
+            for (double x = std::strtod(p, &end); end != p; x = std::strtod(p, &end)) {
+                numbers.push_back(x);
+                p = end;
+            }
+            ASSERT_FALSE(numbers.empty()) << line;
+            last_was_head = numbers.back() <= cols;
+            // A page that goes on with the matrix begins with a head.
+            EXPECT_TRUE(!first || last_was_head) << line;
+            first = false;
+            if (last_was_head) {
+                head.clear();
+                for (double x : numbers) head.push_back(static_cast<int>(x));
+                continue;
+            }
+            // A row: its number, then one cell for each column of the head.
+            ASSERT_EQ(numbers.size(), head.size() + 1) << line;
+            int i = static_cast<int>(numbers[0]) - 1;
+            for (std::size_t k = 0; k < head.size(); ++k) {
+                int j = head[k] - 1;
+                EXPECT_EQ(numbers[k + 1], static_cast<double>(value(i, j))) << line;
+                ++seen[i * cols + j];
+            }
+        }
+        // A page never ends on a head cut from its rows.
+        EXPECT_FALSE(last_was_head);
+    }
+    for (int k = 0; k < rows * cols; ++k) EXPECT_EQ(seen[k], 1) << k;
+    EXPECT_EQ(option(3), static_cast<int>(split_lines(pages.back()).size()));
+}
+
+TEST(WriteMatrix, PagedWideAndLongKeepsEveryCell) {
+    check_paged_print<float>(false);
+    check_paged_print<double>(false);
+    check_paged_print<int>(false);
+    check_paged_print<float>(true);
+    check_paged_print<double>(true);
+    check_paged_print<int>(true);
 }
 
 }  // namespace
