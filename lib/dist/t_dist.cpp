@@ -121,8 +121,9 @@ T l_t_inverse_cdf(T p, T df) {
         T g = P * half_pi;
         t = std::cos(g) / std::sin(g);
     } else if (df <= 2) {
-        T w = std::fabs(1 - 2 * p);
-        T x = betin<T>(1 - w, T(0.5) * df, T(0.5));
+        // 1 - |1 - 2p| is the two-sided tail P itself; forming it by the
+        // subtraction would cancel to 0 for a p below the epsilon.
+        T x = betin<T>(P, T(0.5) * df, T(0.5));
         if (x == 0) {
             zorvs_ermes(4, 9008);
             return zc::infinity<T>();
