@@ -181,7 +181,11 @@ bool cheng(const ChengBB &c, double &w_out) {
     return false;
 }
 
-void rejected(int index) {
+// Deviate `index` (from 0) was rejected max_rounds times: report it by its
+// number from 1 and leave it and the rest missing.
+template <class T>
+void rejected(int index, int n, T r[]) {
+    for (int i = index; i < n; ++i) r[i] = zorvs::missing<T>();
     zorvs_e1sti(1, index + 1);
     zorvs_ermes(5, 11035);
 }
@@ -189,7 +193,6 @@ void rejected(int index) {
 template <class T>
 void l_rnbet(int n, T pin, T qin, T r[]) {
     const double p = pin, q = qin;
-    for (int i = 0; i < n; ++i) r[i] = zorvs::missing<T>();
     if (p == 1.0 || q == 1.0) {
         uniforms<T>(n, r);
         if (q == 1.0) {
@@ -205,21 +208,21 @@ void l_rnbet(int n, T pin, T qin, T r[]) {
     double x, xc;
     if (p < 1.0 && q < 1.0) {
         for (int i = 0; i < n; ++i) {
-            if (!johnk<T>(p, q, x)) return rejected(i);
+            if (!johnk<T>(p, q, x)) return rejected(i, n, r);
             r[i] = static_cast<T>(x);
         }
     } else if (p > 1.0 && q > 1.0) {
         const bool mirror = q < p;
         const ChengBB c = mirror ? cheng_setup(q, p) : cheng_setup(p, q);
         for (int i = 0; i < n; ++i) {
-            if (!cheng<T>(c, x)) return rejected(i);
+            if (!cheng<T>(c, x)) return rejected(i, n, r);
             r[i] = static_cast<T>(mirror ? c.b / (c.b + x) : x / (c.b + x));
         }
     } else {
         const bool mirror = q < p;
         const Switching s = mirror ? switching_setup(q, p) : switching_setup(p, q);
         for (int i = 0; i < n; ++i) {
-            if (!switching<T>(s, x, xc)) return rejected(i);
+            if (!switching<T>(s, x, xc)) return rejected(i, n, r);
             r[i] = static_cast<T>(mirror ? xc : x);
         }
     }
