@@ -105,7 +105,9 @@ T l_betin(T p, T pin, T qin) {
             if (g < 0) lo = mid;
             else hi = mid;
             if (hi - lo < kWorkingWidth<T>) {
-                if (std::fabs(g) <= e) return mid;
+                // The residual counts relative to the tail, so that a small
+                // p is not met by any x of a tiny I_x.
+                if (std::fabs(g) <= e * std::min(p, 1 - p)) return mid;
                 break;
             }
         }

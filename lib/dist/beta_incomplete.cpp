@@ -16,8 +16,8 @@
 //   - The exchange gives I_x(a, b) as 1 - I_y(b, a), and the complement
 //     1 - I_x(a, b) that the F distribution needs is 1 minus the sum.  Such
 //     a difference d carries the rounding of the sum magnified by 1/d; below
-//     1/4 the small tail is summed in its own orientation instead, when that
-//     series is not too long (its variable at most 0.99).
+//     1/4 the small tail is summed in its own orientation instead, when its
+//     two series together take at most 20000 terms (y up to about 0.998).
 //   - Terms below the threshold are not dropped at once: one more level of
 //     the scale counter carries them, and they count when the total is a
 //     normal number.
@@ -58,6 +58,8 @@ const BetaConstants<T> &constants() {
 
 // Longest product of ratios used for log B(p, q) from log B(ps, p).
 constexpr int kProductTerms = 40;
+// Most terms of the two sums spent on a small tail in its own orientation.
+constexpr double kLongestSums = 20000;
 
 // I_y(p, q) by the two sums, without exchange; cy = 1 - y.
 template <class T>
@@ -97,11 +99,14 @@ T l_betai_sums(T y, T cy, T p, T q) {
             // is below t y / (1 - y).
             const T tail = y / cy;
             const int n = static_cast<int>(std::max(k.alneps / lny, T(4)));
+            // One division a term, outside the chain of products:
+            // r = 1/(i (p+i)) gives both (i - ps)/i and 1/(p+i).
             T term = first * p;
             for (int i = 1; i <= n; ++i) {
-                T xi = static_cast<T>(i);
-                term = term * (xi - ps) * y / xi;
-                T add = term / (p + xi);
+                const T xi = static_cast<T>(i);
+                const T r = 1 / (xi * (p + xi));
+                term *= (xi - ps) * y * (p + xi) * r;
+                const T add = term * xi * r;
                 sum += add;
                 if (add * tail <= k.eps * sum) break;
             }
@@ -125,7 +130,7 @@ T l_betai_sums(T y, T cy, T p, T q) {
             // With p1 <= 1 the terms fall and stay at one level.
             if (p1 <= 1 && term / k.eps <= (ib == 0 ? fin : fin1)) break;
             T xi = static_cast<T>(i);
-            term = (q - xi + 1) * c * term / (p + q - xi);
+            term *= (q - xi + 1) * c / (p + q - xi);
             if (term > 1) {
                 --ib;
                 term *= k.scale;
@@ -156,10 +161,11 @@ T l_beta_ratio(T x, T cx, T a, T b, bool upper) {
     T s = swapped ? l_betai_sums(cx, x, b, a) : l_betai_sums(x, cx, a, b);
     T t = 1 - s;
     if (t < T(0.25)) {
-        // The small tail is summed in its own orientation where that series
-        // is short enough (its variable at most 0.99): 1 - s has lost digits.
-        T y = swapped ? x : cx;
-        if (y <= T(0.99)) {
+        // The small tail is summed in its own orientation where its two
+        // series are not too long: 1 - s has lost digits.
+        const T y = swapped ? x : cx, q = swapped ? b : a;
+        const T length = (q == std::trunc(q) ? 0 : constants<T>().alneps / std::log(y)) + q;
+        if (length <= kLongestSums) {
             t = swapped ? l_betai_sums(x, cx, a, b) : l_betai_sums(cx, x, b, a);
             s = 1 - t;
         }

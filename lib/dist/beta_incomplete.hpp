@@ -1,5 +1,6 @@
-// beta_incomplete.hpp - the incomplete beta ratio without a push of its own
-// and without argument checks, for the beta and F routines and the inverse.
+// beta_incomplete.hpp - the incomplete beta ratio and the F distribution's
+// two tails without a push of their own and without argument checks, for
+// the beta and F routines, the inverse and the safe F ratio.
 #ifndef ZORVS_DIST_BETA_INCOMPLETE_HPP
 #define ZORVS_DIST_BETA_INCOMPLETE_HPP
 
@@ -10,6 +11,11 @@ namespace zorvs::continuous {
 // and a, b > 0.  Raises nothing.
 template <class T>
 T beta_ratio(T x, T cx, T a, T b, bool upper);
+
+// The F(df1, df2) distribution function at f > 0, or with `upper` its upper
+// tail, each without subtraction from 1.  df1, df2 > 0; raises nothing.
+template <class T>
+T F_tail(T f, T df1, T df2, bool upper);
 
 }  // namespace zorvs::continuous
 

@@ -37,21 +37,7 @@ T l_F_cdf(T f, T df1, T df2) {
         return 0;
     }
     if (std::isnan(f)) return incomplete<T>(f, T(0.5) * df2, T(0.5) * df1);  // raises the range message
-    // x = df2/(df2 + df1 f) and 1 - x, each formed from a ratio below 1 so
-    // that both keep full relative accuracy; the result is the complement
-    // 1 - I_x(df2/2, df1/2), taken from the ratio routine without the
-    // cancellation of the subtraction.
-    T x, cx;
-    if (df1 * f >= df2) {
-        T r = df2 / (df1 * f);
-        x = r / (1 + r);
-        cx = 1 / (1 + r);
-    } else {
-        T r = df1 * f / df2;
-        x = 1 / (1 + r);
-        cx = r / (1 + r);
-    }
-    return zc::beta_ratio<T>(x, cx, T(0.5) * df2, T(0.5) * df1, true);
+    return zc::F_tail<T>(f, df1, df2, false);
 }
 
 template <class T>
@@ -84,6 +70,32 @@ T l_F_inverse_cdf(T p, T df1, T df2) {
 }
 
 }  // namespace
+
+namespace zorvs::continuous {
+
+// x = df2/(df2 + df1 f) and 1 - x, each formed from a ratio at most 1 so
+// that both keep full relative accuracy; the distribution function is the
+// complement 1 - I_x(df2/2, df1/2) and the upper tail I_x(df2/2, df1/2),
+// both as the ratio routine gives them, without subtracting from 1.
+template <class T>
+T F_tail(T f, T df1, T df2, bool upper) {
+    T x, cx;
+    const T m = df1 * f;
+    if (m >= df2) {
+        const T r = df2 / m;
+        x = r / (1 + r);
+        cx = 1 / (1 + r);
+    } else {
+        const T r = m / df2;
+        x = 1 / (1 + r);
+        cx = r / (1 + r);
+    }
+    return beta_ratio<T>(x, cx, T(0.5) * df2, T(0.5) * df1, !upper);
+}
+template float F_tail<float>(float, float, float, bool);
+template double F_tail<double>(double, double, double, bool);
+
+}  // namespace zorvs::continuous
 
 extern "C" {
 

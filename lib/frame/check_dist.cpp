@@ -3,10 +3,13 @@
 // a/b and its two-sided tail under t(df).  A ratio that an ordinary
 // division would make misleading (0/0, x/0, overflow) becomes NaN or an
 // infinity by the rules of zorvs_c1div, and the tail follows it: NaN for a
-// NaN ratio or impossible degrees of freedom, 0 for an infinite ratio.
+// NaN ratio or impossible degrees of freedom, 0 for an infinite ratio.  The
+// F tail of a positive ratio, 1 - F(f), is summed as the small tail itself,
+// so that a p-value far below the epsilon keeps its digits.
 #include <cmath>
 #include <limits>
 
+#include "dist/beta_incomplete.hpp"
 #include "dist/continuous.h"
 #include "frame/checks.h"
 #include "frame/frame.hpp"
@@ -40,7 +43,8 @@ void l_c1f(T a, T b, T df1, T df2, T *f, T *p) {
     T tail;
     if (std::isnan(ratio) || df1 <= 0 || df2 <= 0) tail = zorvs::missing<T>();
     else if (std::isinf(ratio) && ratio > 0) tail = 0;
-    else tail = 1 - F_cdf<T>(ratio, df1, df2);
+    else if (ratio > 0) tail = zorvs::continuous::F_tail<T>(ratio, df1, df2, true);
+    else tail = 1 - F_cdf<T>(ratio, df1, df2);  // with the distribution's note
     if (f) *f = ratio;
     if (p) *p = tail;
 }

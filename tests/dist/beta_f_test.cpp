@@ -1,7 +1,11 @@
 // beta_f_test.cpp - incomplete beta, beta and F distributions and their
 // inverses, in both twins, against the mpmath values of
-// tests/data/dist/continuous_ref.inc (make_continuous.py).
+// tests/data/dist/continuous_ref.inc (make_continuous.py) and of
+// tests/data/dist/beta_f_ref.inc (make_beta_f.py).
 #include "continuous_grid.hpp"
+
+#include <algorithm>
+#include <string>
 
 
 // ----------------------------------------------------------------- beta
@@ -95,4 +99,121 @@ TEST(FDist, InverseEdgesAndFailures) {
     EXPECT_EQ(zorvs_error_code(), 9043);
     EXPECT_TRUE(std::isnan(zorvs_d_F_inverse_cdf(0.5, 1, 0)));
     EXPECT_EQ(zorvs_error_code(), 9048);
+}
+
+
+// ------------------------------------------- wider sweeps (make_beta_f.py)
+// Shapes from 0.05 to 1000 with x from 1e-6 to 0.999, the F distribution
+// function and its upper tail (through the safe F ratio) over degrees of
+// freedom from 0.5 to 1000, and quantiles from 1e-30 to 1 - 2^-20.
+struct WideRow {
+    const char *kind;
+    double args[3];
+    double value;
+    double kappa;
+};
+const WideRow wide_rows[] = {
+#define ZORVS_BETA_F_CDF_ROWS
+#include "data/dist/beta_f_ref.inc"
+#undef ZORVS_BETA_F_CDF_ROWS
+};
+const QuantileRow wide_quantile_rows[] = {
+#define ZORVS_BETA_F_QUANTILE_ROWS
+#include "data/dist/beta_f_ref.inc"
+#undef ZORVS_BETA_F_QUANTILE_ROWS
+};
+
+template <class T>
+T wide_value(const std::string &kind, const double *a) {
+    if (kind == "beta_incomplete") {
+        if constexpr (std::is_same_v<T, float>) return zorvs_f_beta_incomplete(a[0], a[1], a[2]);
+        else return zorvs_d_beta_incomplete(a[0], a[1], a[2]);
+    }
+    if (kind == "F_cdf") {
+        if constexpr (std::is_same_v<T, float>) return zorvs_f_F_cdf(a[0], a[1], a[2]);
+        else return zorvs_d_F_cdf(a[0], a[1], a[2]);
+    }
+    T f, p;  // F_upper: the tail of the ratio a[0] / 1
+    if constexpr (std::is_same_v<T, float>) zorvs_c1f(a[0], 1, a[1], a[2], &f, &p);
+    else zorvs_dc1f(a[0], 1, a[1], a[2], &f, &p);
+    EXPECT_EQ(static_cast<double>(f), a[0]);
+    return p;
+}
+
+// Relative error beyond 4 eps kappa within 1e-12 (double) and 1e-4 (single)
+// wherever the value is a normal number of the twin.
+template <class T>
+void check_wide(const char *kind) {
+    zorvs_test::Quiet q;
+    const double eps = std::is_same_v<T, float> ? FLT_EPSILON : DBL_EPSILON;
+    const double lo = std::is_same_v<T, float> ? FLT_MIN : DBL_MIN;
+    const double bound = std::is_same_v<T, float> ? 1e-4 : 1e-12;
+    double worst = 0;
+    int checked = 0;
+    for (const WideRow &r : wide_rows) {
+        if (std::strcmp(r.kind, kind) != 0 || !(r.value >= lo)) continue;
+        T got = wide_value<T>(kind, r.args);
+        double excess = std::fabs(static_cast<double>(got) - r.value) / r.value - 4 * eps * r.kappa;
+        EXPECT_LE(excess, bound) << kind << "(" << r.args[0] << ", " << r.args[1] << ", " << r.args[2] << ") got "
+                                 << got << " want " << r.value << " kappa " << r.kappa;
+        worst = std::max(worst, excess);
+        ++checked;
+    }
+    EXPECT_GT(checked, 50);
+    std::printf("[measure] %s %s twin, wide sweep of %d rows: largest relative error beyond 4 eps kappa %.3g\n", kind,
+                std::is_same_v<T, float> ? "single" : "double", checked, worst);
+}
+
+TEST(BetaIncomplete, WideSweepInBothTwins) {
+    check_wide<double>("beta_incomplete");
+    check_wide<float>("beta_incomplete");
+}
+
+TEST(FDist, WideSweepOfBothTailsInBothTwins) {
+    check_wide<double>("F_cdf");
+    check_wide<float>("F_cdf");
+    check_wide<double>("F_upper");
+    check_wide<float>("F_upper");
+}
+
+// The quantile within `rel` of the reference, and the round trip within
+// `rt` in units of x f(x).  With shapes up to 1000 the distribution function
+// itself carries an error of several hundred eps (its condition number in
+// the shapes), so the round trip bound is wider than on the shared grid.
+template <class T>
+void check_wide_quantiles(const char *kind, double rel, double rt) {
+    zorvs_test::Quiet q;
+    const double eps = std::is_same_v<T, float> ? FLT_EPSILON : DBL_EPSILON;
+    double worst_rel = 0, worst_rt = 0;
+    int checked = 0;
+    for (const QuantileRow &r : wide_quantile_rows) {
+        if (std::strcmp(r.kind, kind) != 0) continue;
+        if (static_cast<double>(static_cast<T>(r.p)) != r.p || static_cast<T>(r.p) >= T(1)) continue;
+        if (std::is_same_v<T, float> && (r.x > FLT_MAX || std::fabs(r.x) < 1e-30)) continue;
+        T x = quantile<T>(kind, r.p, r.args);
+        EXPECT_EQ(zorvs_n1rty(1), 0) << kind << " p=" << r.p << " args " << r.args[0] << ", " << r.args[1];
+        ASSERT_TRUE(std::isfinite(static_cast<double>(x))) << kind << " p=" << r.p;
+        double e_rel = std::fabs(static_cast<double>(x) - r.x) / r.x;
+        double residual = std::fabs(static_cast<double>(cdf_of<T>(kind, x, r.args)) - r.p);
+        double e_rt = residual / (r.scale + 4 * eps * std::min(r.p, 1 - r.p));
+        EXPECT_LE(e_rel, rel) << kind << " p=" << r.p << " args " << r.args[0] << ", " << r.args[1] << " x=" << x
+                              << " want " << r.x;
+        EXPECT_LE(e_rt, rt) << kind << " p=" << r.p << " args " << r.args[0] << ", " << r.args[1] << " x=" << x;
+        worst_rel = std::max(worst_rel, e_rel);
+        worst_rt = std::max(worst_rt, e_rt);
+        ++checked;
+    }
+    EXPECT_GT(checked, 40);
+    std::printf("[measure] %s inverse %s twin, wide sweep of %d rows: relative error %.3g, round trip %.3g\n", kind,
+                std::is_same_v<T, float> ? "single" : "double", checked, worst_rel, worst_rt);
+}
+
+TEST(BetaDist, InverseWideSweepInBothTwins) {
+    check_wide_quantiles<double>("beta", 1e-12, 1e-12);
+    check_wide_quantiles<float>("beta", 2e-5, 5e-5);
+}
+
+TEST(FDist, InverseWideSweepInBothTwins) {
+    check_wide_quantiles<double>("F", 1e-12, 1e-12);
+    check_wide_quantiles<float>("F", 2e-5, 5e-5);
 }
