@@ -79,10 +79,17 @@ T l_chi_squared_cdf(T chi2, T df) {
     return 1 - y * (sum * std::exp(h * std::log(x) - x)) / g;
 }
 
+// The distribution function as the root search sees it.  The first slope
+// point 1.05 z can lie far left of a large df's body, where the normal form
+// raises its underflow alert; the alert concerns that trial point only, not
+// the caller's quantile, and is cleared.
 template <class T>
 T cdf(T x, T df) {
-    if constexpr (std::is_same_v<T, float>) return zorvs_f_chi_squared_cdf(x, df);
-    else return zorvs_d_chi_squared_cdf(x, df);
+    T r;
+    if constexpr (std::is_same_v<T, float>) r = zorvs_f_chi_squared_cdf(x, df);
+    else r = zorvs_d_chi_squared_cdf(x, df);
+    zc::clear_alert();
+    return r;
 }
 
 template <class T>
