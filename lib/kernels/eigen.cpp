@@ -45,6 +45,102 @@ inline T &el(T *v, int ld, int row, int col) {  // from 0
     return v[static_cast<std::size_t>(col) * ld + row];
 }
 
+inline void ger(int m, int n, float alpha, const float *x, const float *y, float *a, int lda) {
+    zorvs_sger(m, n, alpha, x, 1, y, 1, a, lda);
+}
+inline void ger(int m, int n, double alpha, const double *x, const double *y, double *a, int lda) {
+    zorvs_dger(m, n, alpha, x, 1, y, 1, a, lda);
+}
+
+// Private level-2 kernels with the meaning of the Level 2 BLAS routines of
+// the same names (Dongarra, Du Croz, Hammarling and Hanson, "An extended set
+// of FORTRAN Basic Linear Algebra Subprograms", ACM TOMS 14 (1988) 1-17), one
+// template for both precisions, so that the solvers here depend on no other
+// level-2 code.  Only the first character of a character argument counts:
+// "L" (as in "LOW", "LOWER") the lower triangle, anything else the upper; "N"
+// no transposition, anything else transposed.  Strides may be negative and
+// then start at the far end; the callers trust their arguments, so there are
+// no checks.  Where the order of operations is a choice, it is that of the
+// Handbook procedure tred2, so that the reduction rounds as that procedure
+// does.
+
+// Index of element 0 of a vector of n elements with stride inc.
+inline long first_index(int n, int inc) { return inc > 0 ? 0 : static_cast<long>(1 - n) * inc; }
+
+inline bool lower_triangle(const char *uplo) { return uplo[0] == 'L' || uplo[0] == 'l'; }
+
+// y := alpha op(A) x + beta y, A m x n.  Beta 0 stores zeros without reading
+// y.  Transposed, each y(j) gets alpha times an inner product of column j
+// with x, summed upward from 0.
+template <class T>
+void l_sgemv(const char *trans, int m, int n, T alpha, const T *a, int lda, const T *x, int incx, T beta, T *y,
+             int incy) {
+    if (m <= 0 || n <= 0 || (alpha == T(0) && beta == T(1))) return;
+    const bool plain = trans[0] == 'N' || trans[0] == 'n';
+    const int lenx = plain ? n : m, leny = plain ? m : n;
+    const long kx = first_index(lenx, incx), ky = first_index(leny, incy);
+    if (beta != T(1))
+        for (long i = 0, iy = ky; i < leny; ++i, iy += incy) y[iy] = beta == T(0) ? T(0) : beta * y[iy];
+    if (alpha == T(0)) return;
+    for (long j = 0, jx = kx, jy = ky; j < n; ++j) {
+        const T *column = &a[static_cast<std::size_t>(j) * lda];
+        if (plain) {
+            const T temp = alpha * x[jx];
+            for (long i = 0, iy = ky; i < m; ++i, iy += incy) y[iy] += temp * column[i];
+            jx += incx;
+        } else {
+            T temp = 0;
+            for (long i = 0, ix = kx; i < m; ++i, ix += incx) temp += column[i] * x[ix];
+            y[jy] += alpha * temp;
+            jy += incy;
+        }
+    }
+}
+
+// y := alpha A x + beta y, A symmetric n x n given by one triangle.  Column
+// j contributes alpha x(j) A(:,j) to the rest of y, and its inner product
+// with x is added to y(j) in one accumulator started from y(j) + alpha x(j)
+// A(j,j); with alpha = 1 this is tred2's order of additions.
+template <class T>
+void l_ssymv(const char *uplo, int n, T alpha, const T *a, int lda, const T *x, int incx, T beta, T *y, int incy) {
+    if (n <= 0 || (alpha == T(0) && beta == T(1))) return;
+    const long kx = first_index(n, incx), ky = first_index(n, incy);
+    if (beta != T(1))
+        for (long i = 0, iy = ky; i < n; ++i, iy += incy) y[iy] = beta == T(0) ? T(0) : beta * y[iy];
+    if (alpha == T(0)) return;
+    const bool lower = lower_triangle(uplo);
+    for (long j = 0; j < n; ++j) {
+        const T *column = &a[static_cast<std::size_t>(j) * lda];
+        const long jx = kx + j * incx, jy = ky + j * incy;
+        const T temp1 = alpha * x[jx];
+        T sum = y[jy] + temp1 * column[j];
+        const long from = lower ? j + 1 : 0, to = lower ? n : j;
+        for (long i = from, ix = kx + from * incx, iy = ky + from * incy; i < to; ++i, ix += incx, iy += incy) {
+            y[iy] += temp1 * column[i];
+            sum += column[i] * (alpha * x[ix]);
+        }
+        y[jy] = sum;
+    }
+}
+
+// A := alpha x y' + alpha y x' + A, A symmetric n x n, one triangle updated.
+// Each element gets the sum of its two products in one addition, as in
+// tred2; columns whose x(j) and y(j) are 0 are not skipped.
+template <class T>
+void l_ssyr2(const char *uplo, int n, T alpha, const T *x, int incx, const T *y, int incy, T *a, int lda) {
+    if (n <= 0 || alpha == T(0)) return;
+    const long kx = first_index(n, incx), ky = first_index(n, incy);
+    const bool lower = lower_triangle(uplo);
+    for (long j = 0; j < n; ++j) {
+        T *column = &a[static_cast<std::size_t>(j) * lda];
+        const T temp1 = alpha * y[ky + j * incy];
+        const T temp2 = alpha * x[kx + j * incx];
+        const long from = lower ? j : 0, to = lower ? n : j + 1;
+        for (long i = from, ix = kx + from * incx, iy = ky + from * incy; i < to; ++i, ix += incx, iy += incy)
+            column[i] += x[ix] * temp1 + y[iy] * temp2;
+    }
+}
+
 // Householder tridiagonalisation of the symmetric matrix held in v (lower
 // triangle read, upper triangle mirrored down first).  On return d is the
 // diagonal, e(1..n-1) the sub-diagonal with e(0) = 0, and v the orthogonal
@@ -76,19 +172,9 @@ void l_e3csf(int n, T *v, int ld, T *d, T *e) {
             e[i] = scale * g;
             h -= f * g;
             d[i - 1] = f - g;
-            for (int j = 0; j < i; ++j) e[j] = 0;
-            // p = A u / h, by columns of the lower triangle.
-            for (int j = 0; j < i; ++j) {
-                f = d[j];
-                el(v, ld, j, i) = f;
-                g = e[j] + el(v, ld, j, j) * f;
-                const T *column = &el(v, ld, 0, j);
-                for (int k = j + 1; k <= i - 1; ++k) {
-                    g += column[k] * d[k];
-                    e[k] += column[k] * f;
-                }
-                e[j] = g;
-            }
+            // p = A u / h over the leading i x i block, and u kept in column i.
+            l_ssymv("LOWER", i, T(1), v, ld, d, 1, T(0), e, 1);
+            for (int j = 0; j < i; ++j) el(v, ld, j, i) = d[j];
             f = 0;
             for (int j = 0; j < i; ++j) {
                 e[j] /= h;
@@ -97,11 +183,8 @@ void l_e3csf(int n, T *v, int ld, T *d, T *e) {
             // q = p - K u with K = u'p / 2h; A := A - u q' - q u'.
             const T hh = f / (h + h);
             for (int j = 0; j < i; ++j) e[j] -= hh * d[j];
+            l_ssyr2("LOWER", i, T(-1), d, 1, e, 1, v, ld);
             for (int j = 0; j < i; ++j) {
-                f = d[j];
-                g = e[j];
-                T *column = &el(v, ld, 0, j);
-                for (int k = j; k <= i - 1; ++k) column[k] -= f * e[k] + g * d[k];
                 d[j] = el(v, ld, i - 1, j);
                 el(v, ld, i, j) = 0;
             }
@@ -115,13 +198,11 @@ void l_e3csf(int n, T *v, int ld, T *d, T *e) {
         const T h = d[i + 1];
         T *next = &el(v, ld, 0, i + 1);
         if (h != T(0)) {
-            for (int k = 0; k <= i; ++k) d[k] = next[k] / h;
-            for (int j = 0; j <= i; ++j) {
-                T *column = &el(v, ld, 0, j);
-                T g = 0;
-                for (int k = 0; k <= i; ++k) g += next[k] * column[k];
-                for (int k = 0; k <= i; ++k) column[k] -= g * d[k];
-            }
+            // Z := Z - (u/h)(Z'u)' on the leading block; Z'u goes to d(0..i),
+            // whose h values are spent.
+            l_sgemv("TRANS", i + 1, i + 1, T(1), v, ld, next, 1, T(0), d, 1);
+            for (int k = 0; k <= i; ++k) next[k] /= h;
+            ger(i + 1, i + 1, T(-1), next, d, v, ld);
         }
         for (int k = 0; k <= i; ++k) next[k] = 0;
     }
@@ -242,27 +323,33 @@ void l_e5csf(int n, const T *a, int lda, T *eval, T *evec, int ldevec, T *work, 
         return;
     }
     // l_e6csf: a copy scaled by the largest magnitude, then reduced.
+    // A NaN (or an infinity, through infinity/infinity) is kept in the scale,
+    // so that it reaches the iterations and shows as a failure to converge.
     T scale = 0;
     for (int j = 0; j < n; ++j)
-        for (int i = 0; i <= j; ++i) scale = std::fmax(scale, std::fabs(a[static_cast<std::size_t>(j) * lda + i]));
+        for (int i = 0; i <= j; ++i) {
+            const T size = std::fabs(a[static_cast<std::size_t>(j) * lda + i]);
+            if (!(size <= scale)) scale = size;
+        }
     for (int j = 0; j < n; ++j)
         for (int i = 0; i < n; ++i) el(evec, ldevec, i, j) = i == j ? T(1) : T(0);
-    if (scale == T(0) || std::isnan(scale)) {
-        for (int i = 0; i < n; ++i) eval[i] = scale;
+    if (scale == T(0)) {
+        for (int i = 0; i < n; ++i) eval[i] = 0;
         return;
     }
     for (int j = 0; j < n; ++j)
         for (int i = 0; i <= j; ++i) el(evec, ldevec, i, j) = a[static_cast<std::size_t>(j) * lda + i] / scale;
     T *e = work;
     l_e3csf(n, evec, ldevec, eval, e);
-    // Cut into blocks at off-diagonals negligible against the whole matrix.
+    // Cut into blocks at off-diagonals negligible against the whole matrix;
+    // a NaN cuts nothing.
     T total = 0;
     for (int i = 0; i < n; ++i) total += eval[i] * eval[i] + e[i] * e[i];
     const T threshold = std::numeric_limits<T>::epsilon() * std::sqrt(total);
     bool converged = true;
     int first = 0;
     for (int i = 1; i <= n; ++i) {
-        if (i < n && std::fabs(e[i]) > threshold) continue;
+        if (i < n && !(std::fabs(e[i]) <= threshold)) continue;
         if (i < n) e[i] = 0;
         // Block first..i-1: e(first) is the element above the block, zero.
         e[first] = 0;

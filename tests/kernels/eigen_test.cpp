@@ -6,6 +6,9 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <limits>
+#include <string>
+#include <type_traits>
 #include <vector>
 
 #include "frame/frame.hpp"
@@ -244,6 +247,42 @@ TEST(Eigen, NaNInputEndsTheQLIterationsWithAFatalMessage) {
     zorvs_de2csf(&three, a, &three, eval, evec, &three, work);
     EXPECT_EQ(zorvs_error_code(), 20410);
     EXPECT_EQ(zorvs_error_n1rty[1], 4);
+}
+
+// In the sorted solver a NaN or an infinity (infinity over the scale is
+// NaN) leaves a tridiagonal block whose iterations cannot converge: a
+// warning (3, 20103), no stop, and the values and vectors as they stand,
+// still ordered and with a full permutation in iwork.
+template <class T>
+void expect_block_warning(T bad) {
+    zorvs_test::Quiet q;
+    zorvs_test::CodeLog log;
+    T a[9] = {1, 2, bad, 2, 1, T(0.5), bad, T(0.5), 3}, eval[3], evec[9], work[6];
+    int three = 3, iwork[3] = {0, 0, 0};
+    if constexpr (std::is_same_v<T, float>)
+        zorvs_e5csf(&three, a, &three, eval, evec, &three, work, iwork);
+    else
+        zorvs_de5csf(&three, a, &three, eval, evec, &three, work, iwork);
+    EXPECT_EQ(zorvs_error_n1rty[1], 3);
+    EXPECT_EQ(zorvs_error_code(), 20103);
+    EXPECT_TRUE(log.has(3, 20103));
+    EXPECT_EQ(log.entries().size(), 1u);
+    const std::string text = q.errors.take();
+    const std::string head = std::is_same_v<T, float> ? "Error EIGEN_BLOCK_NO_CONVERGENCE from zorvs_e5csf."
+                                                      : "Error EIGEN_BLOCK_NO_CONVERGENCE from zorvs_de5csf.";
+    EXPECT_EQ(text.find("*** WARNING "), 1u) << text;
+    EXPECT_NE(text.find(head), std::string::npos) << text;
+    for (T v : eval) EXPECT_TRUE(std::isnan(v));
+    std::vector<int> order(iwork, iwork + 3);
+    std::sort(order.begin(), order.end());
+    EXPECT_EQ(order, (std::vector<int>{1, 2, 3}));
+}
+
+TEST(Eigen, NaNOrInfinityInTheSortedSolverWarnsOfABlockThatDidNotConverge) {
+    expect_block_warning(std::numeric_limits<double>::quiet_NaN());
+    expect_block_warning(std::numeric_limits<double>::infinity());
+    expect_block_warning(std::numeric_limits<float>::quiet_NaN());
+    expect_block_warning(-std::numeric_limits<float>::infinity());
 }
 
 TEST(EigenDeathTest, BadOrderStops) {
