@@ -14,8 +14,11 @@
 //   place as in LINPACK's DTRDI, Dongarra et al., LINPACK Users' Guide, 1979).
 // zorvs_gswep: one step of the sweep operator (Goodnight, "A tutorial on the
 //   SWEEP operator", The American Statistician 33 (1979) 149-158) on the upper
-//   triangle, in the reversible form of Jennrich (1977): a swept pivot p
-//   becomes -1/p, so that sweeping the same row again restores the matrix.
+//   triangle.  With S the swept rows and T the others the matrix holds
+//   inverse(A_SS), inverse(A_SS) A_ST and A_TT - A_TS inverse(A_SS) A_ST, all
+//   with their own signs, so that sweeping every row gives the inverse and
+//   sweeping a row a second time restores the matrix; the signs of the
+//   update follow from isw of the two indices and of the pivot.
 
 #include <cmath>
 #include <cstring>
@@ -258,16 +261,17 @@ void l_gswep(int krow, int n, T *a, int lda, int irev, T tol, const T *d, T *isw
     auto u = [&](int i, int j) -> T & { return i <= j ? at(a, lda, i, j) : at(a, lda, j, i); };
     const int k = krow;
     const T p = u(k, k);
+    const T sk = isw[k - 1];
     bool accept = true;
-    if (isw[k - 1] > T(0)) {
+    if (sk > T(0)) {
         // A forward sweep: the pivot's residual must stay above tol times its
         // starting value, and so must that of every row swept before, whose
-        // swept diagonal -1/r becomes -1/r - a(j,k)^2/p.
+        // diagonal 1/r of the inverse becomes 1/r + a(j,k)^2/p.
         accept = p > tol * d[k - 1];
         for (int j = 1; accept && j <= n; ++j) {
             if (j == k || isw[j - 1] > T(0)) continue;
             const T ajk = u(j, k);
-            const T residual = T(1) / (-u(j, j) + ajk * ajk / p);
+            const T residual = T(1) / (u(j, j) + ajk * ajk / p);
             accept = residual >= tol * d[j - 1];
         }
     }
@@ -276,19 +280,26 @@ void l_gswep(int krow, int n, T *a, int lda, int irev, T tol, const T *d, T *isw
             for (int i = 1; i <= n; ++i) u(i, k) = 0;
         return;
     }
+    // a(i,j) := a(i,j) + c a(i,k) a(j,k) / p, with c = +1 where i and j are
+    // both on the side that k joins (both swept for a forward sweep, both
+    // not swept for a reverse one) and c = -1 otherwise; a(i,k) := isw(i)
+    // a(i,k) / p; a(k,k) := 1/p.
     const T r = T(1) / p;
-    const T s = isw[k - 1];
     for (int j = 1; j <= n; ++j) {
         if (j == k) continue;
         const T ajk = u(j, k) * r;
+        const bool j_joins = isw[j - 1] == -sk;
         for (int i = 1; i <= j; ++i) {
             if (i == k) continue;
-            at(a, lda, i, j) -= u(i, k) * ajk;
+            if (j_joins && isw[i - 1] == -sk)
+                at(a, lda, i, j) += u(i, k) * ajk;
+            else
+                at(a, lda, i, j) -= u(i, k) * ajk;
         }
     }
     for (int i = 1; i <= n; ++i)
-        if (i != k) u(i, k) *= s * r;
-    u(k, k) = -r;
+        if (i != k) u(i, k) *= isw[i - 1] * r;
+    u(k, k) = r;
     isw[k - 1] = -isw[k - 1];
 }
 

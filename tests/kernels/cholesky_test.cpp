@@ -222,11 +222,94 @@ void sweep(int k, int n, std::vector<T> &a, int irev, T tol, const std::vector<T
         zorvs_dgswep(&k, &n, a.data(), &n, &irev, &tol, d.data(), isw.data());
 }
 
+TYPED_TEST(CholeskyTwins, DependentRowResidualIsJudgedOnTheScaleOfItsTerms) {
+    using T = TypeParam;
+    // A well-conditioned triangle with entries that do not round exactly and
+    // rows 4 and 9 (from 0) zero; c = R'z rounded in T is consistent.  Its
+    // rounding must not be reported; a change of 1e-3 (float) or 1e-9
+    // (double) relative to the terms of row 10 must be, as (3, 11059) with
+    // i1 = 10 and i2 = the right-hand side.
+    const int n = 12, nb = 1;
+    std::vector<T> r(std::size_t(n) * n, T(0));
+    unsigned long long s = 7;
+    auto next = [&] {
+        s = s * 6364136223846793005ULL + 1442695040888963407ULL;
+        return double(s >> 11) / 9007199254740992.0 - 0.5;
+    };
+    for (int j = 0; j < n; ++j)
+        for (int i = 0; i <= j; ++i)
+            if (i != 4 && i != 9) r[std::size_t(j) * n + i] = T(i == j ? 3 + next() : next());
+    const double change = std::is_same_v<T, float> ? 1e-3 : 1e-9;
+    int warned = 0;
+    for (int trial = 0; trial < 200; ++trial) {
+        std::vector<T> z(n), c(n);
+        for (int i = 0; i < n; ++i) z[i] = (i == 4 || i == 9) ? T(0) : T(100 * next());
+        double terms = 0;  // of row 10: sum of |r(h,10) z(h)|
+        for (int i = 0; i < n; ++i) {
+            T t = 0;
+            for (int h = 0; h <= i; ++h) t += r[std::size_t(i) * n + h] * z[h];
+            c[i] = t;
+            if (i == 9)
+                for (int h = 0; h < i; ++h) terms += std::fabs(double(r[std::size_t(i) * n + h]) * z[h]);
+        }
+        zorvs_test::Quiet q;
+        std::vector<T> x, rinv;
+        int rank = -1;
+        for (int path : {2, 4}) {
+            girts<T>(n, r, nb, c, path, rank, x, rinv);
+            warned += zorvs_error_n1rty[1] != 0;
+        }
+        EXPECT_EQ(rank, n - 2);
+        std::vector<T> bad = c;
+        bad[9] = T(double(c[9]) + change * terms);
+        girts<T>(n, r, nb, bad, 2, rank, x, rinv);
+        EXPECT_EQ(zorvs_error_n1rty[1], 3);
+        EXPECT_EQ(zorvs_error_code(), 11059);
+        EXPECT_EQ(zorvs_error_param.i[1], 10);
+        EXPECT_EQ(zorvs_error_param.i[2], 1);
+        EXPECT_EQ(x[9], T(0));
+    }
+    EXPECT_EQ(warned, 0);
+}
+
 template <class T>
 class SweepTwins : public ::testing::Test {};
 TYPED_TEST_SUITE(SweepTwins, Reals);
 
-TYPED_TEST(SweepTwins, SweepingAllRowsGivesMinusTheInverseAndTwiceRestores) {
+// With S the swept rows (isw = -1) and T the rest, the swept matrix B must
+// satisfy A_SS B_SS = I, A_SS B_ST = A_ST and B_TT = A_TT - A_TS B_ST; checked
+// through these products, in double, without forming an inverse.
+template <class T>
+double sweep_identity_error(int n, const std::vector<T> &a, const std::vector<T> &b, const std::vector<T> &isw) {
+    auto A = [&](int i, int j) { return double(a[std::size_t(j) * n + i]); };
+    auto B = [&](int i, int j) { return double(i <= j ? b[std::size_t(j) * n + i] : b[std::size_t(i) * n + j]); };
+    auto swept = [&](int i) { return isw[i] < T(0); };
+    double worst = 0;
+    for (int i = 0; i < n; ++i)
+        for (int j = 0; j < n; ++j) {
+            double want, got = 0;
+            if (swept(i) && swept(j)) {  // (A_SS B_SS)(i,j) = delta
+                for (int k = 0; k < n; ++k)
+                    if (swept(k)) got += A(i, k) * B(k, j);
+                want = i == j;
+            } else if (swept(i)) {  // (A_SS B_ST)(i,j) = A(i,j)
+                for (int k = 0; k < n; ++k)
+                    if (swept(k)) got += A(i, k) * B(k, j);
+                want = A(i, j);
+            } else if (!swept(j)) {  // B(i,j) + (A_TS B_ST)(i,j) = A(i,j)
+                got = B(i, j);
+                for (int k = 0; k < n; ++k)
+                    if (swept(k)) got += A(i, k) * B(k, j);
+                want = A(i, j);
+            } else {
+                continue;  // the T x S half mirrors the S x T one
+            }
+            worst = std::fmax(worst, std::fabs(got - want));
+        }
+    return worst;
+}
+
+TYPED_TEST(SweepTwins, SweepingAllRowsGivesTheInverseAndTwiceRestores) {
     using T = TypeParam;
     const double eps = std::numeric_limits<T>::epsilon();
     const int n = 6;
@@ -236,13 +319,13 @@ TYPED_TEST(SweepTwins, SweepingAllRowsGivesMinusTheInverseAndTwiceRestores) {
     for (int i = 0; i < n; ++i) d[i] = a[i * (n + 1)];
     for (int k : {3, 1, 6, 2, 5, 4}) sweep<T>(k, n, s, 1, T(1e-4), d, isw);
     for (T v : isw) EXPECT_EQ(v, T(-1));
-    // Upper triangle of -inverse: A * (-S) = I.
+    // Upper triangle of the inverse: A S = I.
     for (int j = 0; j < n; ++j)
         for (int i = 0; i < n; ++i) {
             double sum = 0;
             for (int k = 0; k < n; ++k) {
                 T skj = k <= j ? s[std::size_t(j) * n + k] : s[std::size_t(k) * n + j];
-                sum -= double(a[std::size_t(k) * n + i]) * skj;
+                sum += double(a[std::size_t(k) * n + i]) * skj;
             }
             EXPECT_NEAR(sum, i == j, 1e4 * eps);
         }
@@ -257,6 +340,55 @@ TYPED_TEST(SweepTwins, SweepingAllRowsGivesMinusTheInverseAndTwiceRestores) {
     sweep<T>(2, n, s, 1, T(0), d, isw);
     for (int j = 0; j < n; ++j)
         for (int i = 0; i <= j; ++i) EXPECT_NEAR(s[std::size_t(j) * n + i], a[std::size_t(j) * n + i], 100 * eps * max_abs(a));
+    EXPECT_EQ(zorvs_error_n1rty[1], 0);
+}
+
+TYPED_TEST(SweepTwins, PartlySweptBlocksForwardAndReverse) {
+    using T = TypeParam;
+    const double eps = std::numeric_limits<T>::epsilon();
+    const int n = 6;
+    std::vector<T> r, a;
+    from_triangle<T>(n, {}, r, a, 3);
+    std::vector<T> d(n), isw(n, T(1)), s = a;
+    for (int i = 0; i < n; ++i) d[i] = a[i * (n + 1)];
+    const double bound = 1e4 * eps * max_abs(a);
+    // Forward sweeps into S = {2, 5}, then {2, 5, 1, 4}, then a reverse sweep
+    // of 5 with others swept, leaving {2, 1, 4}, and of 2, leaving {1, 4}.
+    for (int k : {2, 5}) sweep<T>(k, n, s, 1, T(1e-4), d, isw);
+    EXPECT_LE(sweep_identity_error(n, a, s, isw), bound);
+    for (int k : {1, 4}) sweep<T>(k, n, s, 1, T(1e-4), d, isw);
+    EXPECT_LE(sweep_identity_error(n, a, s, isw), bound);
+    sweep<T>(5, n, s, 1, T(1e-4), d, isw);
+    EXPECT_EQ(isw[4], T(1));
+    EXPECT_LE(sweep_identity_error(n, a, s, isw), bound);
+    sweep<T>(2, n, s, 1, T(1e-4), d, isw);
+    EXPECT_LE(sweep_identity_error(n, a, s, isw), bound);
+    // The swept diagonal holds the inverse of A_SS: positive.
+    EXPECT_GT(s[0], T(0));
+    EXPECT_GT(s[3 * (n + 1)], T(0));
+    EXPECT_EQ(zorvs_error_n1rty[1], 0);
+}
+
+TYPED_TEST(SweepTwins, AnEarlierRowLosingItsResidualRefusesThePivot) {
+    using T = TypeParam;
+    // X = (x1, x2, x3) with x1 = x2 + x3 + (0, 0, 0.1, 0), x2 = (10, 0, 0, 0),
+    // x3 = (0, 1, 0, 0).  After rows 1 and 2, row 3 keeps 0.0099 of its
+    // diagonal 1, but with 3 swept row 1 would keep only 0.01 of 101.01
+    // (9.9e-5 of it).  So tol 1e-3 refuses the sweep of 3, tol 1e-5 takes it.
+    const int n = 3;
+    const std::vector<T> a = {T(101.01), 100, 1, 100, 100, 0, 1, 0, 1};
+    const std::vector<T> d = {T(101.01), 100, 1};
+    std::vector<T> s = a, isw(n, T(1));
+    sweep<T>(1, n, s, 1, T(1e-3), d, isw);
+    sweep<T>(2, n, s, 1, T(1e-3), d, isw);
+    const std::vector<T> before = s;
+    sweep<T>(3, n, s, 1, T(1e-3), d, isw);
+    EXPECT_EQ(s, before);
+    EXPECT_EQ(isw[2], T(1));
+    sweep<T>(3, n, s, 1, T(1e-5), d, isw);
+    EXPECT_EQ(isw[2], T(-1));
+    // Now B = inverse(A); its (1,1) element is 1/0.01 = 100.
+    EXPECT_NEAR(double(s[0]), 100.0, 1e3 * std::numeric_limits<T>::epsilon() * 100 * 101);
     EXPECT_EQ(zorvs_error_n1rty[1], 0);
 }
 
