@@ -3,17 +3,23 @@
 // column-major kernels.
 //
 // In place, the matrix is copied transposed into a temporary block and copied
-// back.  When that block cannot be had, the permutation is carried out along
-// its cycles without a work array, after Brenner, "Algorithm 467: Matrix
-// transposition in place", Comm. ACM 16 (1973) 692-694: the element at
-// position k (from 0) of the vector of N + 1 = nra*nca elements goes to
-// k*nra mod N; 0 and N stay.  The positions k with gcd(k, N) = d form
+// back.  A large block is a fresh mapping from the kernel, and touching it in
+// 4 KiB pages (a fault, a zeroed page and a TLB entry for each) costs several
+// times the copy itself, so such a block is advised to use transparent huge
+// pages where the system offers them.  When that block cannot be had, the
+// permutation is carried out along its cycles without a work array, after
+// Brenner, "Algorithm 467: Matrix transposition in place", Comm. ACM 16
+// (1973) 692-694: the element at position k (from 0) of the vector of
+// N + 1 = nra*nca elements goes to k*nra mod N; 0 and N stay.  The positions k with gcd(k, N) = d form
 // phi(N/d) / ord_{N/d}(nra) cycles of equal length, so the number of cycles
 // still to find is known for every divisor d and the search for cycle leaders
 // stops as soon as all are found.  The cycle of k and that of N - k are
 // mirror images and are moved together.
 
+#include <cstdint>
 #include <cstring>
+
+#include <sys/mman.h>
 
 #include "frame/frame.hpp"
 #include "kernels/linalg.h"
@@ -149,6 +155,22 @@ void l_plain_transpose(int nra, int nca, const T a[], T at[]) {
     }
 }
 
+// Advice only: the block's whole 2 MiB pages may be backed by huge pages.
+// Blocks below 4 MiB are left alone.  Contents and results do not change.
+void l_advise_huge_pages(void *block, std::size_t bytes) {
+#ifdef MADV_HUGEPAGE
+    constexpr std::uintptr_t huge = std::uintptr_t(1) << 21;
+    if (bytes < 2 * huge) return;
+    const std::uintptr_t start = reinterpret_cast<std::uintptr_t>(block);
+    const std::uintptr_t from = (start + huge - 1) & ~(huge - 1);
+    const std::uintptr_t to = (start + bytes) & ~(huge - 1);
+    if (to > from) madvise(reinterpret_cast<void *>(from), to - from, MADV_HUGEPAGE);
+#else
+    (void)block;
+    (void)bytes;
+#endif
+}
+
 template <class T>
 void l_m1ran(const char *name, int nra, int nca, const T a[], T at[]) {
     zorvs_e1psh(name);
@@ -178,6 +200,7 @@ void l_m1ran(const char *name, int nra, int nca, const T a[], T at[]) {
         } else if (nra > 1 && nca > 1) {
             T *work = static_cast<T *>(zorvs::raw_allocate(size * sizeof(T)));
             if (work) {
+                l_advise_huge_pages(work, size * sizeof(T));
                 l_plain_transpose(nra, nca, a, work);
                 std::memcpy(at, work, size * sizeof(T));
                 std::free(work);
