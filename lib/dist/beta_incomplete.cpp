@@ -24,7 +24,8 @@
 // B(p, q) follows from B(ps, p) by q = ps + m and
 //   B(p, ps + m) = B(p, ps) prod_{k<m} (ps + k) / (p + ps + k)
 // for a short product, so that one logarithm of the beta function serves
-// both sums; with ps = 1 the first sum is the single term y^p.
+// both sums; with ps = 1 the first sum is the single term y^p, and for a
+// whole p the logarithm itself is a short product.
 #include "dist/beta_incomplete.hpp"
 
 #include <algorithm>
@@ -61,6 +62,20 @@ constexpr int kProductTerms = 40;
 // Most terms of the two sums spent on a small tail in its own orientation.
 constexpr double kLongestSums = 20000;
 
+constexpr double kPi = 3.14159265358979323846;
+
+// prod_{j >= 0, a + j < end} (a + j) / (b + j), the factors in pairs (one
+// division for two).  b < 1e15 and end - a below the product limit, so that
+// no square overflows.
+template <class T>
+T ratio_product(T a, T b, T end) {
+    T prod = 1;
+    T j = 0;
+    for (; a + j + 1 < end; j += 2) prod *= ((a + j) * (a + j + 1)) / ((b + j) * (b + j + 1));
+    if (a + j < end) prod *= (a + j) / (b + j);
+    return prod;
+}
+
 // I_y(p, q) by the two sums, without exchange; cy = 1 - y.
 template <class T>
 T l_betai_sums(T y, T cy, T p, T q) {
@@ -76,17 +91,29 @@ T l_betai_sums(T y, T cy, T p, T q) {
     // the scale counter (s1, a multiple of e^alnsml).
     T ps = q - std::trunc(q);
     if (ps == 0) ps = 1;
-    const T lnp = std::log(p);
-    const T lbeta_psp = ps == 1 ? -lnp : zc::log_beta<T>(ps, p);
-    const T xb0 = ps == 1 ? p * lny : p * lny - lbeta_psp - lnp;
-    T lbeta_pq = 0;  // log B(p, q), when the product gives it
-    bool have_lbeta = false;
-    if (q > 1 && q < kProductTerms) {
-        T prod = 1;
-        for (T j = 0; j + ps < q; j += 1) prod *= (ps + j) / (p + ps + j);
+    // log(p B(ps, p)) from B(ps, pf) for the fractional part pf of p (pf = 1
+    // for a whole p) where that is known in closed form: B(ps, 1) = 1/ps,
+    // and B(ps, 1 - ps) = pi / sin(pi ps) by the reflection formula.
+    // -log B(1, p) = log p cancels.
+    T lpbeta = 0;
+    if (ps != 1) {
+        T pf = p - std::trunc(p);
+        if (pf == 0) pf = 1;
+        T base = 0;
+        if (pf == 1) base = 1 / ps;
+        else if (ps + pf == 1) base = T(kPi) / std::sin(T(kPi) * std::min(ps, pf));
+        if (base > 0 && p < kProductTerms) lpbeta = std::log(p * base * ratio_product(pf, ps + pf, p));
+        else lpbeta = std::log(p) + zc::log_beta<T>(ps, p);
+    }
+    const T xb0 = p * lny - lpbeta;
+    // log(q B(p, q)) - log(p B(ps, p)) from the product.
+    T lqbeta = 0;
+    bool have_lqbeta = false;
+    if (q > 1 && q < kProductTerms && p < T(1e15)) {
+        const T prod = q * ratio_product(ps, p + ps, q);
         if (prod >= k.scale) {
-            lbeta_pq = lbeta_psp + std::log(prod);
-            have_lbeta = true;
+            lqbeta = lpbeta + std::log(prod / p);
+            have_lqbeta = true;
         }
     }
     T s = 0, s1 = 0;
@@ -99,10 +126,31 @@ T l_betai_sums(T y, T cy, T p, T q) {
             // is below t y / (1 - y).
             const T tail = y / cy;
             const int n = static_cast<int>(std::max(k.alneps / lny, T(4)));
-            // One division a term, outside the chain of products:
-            // r = 1/(i (p+i)) gives both (i - ps)/i and 1/(p+i).
+            // Two terms a round with one division, r = 1/(i (p+i) j (p+j))
+            // for j = i + 1, which gives (i - ps)/i, 1/(p+i) and the same for
+            // j; the running term takes one product a round, so that
+            // neither the division nor a chain of products sets the pace.
+            // (The squares stay finite for p below 1e14.)
             T term = first * p;
-            for (int i = 1; i <= n; ++i) {
+            int i = 1;
+            if (p < T(1e14)) {
+                for (; i + 1 <= n; i += 2) {
+                    const T xi = static_cast<T>(i), xj = xi + 1;
+                    const T di = xi * (p + xi), dj = xj * (p + xj);
+                    const T r = 1 / (di * dj);
+                    const T fi = (xi - ps) * y * (p + xi) * (dj * r);
+                    const T fj = (xj - ps) * y * (p + xj) * (di * r);
+                    const T ti = term * fi;
+                    term *= fi * fj;
+                    const T add_i = ti * xi * (dj * r), add_j = term * xj * (di * r);
+                    sum += add_i + add_j;
+                    if (add_j * tail <= k.eps * sum) {
+                        i = n + 1;
+                        break;
+                    }
+                }
+            }
+            for (; i <= n; ++i) {
                 const T xi = static_cast<T>(i);
                 const T r = 1 / (xi * (p + xi));
                 term *= (xi - ps) * y * (p + xi) * r;
@@ -117,8 +165,8 @@ T l_betai_sums(T y, T cy, T p, T q) {
 
     // The finite sum for the integer part of q.
     if (q > 1) {
-        if (!have_lbeta) lbeta_pq = zc::log_beta<T>(p, q);
-        T xb = p * lny + q * std::log(cy) - lbeta_pq - std::log(q);
+        if (!have_lqbeta) lqbeta = std::log(q) + zc::log_beta<T>(p, q);
+        T xb = p * lny + q * std::log(cy) - lqbeta;
         int ib = static_cast<int>(std::max(xb / k.alnsml, T(0)));
         T term = std::exp(xb - static_cast<T>(ib) * k.alnsml);
         T c = 1 / cy;
@@ -126,11 +174,19 @@ T l_betai_sums(T y, T cy, T p, T q) {
         T fin = 0, fin1 = 0;
         int n = static_cast<int>(q);
         if (q == static_cast<T>(n)) --n;
+        // The ratio of term i+1 to term i, (q - i) c / (p + q - i - 1),
+        // falls with i when p >= 1 and rises when p < 1, where the last one
+        // bounds it; once the bound r is below 1 the terms left sum to at
+        // most term r / (1 - r).
+        const T last_ratio = (q - static_cast<T>(n) + 1) * c / (p + q - static_cast<T>(n));
         for (int i = 1; i <= n; ++i) {
+            T xi = static_cast<T>(i);
+            const T ratio = (q - xi + 1) * c / (p + q - xi);
             // With p1 <= 1 the terms fall and stay at one level.
             if (p1 <= 1 && term / k.eps <= (ib == 0 ? fin : fin1)) break;
-            T xi = static_cast<T>(i);
-            term *= (q - xi + 1) * c / (p + q - xi);
+            const T bound = p >= 1 ? ratio : last_ratio;
+            if (ib == 0 && bound < 1 && term * bound <= k.eps * (1 - bound) * fin) break;
+            term *= ratio;
             if (term > 1) {
                 --ib;
                 term *= k.scale;
