@@ -17,6 +17,7 @@
 #include <cmath>
 
 #include "dist/continuous_support.hpp"
+#include "dist/special_detail.hpp"
 
 namespace {
 
@@ -45,24 +46,25 @@ T l_chi_squared_cdf(T chi2, T df) {
             zorvs_ermes(2, 9019);
             return 0;
         }
-        T p = zc::normal_cdf<T>(z);
-        return p;
+        // z >= -18.8055: the normal tail does not underflow, and the core
+        // spares the push of a public call.
+        return zorvs::special::normal_cdf_core<T>(z);
     }
     if (chi2 > 200) return 1;
 
     T x = T(0.5) * chi2;
     T h = T(0.5) * df;
-    T g = zc::gamma<T>(h);
+    T g = zorvs::special::gamma_core<T>(h);  // 0.25 <= h <= 32.5: no message
     if (x < std::max(T(0.5) * h, T(13))) {
         if (df > 25 && chi2 < 2) return 0;
+        // Each term is the last times x/(h+i); the ratio does not depend on
+        // the running term, so its division overlaps the chain of products.
         T t = 1 / (g * h);
         T sum = t;
-        t *= x;
         for (int i = 1; i <= 50; ++i) {
-            t /= h + static_cast<T>(i);
+            t *= x / (h + static_cast<T>(i));
             if (t <= e * sum) break;
             sum += t;
-            t *= x;
         }
         return std::exp(h * std::log(x) - x) * sum;
     }
@@ -83,11 +85,11 @@ T l_chi_squared_cdf(T chi2, T df) {
 // point 1.05 z can lie far left of a large df's body, where the normal form
 // raises its underflow alert; the alert concerns that trial point only, not
 // the caller's quantile, and is cleared.
+// The body is called directly: the search passes x >= 0 and a checked df,
+// so nothing but that alert can be raised, and no push is needed.
 template <class T>
 T cdf(T x, T df) {
-    T r;
-    if constexpr (std::is_same_v<T, float>) r = zorvs_f_chi_squared_cdf(x, df);
-    else r = zorvs_d_chi_squared_cdf(x, df);
+    T r = l_chi_squared_cdf<T>(x, df);
     zc::clear_alert();
     return r;
 }
