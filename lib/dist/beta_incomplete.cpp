@@ -17,7 +17,8 @@
 //     1 - I_x(a, b) that the F distribution needs is 1 minus the sum.  Such
 //     a difference d carries the rounding of the sum magnified by 1/d; below
 //     1/4 the small tail is summed in its own orientation instead, when its
-//     two series together take at most 20000 terms (y up to about 0.998).
+//     two series together take at most 300 terms, or below 1/64 (in the
+//     single twin below 1/4) at most 20000 terms (y up to about 0.998).
 //   - Terms below the threshold are not dropped at once: one more level of
 //     the scale counter carries them, and they count when the total is a
 //     normal number.
@@ -59,8 +60,14 @@ const BetaConstants<T> &constants() {
 
 // Longest product of ratios used for log B(p, q) from log B(ps, p).
 constexpr int kProductTerms = 40;
-// Most terms of the two sums spent on a small tail in its own orientation.
+// Most terms of the two sums spent on a small tail in its own orientation,
+// below 1/64 and from 1/64 to 1/4.
 constexpr double kLongestSums = 20000;
+constexpr double kShortSums = 300;
+// The tail below which the longer sums are spent: 1/64 in double precision;
+// in single precision all of 1/4, where six lost bits would be too many.
+template <class T>
+constexpr T kLowTail = std::is_same_v<T, float> ? T(0.25) : T(1) / 64;
 
 constexpr double kPi = 3.14159265358979323846;
 
@@ -218,10 +225,11 @@ T l_beta_ratio(T x, T cx, T a, T b, bool upper) {
     T t = 1 - s;
     if (t < T(0.25)) {
         // The small tail is summed in its own orientation where its two
-        // series are not too long: 1 - s has lost digits.
+        // series are not too long: 1 - s has lost digits, up to six in the
+        // double twin for t above 1/64, more below.
         const T y = swapped ? x : cx, q = swapped ? b : a;
         const T length = (q == std::trunc(q) ? 0 : constants<T>().alneps / std::log(y)) + q;
-        if (length <= kLongestSums) {
+        if (length <= (t < kLowTail<T> ? kLongestSums : kShortSums)) {
             t = swapped ? l_betai_sums(x, cx, a, b) : l_betai_sums(cx, x, b, a);
             s = 1 - t;
         }
