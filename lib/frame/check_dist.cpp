@@ -5,7 +5,8 @@
 // infinity by the rules of zorvs_c1div, and the tail follows it: NaN for a
 // NaN ratio or impossible degrees of freedom, 0 for an infinite ratio.  The
 // F tail of a positive ratio, 1 - F(f), is summed as the small tail itself,
-// so that a p-value far below the epsilon keeps its digits.
+// so that a p-value far below the epsilon keeps its digits; so is the t
+// tail, as twice the distribution function at -|t|.
 #include <cmath>
 #include <limits>
 
@@ -55,7 +56,7 @@ void l_c1t(T a, T b, T df, T *t, T *p) {
     T tail;
     if (std::isnan(ratio) || df == 0) tail = zorvs::missing<T>();
     else if (std::isinf(ratio)) tail = 0;
-    else tail = 2 * (1 - t_cdf<T>(std::fabs(ratio), df));
+    else tail = 2 * t_cdf<T>(-std::fabs(ratio), df);  // 2 (1 - F(|t|)), without the cancellation
     if (t) *t = ratio;
     if (p) *p = tail;
 }

@@ -231,3 +231,34 @@ TEST(TDist, InverseEdgesAndFailures) {
 TEST(TDist, DoubleInverseReportsUnderItsName) {
     EXPECT_EXIT(zorvs_d_t_inverse_cdf(2, 3), ::testing::ExitedWithCode(5), "zorvs_d_t_inverse");
 }
+
+// ------------------------------------------------ two-sided t tail (c1t)
+// 2 (1 - F(|t|)) is formed as 2 F(-|t|): p-values far below the epsilon
+// keep their digits.  References from R (make_t_two_sided.R); the rows on
+// Hill's normal form, (9, 200) and (4, 20.5), carry its error.
+TEST(TTwoSidedTail, MatchesReferenceFarBelowTheEpsilon) {
+    zorvs_test::Quiet q;
+    const double rows[][3] = {
+#include "data/dist/t_two_sided_ref.inc"
+    };
+    double worst_exact = 0, worst_normal = 0, worst_single = 0;
+    for (const auto &r : rows) {
+        bool normal = r[0] * r[0] < r[1] && (r[1] > 200 || r[1] != std::trunc(r[1]) || r[1] >= 20);
+        double t = 0, p = 0;
+        zorvs_dc1t(r[0], 1, r[1], &t, &p);
+        EXPECT_EQ(t, r[0]);
+        double rel = std::fabs(p - r[2]) / r[2];
+        EXPECT_LE(rel, normal ? 4e-9 : 1e-12) << "t=" << r[0] << " df=" << r[1] << " p=" << p;
+        double &w = normal ? worst_normal : worst_exact;
+        w = std::max(w, rel);
+        float ft = 0, fp = 0;
+        zorvs_c1t(static_cast<float>(-r[0]), 1, static_cast<float>(r[1]), &ft, &fp);
+        double frel = std::fabs(fp - r[2]) / r[2];
+        EXPECT_LE(frel, 1e-4) << "t=" << r[0] << " df=" << r[1] << " p=" << fp;
+        worst_single = std::max(worst_single, frel);
+        EXPECT_EQ(zorvs_n1rty(1), 0);
+    }
+    std::printf("[measure] two-sided t tail: double %.3g on the exact branches, %.3g on the normal form; "
+                "single %.3g\n",
+                worst_exact, worst_normal, worst_single);
+}
