@@ -16,14 +16,15 @@
 //   x^(a-1) (1-x)^(b-1) lies under x^(a-1) left of the switch point
 //   t = (1 - a)/(b + 1 - a) and under t^(a-1) (1-x)^(b-1) right of it; the
 //   first uniform chooses the piece and, rescaled, inverts it, the second
-//   accepts.  Beta(b, a) is 1 - Beta(a, b).
+//   accepts, most often already against a linear lower bound of the ratio
+//   (no logarithm).  Beta(b, a) is 1 - Beta(a, b).
 // both above 1: algorithm BB of Cheng (1978), "Generating beta variates with
 //   nonintegral shape parameters", CACM 21, 317-322, a log-logistic hat with
 //   two squeezes (the constants log 4 and 1 + log 5), two uniforms a round.
 //
 // A deviate that is rejected 1000 rounds in a row (which no finite pair of
-// shapes does in practice, but infinite ones do) ends the routine with
-// (5, 11035); it and the later results stay missing.
+// shapes does in practice, but an infinite shape above 1 does) ends the
+// routine with (5, 11035); it and the later results stay missing.
 #include <cmath>
 #include <limits>
 
@@ -90,7 +91,7 @@ bool johnk(double p, double q, double &x) {
 
 // Atkinson's switching set-up for a < 1 < b.
 struct Switching {
-    double a, b, ra, rb, t, r, log_t;
+    double a, b, ra, rb, t, r, log_t, slope;
 };
 
 Switching switching_setup(double a, double b) {
@@ -101,6 +102,8 @@ Switching switching_setup(double a, double b) {
     s.rb = 1.0 / b;
     s.t = (1.0 - a) / (b + 1.0 - a);
     s.log_t = std::log(s.t);
+    // Bernoulli's inequality: (1 - x)^(b-1) >= 1 - max(b - 1, 1)*x.
+    s.slope = b - 1.0 > 1.0 ? b - 1.0 : 1.0;
     // Areas under the two pieces, divided by t^(a-1): t/a and (1-t)^b/b.
     const double left = s.t / a, right = std::pow(1.0 - s.t, b) / b;
     s.r = left / (left + right);
@@ -117,15 +120,16 @@ bool switching(const Switching &s, double &x, double &x_complement) {
         if (u <= s.r) {
             // x^(a-1) on (0, t), accepted with (1 - x)^(b-1).
             const double y = s.t * std::pow(u / s.r, s.ra);
-            if (std::log(v) <= (s.b - 1.0) * std::log1p(-y)) {
+            if (v <= 1.0 - s.slope * y || std::log(v) <= (s.b - 1.0) * std::log1p(-y)) {
                 x = y;
                 x_complement = 1.0 - y;
                 return true;
             }
         } else {
             // (1 - x)^(b-1) on (t, 1), accepted with (x/t)^(a-1).
+            // (t/x)^(1-a) >= t/x lets most points pass without a logarithm.
             const double yc = (1.0 - s.t) * std::pow((1.0 - u) / (1.0 - s.r), s.rb);
-            if (std::log(v) <= (s.a - 1.0) * (std::log1p(-yc) - s.log_t)) {
+            if (v * (1.0 - yc) <= s.t || std::log(v) <= (s.a - 1.0) * (std::log1p(-yc) - s.log_t)) {
                 x = 1.0 - yc;
                 x_complement = yc;
                 return true;

@@ -262,8 +262,8 @@ TEST(RandomBeta, FailuresAreReported) {
     q.errors.take();
 }
 
-// An infinite shape makes every round of the rejection methods fail: the
-// deviate is given up after 1000 rounds of two uniforms.
+// An infinite shape makes every round of Cheng's method fail: the deviate is
+// given up after 1000 rounds of two uniforms.
 TEST(RandomBeta, ThousandRejectedRoundsEndTheRoutine) {
     zorvs_test::Quiet q;
     zorvs_test::CodeLog log;
@@ -277,10 +277,20 @@ TEST(RandomBeta, ThousandRejectedRoundsEndTheRoutine) {
     int64_t x = 1;
     for (int k = 0; k < 2000; ++k) x = x * 16807 % 2147483647;
     EXPECT_EQ(zorvs_random_seed_get(), x);
-    // The switching method, and an allocated result that comes back null.
+    // The single twin, and an allocated result that comes back null.
     log.clear();
-    EXPECT_EQ(zorvs_f_random_beta(3, 0.5f, std::numeric_limits<float>::infinity(), 0), nullptr);
+    const float inf_f = std::numeric_limits<float>::infinity();
+    EXPECT_EQ(zorvs_f_random_beta(3, 2.0f, inf_f, 0), nullptr);
     EXPECT_TRUE(log.has(5, 11035));
+    // Below 1 against an infinite shape the switching method meets its bound
+    // at once and gives the limit, the point mass at 0 or at 1.
+    log.clear();
+    float limit[2];
+    zorvs_f_random_beta(2, 0.5f, inf_f, ZORVS_RETURN_USER, limit, 0);
+    EXPECT_EQ(limit[0], 0.0f);
+    zorvs_f_random_beta(2, inf_f, 0.5f, ZORVS_RETURN_USER, limit, 0);
+    EXPECT_EQ(limit[1], 1.0f);
+    EXPECT_TRUE(log.entries().empty());
     q.errors.take();
 }
 
