@@ -120,9 +120,16 @@ T l_betin(T p, T pin, T qin) {
     const T pp = upper ? qin : pin, qq = upper ? pin : qin;
     T ylo = upper ? 1 - hi : lo, yhi = upper ? 1 - lo : hi;
     const T lbeta = zc::log_beta<T>(pp, qq);
+    // Where the leading term of the tail puts the root below the smallest
+    // normal number, y is taken as 0 (x as 0 or 1), with the warning.
+    const T log_tail = (std::log(a) + std::log(pp) + lbeta) / pp;
+    if (log_tail < std::log(zc::smallest<T>()) - 1) {
+        zc::raise_reals(3, 9047, p);
+        return upper ? T(1) : T(0);
+    }
     T y = as109_start<T>(a, pp, qq, lbeta);
     if (!(y > ylo && y < yhi)) {
-        y = std::exp((std::log(a) + std::log(pp) + lbeta) / pp);
+        y = std::exp(log_tail);
         if (!(y > ylo && y < yhi)) y = ylo > 0 || yhi < 1 ? (ylo + yhi) / 2 : T(0.5);
     }
 
@@ -142,6 +149,10 @@ T l_betin(T p, T pin, T qin) {
         }
         if (g < 0) ylo = std::max(ylo, y);
         else yhi = std::min(yhi, y);
+        if (yhi <= zc::smallest<T>()) {  // the root is below the normal range
+            y = 0;
+            break;
+        }
         const T yf = std::exp(pp * std::log(y) + (qq - 1) * std::log1p(-y) - lbeta);
         T delta, h = 0;
         bool clean = false;

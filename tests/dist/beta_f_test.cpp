@@ -68,6 +68,28 @@ TEST(BetaDist, InverseFailuresAndTheWorkerName) {
     EXPECT_NEAR(zorvs_betin(0.25f, 1, 1), 0.25f, 1e-6f);
 }
 
+// A root below the smallest normal number (x^a / (a B(a, b)) = p with
+// a = 0.001 puts x near 10^-30000) gives the limit with the warning 9047, in
+// either tail and either twin.
+TEST(BetaDist, InverseBeyondTheNormalRangeWarnsAndGivesTheLimit) {
+    zorvs_test::Quiet q;
+    zorvs_test::CodeLog log;
+    EXPECT_EQ(zorvs_d_beta_inverse_cdf(1e-30, 0.001, 5), 0.0);
+    EXPECT_EQ(zorvs_n1rty(1), 3);
+    EXPECT_EQ(zorvs_error_code(), 9047);
+    EXPECT_EQ(r1(), 1e-30);
+    EXPECT_TRUE(log.has(3, 9047));
+    EXPECT_NE(q.errors.text().find("p = 1e-30"), std::string::npos) << q.errors.text();
+    EXPECT_EQ(zorvs_dbetin(0.75, 5, 0.001), 1.0);
+    EXPECT_EQ(zorvs_error_code(), 9047);
+    EXPECT_EQ(zorvs_betin(1e-20f, 0.01f, 2), 0.0f);
+    EXPECT_EQ(zorvs_error_code(), 9047);
+    // Just inside the range the root is found, without a message.
+    double x = zorvs_d_beta_inverse_cdf(1e-30, 0.1, 5);
+    EXPECT_EQ(zorvs_n1rty(1), 0);
+    EXPECT_NEAR(zorvs_d_beta_cdf(x, 0.1, 5) / 1e-30, 1.0, 1e-13);
+}
+
 
 // -------------------------------------------------------------------- F
 TEST(FDist, CdfMatchesReference) {
