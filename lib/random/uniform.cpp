@@ -7,7 +7,10 @@
 // described by Knuth, TAOCP vol. 2, 3.2.2, algorithm B).  The larger
 // multipliers may be split as 32768*hi + lo so that every product stays below
 // 2^53 and double arithmetic with fmod is exact; the same exact residue is
-// computed here in 64-bit integers, bit for bit the same stream.
+// computed here in 64-bit integers, bit for bit the same stream.  Numbers are
+// made in blocks: the states by interleaved chains of the jump-ahead
+// x(k + j) = (a^j mod m)*x(k) mod m, the quotients x/divisor in a loop of
+// their own.  Deviate routines read the stream through random/stream.hpp.
 //
 // The state is one record, zorvs_random_common, shared by the single and the
 // double routines, so that both continue one stream.  Each precision keeps
@@ -22,6 +25,7 @@
 #include "frame/checks.h"
 #include "frame/frame.hpp"
 #include "random/random.h"
+#include "random/stream.hpp"
 #include "zorvstat.h"
 
 extern "C" {
@@ -77,20 +81,8 @@ void clock_seed() {
     zorvs_random_common.seed = s;
 }
 
-// One step of the generator of the given option.  The split products are
-// exact in double, so fmod returns exactly (a*x) mod m; the same value is
-// obtained here in 64-bit integers (a*x < 2^61) with the Mersenne reduction
-// a*x = hi*2^31 + lo == hi + lo (mod 2^31 - 1), which avoids the slow
-// library fmod without changing a single bit of the stream.
-constexpr int64_t multiplier(int option) {
+constexpr uint64_t multiplier(int option) {
     return option <= 2 ? 16807 : option <= 4 ? 397204094 : 950706376;
-}
-inline double step(double x, int option) {
-    const int64_t p = static_cast<int64_t>(x) * multiplier(option);
-    int64_t r = (p & 0x7FFFFFFF) + (p >> 31);
-    r = (r & 0x7FFFFFFF) + (r >> 31);
-    if (r >= 2147483647) r -= 2147483647;
-    return static_cast<double>(r);
 }
 
 // Fill the twin's shuffle table with 128 fresh numbers.
@@ -101,62 +93,85 @@ void l_r1ins() {
         lv_random.first_call[twin<T>()] = 0;
     }
     T *table = table_of<T>();
-    double x = zorvs_random_common.seed;
-    const int option = zorvs_random_common.option;
+    const uint64_t a = multiplier(zorvs_random_common.option);
     const double d = zorvs_random_common.divisor;
+    uint64_t x = static_cast<uint64_t>(zorvs_random_common.seed);
     for (int i = 0; i < 128; ++i) {
-        x = step(x, option);
-        table[i] = static_cast<T>(x / d);
+        x = zorvs::random_mulmod(a, x);
+        table[i] = static_cast<T>(static_cast<double>(x) / d);
     }
-    zorvs_random_common.seed = x;
-}
-
-// n uniforms into r; the loop is specialised by option so that the step is
-// not dispatched per number.
-template <class T, int Option>
-void draw_plain(int n, T r[]) {
-    double x = zorvs_random_common.seed;
-    const double d = zorvs_random_common.divisor;
-    for (int i = 0; i < n; ++i) {
-        x = step(x, Option);
-        r[i] = static_cast<T>(x / d);
-    }
-    zorvs_random_common.seed = x;
-}
-template <class T, int Option>
-void draw_shuffled(int n, T r[]) {
-    T *table = table_of<T>();
-    double x = zorvs_random_common.seed;
-    const double d = zorvs_random_common.divisor;
-    for (int i = 0; i < n; ++i) {
-        x = step(x, Option);
-        const int k = static_cast<int>(static_cast<int64_t>(x) & 127);  // fmod(x, 128)
-        r[i] = table[k];
-        table[k] = static_cast<T>(x / d);
-    }
-    zorvs_random_common.seed = x;
+    zorvs_random_common.seed = static_cast<double>(x);
 }
 
 template <class T>
-void l_rnun(int n, T r[]) {
+void open_source(zorvs::UniformSource<T> &src) {
     if (lv_random.first_call[twin<T>()]) {
         zorvs_r1int(0);
         lv_random.first_call[twin<T>()] = 0;
     }
     const int option = zorvs_random_common.option;
-    if (option % 2 == 0 && !lv_random.table_ready[twin<T>()]) {
+    const bool shuffled = option % 2 == 0;
+    if (shuffled && !lv_random.table_ready[twin<T>()]) {
         l_r1ins<T>();
         lv_random.table_ready[twin<T>()] = 1;
         zorvs_random_common.table_filled = 1;
     }
-    switch (option) {
-    case 2: draw_shuffled<T, 1>(n, r); break;
-    case 3: draw_plain<T, 3>(n, r); break;
-    case 4: draw_shuffled<T, 3>(n, r); break;
-    case 5: draw_plain<T, 5>(n, r); break;
-    case 6: draw_shuffled<T, 5>(n, r); break;
-    default: draw_plain<T, 1>(n, r); break;
+    src.x = static_cast<uint64_t>(zorvs_random_common.seed);
+    src.power[0] = multiplier(option);
+    for (int j = 1; j < zorvs::random_lanes; ++j) src.power[j] = zorvs::random_mulmod(src.power[j - 1], src.power[0]);
+    src.divisor = zorvs_random_common.divisor;
+    src.table = shuffled ? table_of<T>() : nullptr;
+    src.pos = 0;
+    src.len = 0;
+    src.next_len = 8;
+}
+
+// The n states after x into xs, and x advanced to the last of them.  The
+// step runs in interleaved chains by the jump-ahead
+// x(k + j) = (a^j mod m)*x(k) mod m, an identity of modular arithmetic, so
+// that the chains' multiplications overlap instead of waiting on each other;
+// every state is still the exact residue of the one-step recurrence.  The
+// quotients x/divisor follow in a separate loop that the compiler vectorizes
+// (a division is correctly rounded at any width).
+constexpr int kLanes = zorvs::random_lanes;
+template <class T>
+void make_block(uint64_t &x, const uint64_t (&power)[kLanes], double d, int n, uint32_t xs[], T u[]) {
+    uint64_t y = x;
+    int i = 0;
+    for (; i + kLanes <= n; i += kLanes) {
+        for (int j = 0; j < kLanes; ++j) xs[i + j] = static_cast<uint32_t>(zorvs::random_mulmod(power[j], y));
+        y = xs[i + kLanes - 1];
     }
+    for (; i < n; ++i) {
+        y = zorvs::random_mulmod(power[0], y);
+        xs[i] = static_cast<uint32_t>(y);
+    }
+    x = y;
+    for (i = 0; i < n; ++i) u[i] = static_cast<T>(static_cast<double>(xs[i]) / d);
+}
+
+// n uniforms into r: blocks of quotients written in place, then for the
+// shuffled forms each passes through the table in order.
+template <class T>
+void l_rnun(int n, T r[]) {
+    zorvs::UniformSource<T> src;
+    open_source(src);
+    constexpr int block = zorvs::UniformSource<T>::block;
+    for (int start = 0; start < n; start += block) {
+        const int len = n - start < block ? n - start : block;
+        T *out = r + start;
+        make_block(src.x, src.power, src.divisor, len, src.xs, out);
+        if (src.table) {
+            T *table = src.table;
+            for (int i = 0; i < len; ++i) {
+                const unsigned k = src.xs[i] & 127u;  // fmod(x, 128)
+                const T value = out[i];
+                out[i] = table[k];
+                table[k] = value;
+            }
+        }
+    }
+    zorvs_random_common.seed = static_cast<double>(src.x);
 }
 
 template <class T>
@@ -289,3 +304,20 @@ double *zorvs_d_random_uniform(int n, ...) {
 }
 
 }  // extern "C"
+
+namespace zorvs {
+
+template <class T>
+void UniformSource<T>::refill() {
+    make_block(x, power, divisor, next_len, xs, u);
+    pos = 0;
+    len = next_len;
+    if (next_len < block) next_len *= 2;
+}
+template struct UniformSource<float>;
+template struct UniformSource<double>;
+
+void open_uniform_source(UniformSource<float> &src) { open_source(src); }
+void open_uniform_source(UniformSource<double> &src) { open_source(src); }
+
+}  // namespace zorvs

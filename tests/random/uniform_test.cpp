@@ -3,10 +3,14 @@
 // tables, one stream across the twins, and the failure paths.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <random>
 #include <string>
+#include <vector>
 
+#include "data/random/long_runs.hpp"
 #include "data/random/sequences.hpp"
 #include "frame/frame.hpp"
 #include "random/random.h"
@@ -73,6 +77,78 @@ TEST(RandomUniform, PlainAndShuffledSequencesMatchExactIntegers) {
     double q[5];
     zorvs_d_random_uniform(5, ZORVS_RETURN_USER, q, 0);
     for (int i = 0; i < 5; ++i) EXPECT_EQ(q[i], random_ref::plain1_seed1_quot[i]);
+}
+
+// One step of the generator in its published split-multiplier form: every
+// product stays below 2^53, so double arithmetic and fmod are exact.
+double split_fmod_step(int option, double x) {
+    const double m = 2147483647.0;
+    switch (option) {
+    case 1: return std::fmod(x * 16807.0, m);
+    case 3: return std::fmod(std::fmod(x * 32768.0, m) * 12121.0 + std::fmod(x * 23166.0, m), m);
+    default: return std::fmod(std::fmod(x * 32768.0, m) * 29013.0 + std::fmod(x * 8392.0, m), m);
+    }
+}
+
+// The generator makes its states several at a time from powers of the
+// multiplier; each of the first nine states after edge and random seeds must
+// equal the one-step formula iterated, and so must the seed left behind.
+TEST(RandomUniform, BlockedStatesEqualTheSplitFmodFormula) {
+    std::vector<int> seeds = {1, 2, 3, 127, 128, 16807, 32767, 32768, 65536, 1 << 30, (1 << 30) + 1,
+                              2147483645, 2147483646};
+    std::mt19937_64 pick(20261123);
+    std::uniform_int_distribution<int> state(1, 2147483646);
+    for (int i = 0; i < 100000; ++i) seeds.push_back(state(pick));
+    for (int option : {1, 3, 5}) {
+        SCOPED_TRACE("option " + std::to_string(option));
+        zorvs_random_option(option);
+        for (int s : seeds) {
+            zorvs_random_seed_set(s);
+            double r[9];
+            zorvs_d_r1uni(9, r);
+            double x = s;
+            for (int i = 0; i < 9; ++i) {
+                x = split_fmod_step(option, x);
+                ASSERT_EQ(r[i], x / 2147483711.0) << "seed " << s << " step " << i + 1;
+            }
+            ASSERT_EQ(zorvs_random_common.seed, x) << "seed " << s;
+        }
+    }
+    zorvs_random_option(1);
+}
+
+// 300001 numbers of each form drawn in calls of mixed lengths (so that the
+// blocks split everywhere) against exact integer references.
+TEST(RandomUniform, LongRunsInCallsOfMixedLengths) {
+    const int chunks[] = {1, 2, 5, 255, 256, 257, 511, 3, 4096, 100000};
+    const double d = 2147483711.0;
+    for (int option = 1; option <= 6; ++option) {
+        const int64_t *ref = random_ref::long_run_state[option - 1];
+        for (int twin = 0; twin < 2; ++twin) {
+            SCOPED_TRACE("option " + std::to_string(option) + (twin ? " double" : " single"));
+            reset(option, random_ref::long_run_seed);
+            const int n = random_ref::long_run_draws;
+            std::vector<double> r(n);
+            std::vector<float> f(n);
+            for (int done = 0, c = 0; done < n; ++c) {
+                const int len = std::min(chunks[c % 10], n - done);
+                if (twin)
+                    zorvs_d_random_uniform(len, ZORVS_RETURN_USER, r.data() + done, 0);
+                else
+                    zorvs_f_random_uniform(len, ZORVS_RETURN_USER, f.data() + done, 0);
+                done += len;
+            }
+            for (int p = 0; p < random_ref::long_run_picks; ++p) {
+                const int i = random_ref::long_run_pick_index[p];
+                if (twin)
+                    EXPECT_EQ(r[i], ref[p] / d) << "draw " << i;
+                else
+                    EXPECT_EQ(f[i], static_cast<float>(ref[p] / d)) << "draw " << i;
+            }
+            EXPECT_EQ(zorvs_random_seed_get(), random_ref::long_run_last_seed[option - 1]);
+        }
+    }
+    reset(1, 1);
 }
 
 TEST(RandomUniform, SingleAndDoubleContinueOneStream) {
