@@ -8,8 +8,9 @@
 //   between the inflection points (chord squeeze, two uniforms), two
 //   triangles over the convex pieces out to x1 and x5 (three uniforms) and
 //   two exponential tails tangent to log f at x1 and x5 (two uniforms).
-//   A round that is not squeezed ends with the exact test
-//   log(w) <= x3*log(y/x3) + x3 - y.
+//   A point under a lower bound of f (tangents where f is convex, a
+//   series bound of log f between the inflection points) is accepted at
+//   once; the others end with the exact test log(w) <= x3*log(y/x3) + x3 - y.
 // a = 1: -log(u).  a = 0.5: z^2/2 with z normal.
 // a < 1: Ahrens and Dieter (1974), "Computer methods for sampling from
 //   gamma, beta, Poisson and binomial distributions", Computing 12, 223-246,
@@ -21,6 +22,7 @@
 #include "frame/checks.h"
 #include "frame/frame.hpp"
 #include "random/random.h"
+#include "random/stream.hpp"
 #include "zorvstat.h"
 
 namespace {
@@ -34,17 +36,12 @@ void uniforms(int n, T r[]) {
     else
         zorvs_d_r1uni(n, r);
 }
-template <class T>
-T uniform() {
-    T u;
-    uniforms<T>(1, &u);
-    return u;
-}
 
 // Set-up of the Schmeiser-Lal hat for one shape.
 struct Hat {
     double x1, x2, x3, x4, x5, f1, f2, f4, f5, ll, lr;
     double p1, p2, p3, p4, p5, p6, p7, p8, p9, p10;
+    double d1, d2, d4, d5;  // slopes f'(x) = f(x)*(x3/x - 1) at x1, x2, x4, x5
 };
 
 // log of the density relative to the mode.
@@ -86,20 +83,45 @@ bool hat_setup(double a, Hat &h) {
     h.p8 = h.p7 + 0.5 * (h.f4 - h.f5) * (h.x5 - h.x4);
     h.p9 = h.p8 + (h.ll > 0 ? h.f1 / h.ll : 0.0);
     h.p10 = h.p9 + h.f5 / h.lr;
+    h.d1 = h.x1 > 0 ? h.f1 * h.ll : 0.0;
+    h.d2 = h.x2 > 0 ? h.f2 * (h.x3 / h.x2 - 1.0) : 0.0;
+    h.d4 = h.f4 * (h.x3 / h.x4 - 1.0);
+    h.d5 = -h.f5 * h.lr;
     return true;
 }
 
+// A lower bound of f(x), cheap beside the logarithms of the exact test.
+// Outside the inflection points f is convex and lies above its tangents at
+// x1, x2 (left) and x4, x5 (right).  Between them, with z = x/x3 - 1,
+// log f = x3*(log(1 + z) - z) >= q, where log(1 + z) >= z - z^2/(2(1 + z))
+// for z <= 0 and >= z - z^2/2 for z >= 0, so q = -(x - x3)^2/(2x) left of
+// the mode and -(x - x3)^2/(2 x3) right of it; and exp(q) >= 1 + q + q^2/2
+// + q^3/6.
+inline double f_lower(const Hat &h, double x) {
+    if (x < h.x2) {
+        const double t1 = h.f1 + h.d1 * (x - h.x1), t2 = h.f2 + h.d2 * (x - h.x2);
+        return t1 > t2 ? t1 : t2;
+    }
+    if (x > h.x4) {
+        const double t4 = h.f4 + h.d4 * (x - h.x4), t5 = h.f5 + h.d5 * (x - h.x5);
+        return t4 > t5 ? t4 : t5;
+    }
+    const double e = x - h.x3;
+    const double q = -e * e / (2.0 * (x < h.x3 ? x : h.x3));
+    return 1.0 + q * (1.0 + q * (0.5 + q / 6.0));
+}
+
 template <class T>
-double schmeiser_lal(const Hat &h) {
+double schmeiser_lal(const Hat &h, zorvs::UniformSource<T> &s) {
     for (;;) {
-        double u = uniform<T>() * h.p10;
+        double u = s.next() * h.p10;
         if (u <= h.p4) {  // rectangles under the density
             if (u <= h.p1) return h.x2 + u / h.f2;
             if (u <= h.p2) return h.x3 + (u - h.p1) / h.f4;
             if (u <= h.p3) return h.x1 + (u - h.p2) / h.f1;
             return h.x4 + (u - h.p3) / h.f5;
         }
-        const double w = uniform<T>();
+        const double w = s.next();
         double x, v;  // candidate and its height relative to the mode
         if (u <= h.p5) {  // concave piece left of the mode, under height 1
             const double t = (u - h.p4) / (h.p5 - h.p4);
@@ -112,7 +134,7 @@ double schmeiser_lal(const Hat &h) {
             if (t <= 1.0 - w) return x;
             v = h.f4 + (1.0 - h.f4) * t;
         } else if (u <= h.p8) {  // triangles over the convex pieces
-            const double w2 = uniform<T>();
+            const double w2 = s.next();
             const double hi = w > w2 ? w : w2, lo = w > w2 ? w2 : w;
             if (u <= h.p7) {
                 x = h.x1 + (h.x2 - h.x1) * hi;
@@ -131,23 +153,39 @@ double schmeiser_lal(const Hat &h) {
             x = h.x5 - std::log(w) / h.lr;
             v = h.f5 * w * t;
         }
+        if (v <= f_lower(h, x)) return x;  // squeeze
         if (v > 0 && std::log(v) <= h.x3 * std::log(x / h.x3) + h.x3 - x) return x;
     }
 }
+
+// The hat of the last shape, per twin: kept while the shape stays.
+template <class T> struct KeptHat {
+    T a = 0;
+    Hat hat;
+};
+template <class T> KeptHat<T> lv_hat;
 
 template <class T>
 void l_rngam(int n, T a, T r[]) {
     const double ad = a;
     if (ad > 1.0) {
-        Hat h;
-        if (!hat_setup<T>(ad, h)) {
-            zorvs_e1psh("l_rngam ");
-            zorvs_e1std(1, ad);
-            zorvs_ermes(5, 11037);
-            zorvs_e1pop("l_rngam ");
-            return;
+        KeptHat<T> &kept = lv_hat<T>;
+        if (a != kept.a) {
+            if (!hat_setup<T>(ad, kept.hat)) {
+                kept.a = 0;
+                zorvs_e1psh("l_rngam ");
+                zorvs_e1std(1, ad);
+                zorvs_ermes(5, 11037);
+                zorvs_e1pop("l_rngam ");
+                return;
+            }
+            kept.a = a;
         }
-        for (int i = 0; i < n; ++i) r[i] = static_cast<T>(schmeiser_lal<T>(h));
+        const Hat h = kept.hat;
+        zorvs::UniformSource<T> s;
+        zorvs::open_uniform_source(s);
+        for (int i = 0; i < n; ++i) r[i] = static_cast<T>(schmeiser_lal<T>(h, s));
+        zorvs::close_uniform_source(s);
     } else if (ad == 1.0) {
         uniforms<T>(n, r);
         for (int i = 0; i < n; ++i) r[i] = -std::log(r[i]);
@@ -164,12 +202,14 @@ void l_rngam(int n, T a, T r[]) {
         const double b = (e + ad) / e, ra = 1.0 / ad;
         const double log_small = std::log(static_cast<double>(std::numeric_limits<T>::min()));
         const double small = std::numeric_limits<T>::min();
+        zorvs::UniformSource<T> s;
+        zorvs::open_uniform_source(s);
         for (int i = 0; i < n; ++i) {
             for (;;) {
-                T pair[2];
-                uniforms<T>(2, pair);
-                const double w = -std::log(static_cast<double>(pair[0]));
-                const double p = b * pair[1];
+                const T u1 = s.next();
+                const T u2 = s.next();
+                const double w = -std::log(static_cast<double>(u1));
+                const double p = b * u2;
                 double x, test;
                 if (p <= 1.0) {
                     const double lx = ra * std::log(p);
@@ -185,6 +225,7 @@ void l_rngam(int n, T a, T r[]) {
                 }
             }
         }
+        zorvs::close_uniform_source(s);
     }
 }
 

@@ -202,6 +202,80 @@ TEST(RandomDeviates, PoissonFitsAndMomentsInversionAndPtpe) {
     EXPECT_EQ(zorvs_random_seed_get(), 2007237709);  // the tenth step from seed 1
 }
 
+// Start a stream with empty shuffle tables, so that a shuffled option
+// refills its table from the seed.
+void start_option(int option, int seed) {
+    zorvs_random_option(option);
+    zorvs_random_seed_set(seed);
+    float zero[128] = {};
+    zorvs_rnses(zero);
+    double dzero[128] = {};
+    zorvs_drnses(dzero);
+}
+
+// The rejection loops draw their uniforms ahead in blocks: one call of n
+// deviates must give the same deviates, leave the same seed and the same
+// next uniform as n calls of one deviate, for plain and shuffled options.
+template <class T, class Draw>
+void one_call_equals_many(Draw draw) {
+    constexpr int n = 700;  // several blocks
+    for (int option : {1, 2, 5, 6}) {
+        SCOPED_TRACE("option " + std::to_string(option));
+        start_option(option, 4242);
+        std::vector<T> once(n), each(n);
+        draw(n, once.data());
+        const int seed_once = zorvs_random_seed_get();
+        double next_once;
+        zorvs_d_random_uniform(1, ZORVS_RETURN_USER, &next_once, 0);
+        start_option(option, 4242);
+        for (int i = 0; i < n; ++i) draw(1, &each[i]);
+        EXPECT_EQ(zorvs_random_seed_get(), seed_once);
+        double next_each;
+        zorvs_d_random_uniform(1, ZORVS_RETURN_USER, &next_each, 0);
+        EXPECT_EQ(next_each, next_once);
+        for (int i = 0; i < n; ++i) ASSERT_EQ(each[i], once[i]) << i;
+    }
+    start(1);
+}
+
+TEST(RandomDeviates, OneCallEqualsManyCallsOfOne) {
+    for (double a : {0.3, 3.0, 30.0}) {
+        SCOPED_TRACE("gamma a = " + std::to_string(a));
+        one_call_equals_many<double>([a](int n, double *r) { zorvs_d_random_gamma(n, a, ZORVS_RETURN_USER, r, 0); });
+    }
+    for (float a : {0.7f, 4.5f}) {
+        SCOPED_TRACE("single gamma a = " + std::to_string(a));
+        one_call_equals_many<float>([a](int n, float *r) { zorvs_f_random_gamma(n, a, ZORVS_RETURN_USER, r, 0); });
+    }
+    for (float theta : {4.0f, 30.99f, 400.0f}) {
+        SCOPED_TRACE("Poisson theta = " + std::to_string(theta));
+        one_call_equals_many<int>([theta](int n, int *r) { zorvs_random_poisson(n, theta, ZORVS_RETURN_USER, r, 0); });
+    }
+}
+
+// Inversion below theta = 15: each count is the least k with u <= F(k) for
+// its own uniform, replayed from the same seed and checked against the
+// library's Poisson distribution function.
+TEST(RandomDeviates, PoissonInversionIsTheInverseOfTheDistributionFunction) {
+    constexpr int n = 20000;
+    for (float theta : {0.1f, 2.5f, 7.0f, 14.5f}) {
+        SCOPED_TRACE("theta = " + std::to_string(theta));
+        start(31);
+        std::vector<double> u(n);
+        zorvs_d_random_uniform(n, ZORVS_RETURN_USER, u.data(), 0);
+        start(31);
+        std::vector<int> k(n);
+        zorvs_random_poisson(n, theta, ZORVS_RETURN_USER, k.data(), 0);
+        for (int i = 0; i < n; ++i) {
+            const double above = zorvs_d_poisson_cdf(k[i], theta);
+            const double below = k[i] > 0 ? zorvs_d_poisson_cdf(k[i] - 1, theta) : 0.0;
+            // Ties within rounding of the two sums may go either way.
+            ASSERT_LE(u[i], above + 1e-13) << i;
+            ASSERT_GT(u[i], below - 1e-13) << i;
+        }
+    }
+}
+
 TEST(RandomDeviates, FailuresAreReported) {
     zorvs_test::Quiet q;
     zorvs_test::CodeLog log;
