@@ -66,6 +66,8 @@ ZORVS_BENCH(F_inv_zorvs, zorvs_d_F_inverse_cdf(A.p[i], A.d1[i], A.d2[i]));
 
 #ifdef ZORVS_HAVE_RMATH
 ZORVS_BENCH(gamma_cdf_R, pgamma(A.x[i] * 2, A.d1[i], 1.0, 1, 0));
+// The incomplete gamma integral itself: the regularised P(a, x) times gamma(a).
+ZORVS_BENCH(gamma_incomplete_R, pgamma(A.x[i] * 2, A.d1[i], 1.0, 1, 0) * gammafn(A.d1[i]));
 ZORVS_BENCH(chisq_cdf_R, pchisq(A.x[i] * 4, A.d1[i], 1, 0));
 ZORVS_BENCH(chisq_inv_R, qchisq(A.p[i], A.d1[i], 1, 0));
 ZORVS_BENCH(beta_cdf_R, pbeta(A.u[i], A.d1[i], A.d2[i], 1, 0));
