@@ -63,6 +63,13 @@ ZORVS_BENCH(t_cdf_zorvs, zorvs_d_t_cdf(A.x[i] - 3, A.d1[i]));
 ZORVS_BENCH(t_inv_zorvs, zorvs_d_t_inverse_cdf(A.p[i], A.d1[i]));
 ZORVS_BENCH(F_cdf_zorvs, zorvs_d_F_cdf(A.x[i], A.d1[i], A.d2[i]));
 ZORVS_BENCH(F_inv_zorvs, zorvs_d_F_inverse_cdf(A.p[i], A.d1[i], A.d2[i]));
+// The upper tail of an F ratio through the safe ratio of the argument checks.
+static double F_upper(double f, double d1, double d2) {
+    double ratio, p;
+    zorvs_dc1f(f, 1, d1, d2, &ratio, &p);
+    return p;
+}
+ZORVS_BENCH(F_upper_zorvs, F_upper(A.x[i], A.d1[i], A.d2[i]));
 
 #ifdef ZORVS_HAVE_RMATH
 ZORVS_BENCH(gamma_cdf_R, pgamma(A.x[i] * 2, A.d1[i], 1.0, 1, 0));
@@ -76,6 +83,7 @@ ZORVS_BENCH(t_cdf_R, pt(A.x[i] - 3, A.d1[i], 1, 0));
 ZORVS_BENCH(t_inv_R, qt(A.p[i], A.d1[i], 1, 0));
 ZORVS_BENCH(F_cdf_R, pf(A.x[i], A.d1[i], A.d2[i], 1, 0));
 ZORVS_BENCH(F_inv_R, qf(A.p[i], A.d1[i], A.d2[i], 1, 0));
+ZORVS_BENCH(F_upper_R, pf(A.x[i], A.d1[i], A.d2[i], 0, 0));
 #endif
 
 #ifdef ZORVS_HAVE_GSL
@@ -88,4 +96,5 @@ ZORVS_BENCH(t_cdf_gsl, gsl_cdf_tdist_P(A.x[i] - 3, A.d1[i]));
 ZORVS_BENCH(t_inv_gsl, gsl_cdf_tdist_Pinv(A.p[i], A.d1[i]));
 ZORVS_BENCH(F_cdf_gsl, gsl_cdf_fdist_P(A.x[i], A.d1[i], A.d2[i]));
 ZORVS_BENCH(F_inv_gsl, gsl_cdf_fdist_Pinv(A.p[i], A.d1[i], A.d2[i]));
+ZORVS_BENCH(F_upper_gsl, gsl_cdf_fdist_Q(A.x[i], A.d1[i], A.d2[i]));
 #endif
