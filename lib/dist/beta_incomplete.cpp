@@ -25,8 +25,12 @@
 // B(p, q) follows from B(ps, p) by q = ps + m and
 //   B(p, ps + m) = B(p, ps) prod_{k<m} (ps + k) / (p + ps + k)
 // for a short product, so that one logarithm of the beta function serves
-// both sums; with ps = 1 the first sum is the single term y^p, and for a
-// whole p the logarithm itself is a short product.
+// both sums; with ps = 1 the first sum is the single term y^p.  Where B(ps,
+// pf) for the fractional part pf of p has a closed form (1/ps for a whole
+// p, pi / sin(pi ps) for ps + pf = 1), log B(ps, p) is a short product too.
+// The infinite series ends once the rest, below the last term times
+// y/(1 - y), is negligible; the finite sum likewise once the bound of its
+// falling ratios makes the rest negligible.
 #include "dist/beta_incomplete.hpp"
 
 #include <algorithm>
