@@ -15,6 +15,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "frame/error_stack.hpp"
 #include "frame/frame.hpp"
 #include "frame/services.h"
 #include "zorvstat.h"
@@ -24,45 +25,34 @@ struct zorvs_error_param_t zorvs_error_param;
 int zorvs_error_n1rty[2];
 }
 
+// Constant-initialised, so that it is ready before any constructor runs.
+zorvs::ErrorStack zorvs::error_stack = {
+    {{0, 1, 0, "USER"}}, &zorvs::error_stack.frames[0], {0, 0}, nullptr, 0, nullptr};
+
 namespace {
 
 using PrintProc = void (*)(int type, int code, const char *routine, const char *message);
-using Observer = void (*)(int type, int code, const char *message);
 
-struct ErrorFrame {
-    unsigned char type;  // type of the last message here, or the highest passed up
-    unsigned char user;  // 1 if routines called from this frame are called from user code
-    int code;            // code that goes with type
-    const char *name;    // routine name, kept by pointer
-};
+using zorvs::ErrorFrame;
 
 void l_error_print(int type, int code, const char *routine, const char *message);
 
-// All mutable state of the error system.  The frame array has one spare
-// frame above the 200 so that the overflow raise writes inside the array.
+// The rest of the mutable state of the error system; the frames, the top,
+// the codes and the message buffer are in zorvs::error_stack.
 struct ErrorState {
-    ErrorFrame stack[ZORVS_STACK_FRAMES + 1];
-    ErrorFrame *top = &stack[0];
-    int error_n1rcd[2] = {0, 0};
-    char *message = nullptr;        // deferred message buffer
-    std::size_t end_message = 0;    // length of the text in it
     std::size_t max_message_len = 256;
     int error_init = 0;
     PrintProc error_print = l_error_print;
-    Observer at_checksum = nullptr;
     int full_traceback = 0;
     unsigned char print_status[9] = {0, 0, 0, 1, 1, 1, 1, 1, 1};
     unsigned char stop_status[9] = {0, 0, 0, 0, 1, 1, 0, 0, 1};
     unsigned char trace_status[9] = {0, 0, 0, 0, 0, 0, 0, 0, 1};
     char *owned_path = nullptr;  // copies made by zorvs_error_options
     char *owned_name = nullptr;
-
-    ErrorState() {
-        stack[0] = ErrorFrame{0, 1, 0, "USER"};
-    }
 };
 
 ErrorState lv_error;
+constexpr zorvs::ErrorStack &lv_stack = zorvs::error_stack;
 
 constexpr unsigned char lv_immead_status[9] = {0, 0, 0, 0, 0, 1, 1, 1, 1};
 constexpr const char *lv_type_name[9] = {
@@ -73,19 +63,19 @@ constexpr const char lv_filler[] = "***         ";
 constexpr int lv_filler_len = 12;
 constexpr int lv_line_limit = 78;
 
-ErrorFrame *base() { return &lv_error.stack[0]; }
+ErrorFrame *base() { return &lv_stack.frames[0]; }
 
 void empty_message() {
-    lv_error.end_message = 0;
-    if (lv_error.message) lv_error.message[0] = '\0';
+    lv_stack.end_message = 0;
+    if (lv_stack.message) lv_stack.message[0] = '\0';
 }
 
-const char *message_text() { return lv_error.message ? lv_error.message : ""; }
+const char *message_text() { return lv_stack.message ? lv_stack.message : ""; }
 
 void initialise() {
     zorvs_signal();
-    lv_error.message = static_cast<char *>(std::malloc(lv_error.max_message_len));
-    if (lv_error.message) lv_error.message[0] = '\0';
+    lv_stack.message = static_cast<char *>(std::malloc(lv_error.max_message_len));
+    if (lv_stack.message) lv_stack.message[0] = '\0';
     zorvs_error_param.path = nullptr;
     zorvs_error_param.name = nullptr;
     lv_error.error_init = 1;
@@ -106,7 +96,7 @@ void print_traceback() {
                  "  Error Type        Error Code              Routine",
                  "  ----------        ----------              -------");
     const ErrorFrame *err = nullptr;
-    for (ErrorFrame *f = lv_error.top; f >= base(); --f) {
+    for (ErrorFrame *f = lv_stack.top; f >= base(); --f) {
         if (f->type != 0) err = f;
         if (f != base() && (f - 1)->user == 0 && lv_error.full_traceback == 0) continue;
         const char *name = f->name ? f->name : "";
@@ -123,32 +113,32 @@ void print_traceback() {
 // Print a message through the print procedure, then the traceback if the
 // trace table asks for it.
 void print_message(int type, int code, const char *text) {
-    lv_error.error_print(type, code, lv_error.top->name, text);
+    lv_error.error_print(type, code, lv_stack.top->name, text);
     if (lv_error.trace_status[type]) print_traceback();
 }
 
 [[noreturn]] void out_of_memory() {
     static char fixed[] = "Out of memory in error handler.";
     print_message(8, 200, fixed);
-    std::exit(lv_error.top->type);
+    std::exit(lv_stack.top->type);
 }
 
 // Make sure at least `room` bytes are free behind the write position.
 void reserve(std::size_t room) {
-    while (lv_error.max_message_len - lv_error.end_message < room) {
+    while (lv_error.max_message_len - lv_stack.end_message < room) {
         std::size_t len = lv_error.max_message_len * 2;
-        char *p = static_cast<char *>(std::realloc(lv_error.message, len));
+        char *p = static_cast<char *>(std::realloc(lv_stack.message, len));
         if (!p) out_of_memory();
-        lv_error.message = p;
+        lv_stack.message = p;
         lv_error.max_message_len = len;
     }
 }
 
 void append(const char *s, std::size_t n) {
     reserve(n + 1);
-    std::memcpy(lv_error.message + lv_error.end_message, s, n);
-    lv_error.end_message += n;
-    lv_error.message[lv_error.end_message] = '\0';
+    std::memcpy(lv_stack.message + lv_stack.end_message, s, n);
+    lv_stack.end_message += n;
+    lv_stack.message[lv_stack.end_message] = '\0';
 }
 
 enum class SlotKind { integer, real, string, other };
@@ -211,7 +201,7 @@ void expand_slot(char letter, int digit, const char *fmt, char *out, std::size_t
 // Copy the template into the message buffer, expanding %(xN), %(xN%fmt) and %/.
 void l_parse_message(const char *text) {
     empty_message();
-    if (!lv_error.message) out_of_memory();
+    if (!lv_stack.message) out_of_memory();
     char temp[512];
     char fmt[128];
     const char *p = text;
@@ -257,9 +247,9 @@ void l_parse_message(const char *text) {
 // set and takes the frame directly above it.
 void l_error_print(int type, int code, const char * /*routine*/, const char *message) {
     if (!message || !*message) return;
-    ErrorFrame *f = lv_error.top;
+    ErrorFrame *f = lv_stack.top;
     while (f > base() && !f->user) --f;
-    const char *routine = (f == lv_error.top) ? lv_error.top->name : (f + 1)->name;
+    const char *routine = (f == lv_stack.top) ? lv_stack.top->name : (f + 1)->name;
     if (!routine) routine = "";
     if (type < 0 || type > 8) type = 8;
 
@@ -336,9 +326,9 @@ void l_error_print(int type, int code, const char * /*routine*/, const char *mes
 
 // Release of messages at the return to user level.
 void release() {
-    ErrorFrame *t = lv_error.top;
+    ErrorFrame *t = lv_stack.top;
     const char *text = message_text();
-    if (lv_error.at_checksum) lv_error.at_checksum(t->type, t->code, text);
+    if (lv_stack.at_checksum) lv_stack.at_checksum(t->type, t->code, text);
     if (*text && lv_error.print_status[t->type]) print_message(t->type, t->code, text);
     if (lv_error.stop_status[t->type]) std::exit(t->type);
 }
@@ -441,12 +431,12 @@ extern "C" {
 
 void zorvs_e1psh(const char *name) {
     if (!lv_error.error_init) initialise();
-    if (lv_error.top == base()) empty_message();
-    ++lv_error.top;
-    ErrorFrame *t = lv_error.top;
+    if (lv_stack.top == base()) empty_message();
+    ++lv_stack.top;
+    ErrorFrame *t = lv_stack.top;
     *t = ErrorFrame{0, 0, 0, name};
     zorvs_error_n1rty[0] = zorvs_error_n1rty[1] = 0;
-    lv_error.error_n1rcd[0] = lv_error.error_n1rcd[1] = 0;
+    lv_stack.n1rcd[0] = lv_stack.n1rcd[1] = 0;
     if (t - base() >= ZORVS_STACK_FRAMES) {
         zorvs_e1sti(1, ZORVS_STACK_FRAMES - 1);
         zorvs_ermes(8, 60000);
@@ -457,11 +447,11 @@ void zorvs_e1pop(const char *name) {
     if (!lv_error.error_init) initialise();
     if (zorvs_error_param.trapped) {
         zorvs_error_param.trapped = 0;
-        while (lv_error.top > base() &&
-               !(name && lv_error.top->name && std::strcmp(name, lv_error.top->name) == 0))
-            --lv_error.top;
+        while (lv_stack.top > base() &&
+               !(name && lv_stack.top->name && std::strcmp(name, lv_stack.top->name) == 0))
+            --lv_stack.top;
     }
-    ErrorFrame *t = lv_error.top;
+    ErrorFrame *t = lv_stack.top;
     bool same = t != base() && name &&
                 (t->name == name || (t->name && std::strcmp(t->name, name) == 0));
     if (!same) {
@@ -476,27 +466,27 @@ void zorvs_e1pop(const char *name) {
         below->type = t->type;
         below->code = t->code;
         zorvs_error_n1rty[0] = t->type;
-        lv_error.error_n1rcd[0] = t->code;
+        lv_stack.n1rcd[0] = t->code;
     } else {
         zorvs_error_n1rty[0] = 0;
-        lv_error.error_n1rcd[0] = 0;
+        lv_stack.n1rcd[0] = 0;
     }
     zorvs_error_n1rty[1] = t->type;
-    lv_error.error_n1rcd[1] = t->code;
-    lv_error.top = below;
+    lv_stack.n1rcd[1] = t->code;
+    lv_stack.top = below;
 }
 
 void zorvs_e1mes(int type, int code, const char *text) {
     if (!lv_error.error_init) initialise();
-    ErrorFrame *t = lv_error.top;
+    ErrorFrame *t = lv_stack.top;
     if (type < -1 || type > 8) {
         static const char form[] = "Error type must be -1,...,8, but type = %d.  Message = \"%s\"";
         const char *shown = text ? text : "";
         std::size_t need = sizeof form + 16 + std::strlen(shown);
         empty_message();
         reserve(need);
-        std::snprintf(lv_error.message, lv_error.max_message_len, form, type, shown);
-        print_message(8, 160, lv_error.message);
+        std::snprintf(lv_stack.message, lv_error.max_message_len, form, type, shown);
+        print_message(8, 160, lv_stack.message);
         std::exit(t->type);
     }
     if (type == -1 && code == -1) {
@@ -517,14 +507,14 @@ void zorvs_e1mes(int type, int code, const char *text) {
         else
             l_parse_message(text);
         if (lv_immead_status[type]) {
-            if (lv_error.at_checksum) lv_error.at_checksum(type, code, message_text());
+            if (lv_stack.at_checksum) lv_stack.at_checksum(type, code, message_text());
             if (lv_error.print_status[type]) print_message(type, code, message_text());
             empty_message();
         }
         if (t->type == 8) std::exit(8);
     }
     zorvs_error_n1rty[0] = t->type;
-    lv_error.error_n1rcd[0] = t->code;
+    lv_stack.n1rcd[0] = t->code;
 }
 
 void zorvs_e1sti(int n, int value) {
@@ -547,7 +537,7 @@ void zorvs_e1stl(int n, const char *s) {
 void zorvs_e1usr(const char *state) {
     if (!lv_error.error_init) initialise();
     bool on = state && state[0] && (state[1] == 'N' || state[1] == 'n');
-    lv_error.top->user = on ? 1 : 0;
+    lv_stack.top->user = on ? 1 : 0;
 }
 
 void zorvs_e1pos(int type, int *print, int *stop) {
@@ -586,13 +576,13 @@ static int checked_level(int level) {
 
 int zorvs_n1rty(int level) { return zorvs_error_n1rty[checked_level(level)]; }
 
-int zorvs_n1rcd(int level) { return lv_error.error_n1rcd[checked_level(level)]; }
+int zorvs_n1rcd(int level) { return lv_stack.n1rcd[checked_level(level)]; }
 
-int zorvs_error_type(void) { return lv_error.top->type; }
+int zorvs_error_type(void) { return lv_stack.top->type; }
 
-int zorvs_error_code(void) { return lv_error.error_n1rcd[1]; }
+int zorvs_error_code(void) { return lv_stack.n1rcd[1]; }
 
-void zorvs_set_at_checksum(void (*f)(int, int, const char *)) { lv_error.at_checksum = f; }
+void zorvs_set_at_checksum(void (*f)(int, int, const char *)) { lv_stack.at_checksum = f; }
 
 void zorvs_error_options(int keyword, ...) {
     va_list list;

@@ -36,6 +36,7 @@
 #include <cstdlib>
 #include <type_traits>
 
+#include "frame/error_stack.hpp"
 #include "frame/services.h"
 
 namespace zorvs {
@@ -131,12 +132,13 @@ void keyword_routine(const char *name, Body &&body) {
     zorvs_e1pop(name);
 }
 
-// Value routine: push, compute, pop; no bracket.
+// Value routine: push, compute, pop; no bracket.  The plain push and pop
+// are done in line (error_stack.hpp).
 template <class Body>
 auto value_routine(const char *name, Body &&body) {
-    zorvs_e1psh(name);
+    push_value_frame(name);
     auto value = body();
-    zorvs_e1pop(name);
+    pop_value_frame(name);
     return value;
 }
 
