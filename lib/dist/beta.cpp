@@ -40,6 +40,9 @@ BetaBounds<T> lv_beta_bounds{};
 
 template <class T>
 constexpr int alnrel_terms = std::is_same_v<T, float> ? 23 : 43;
+// The length the first use finds over those terms for eta = 0.1 u.
+template <class T>
+constexpr int alnrcs_expected = expected_terms(lv_alnrcs<T>, 0.1, alnrel_terms<T>);
 
 template <class T>
 T alnrel_value(T x, AlnrelBounds<T> &bounds) {
@@ -53,7 +56,8 @@ T alnrel_value(T x, AlnrelBounds<T> &bounds) {
     }
     T value;
     if (std::fabs(x) <= T(0.375))
-        value = x * (1 - x * clenshaw(x / T(0.375), lv_alnrcs<T>.c, bounds.nlnrel));
+        value = x * (1 - x * clenshaw_expecting<alnrcs_expected<T>>(x / T(0.375), lv_alnrcs<T>.c,
+                                                                    bounds.nlnrel));
     else
         value = std::log(1 + x);
     if (x < bounds.xrel) raise(3, 9040, x, bounds.xrel);

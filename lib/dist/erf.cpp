@@ -9,37 +9,6 @@
 #include "dist/special_detail.hpp"
 
 namespace zorvs::special {
-namespace {
-
-template <class T>
-constexpr auto lv_erfcs = rounded<T>(erfcs_data);
-template <class T>
-constexpr auto lv_erc2cs = rounded<T>(erc2cs_data);
-template <class T>
-constexpr auto lv_erfccs = rounded<T>(erfccs_data);
-
-constexpr double sqrtpi = 1.7724538509055161;
-
-// First-use bounds of erf; nterf = 0 means not yet worked out.
-template <class T>
-struct ErfBounds {
-    int nterf;
-    T xbig;   // above it erf is +-1 to working precision
-    T sqeps;  // below it erf is 2x/sqrt(pi)
-};
-template <class T>
-ErfBounds<T> lv_erf_bounds{};
-
-// First-use bounds of erfc.
-template <class T>
-struct ErfcBounds {
-    int nterf, nterfc, nterc2;
-    T xsml;   // below it erfc is 2
-    T xmax;   // above it erfc underflows
-    T sqeps;
-};
-template <class T>
-ErfcBounds<T> lv_erfc_bounds{};
 
 template <class T>
 void erfc_first_use() {
@@ -56,36 +25,20 @@ void erfc_first_use() {
     c.nterf = initds_checked(lv_erfcs<T>.c, 21, eta);
 }
 
-}  // namespace
-
-template <class T>
-T erfc_core(T x, bool *underflow) {
-    erfc_first_use<T>();
-    const ErfcBounds<T> &c = lv_erfc_bounds<T>;
-    *underflow = false;
-    if (x <= c.xsml) return 2;
-    if (x > c.xmax) {
-        *underflow = true;
-        return 0;
-    }
-    T y = std::fabs(x);
-    if (y <= 1) {
-        if (y < c.sqeps) return 1 - 2 * x / T(sqrtpi);
-        return 1 - x * (1 + clenshaw(2 * x * x - 1, lv_erfcs<T>.c, c.nterf));
-    }
-    const T z = y * y;
-    T value;
-    if (z <= 4)
-        value = std::exp(-z) / y * (T(0.5) + clenshaw((8 / z - 5) / 3, lv_erc2cs<T>.c, c.nterc2));
-    else
-        value = std::exp(-z) / y * (T(0.5) + clenshaw(8 / z - 1, lv_erfccs<T>.c, c.nterfc));
-    return x < 0 ? 2 - value : value;
-}
-
-template float erfc_core<float>(float, bool *);
-template double erfc_core<double>(double, bool *);
+template void erfc_first_use<float>();
+template void erfc_first_use<double>();
 
 namespace {
+
+// First-use bounds of erf; nterf = 0 means not yet worked out.
+template <class T>
+struct ErfBounds {
+    int nterf;
+    T xbig;   // above it erf is +-1 to working precision
+    T sqeps;  // below it erf is 2x/sqrt(pi)
+};
+template <class T>
+ErfBounds<T> lv_erf_bounds{};
 
 template <class T>
 T l_erf(T x) {
@@ -99,7 +52,7 @@ T l_erf(T x) {
     const T y = std::fabs(x);
     if (y <= 1) {
         if (y <= e.sqeps) return 2 * x / T(sqrtpi);
-        return x * (1 + clenshaw(2 * x * x - 1, lv_erfcs<T>.c, e.nterf));
+        return x * (1 + clenshaw_expecting<erfcs_terms<T>>(2 * x * x - 1, lv_erfcs<T>.c, e.nterf));
     }
     if (y <= e.xbig) {
         bool underflow = false;

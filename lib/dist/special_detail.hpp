@@ -6,6 +6,8 @@
 #define ZORVS_DIST_SPECIAL_DETAIL_HPP
 
 #include <cmath>
+#include <cstddef>
+#include <limits>
 #include <type_traits>
 
 #include "dist/special.h"
@@ -61,6 +63,52 @@ inline T clenshaw(T x, const T *cs, int n) {
     return T(0.5) * (b0 - b2);
 }
 
+// The same sum with the length n known at compile time, written out.  The
+// first two steps start from b1 = b2 = 0, where 2x*0 - 0 + c is c and
+// 2x*c - 0 + c' is 2x*c + c' exactly for finite x, so they are taken without
+// the zero terms; the other steps are those of clenshaw(), operation for
+// operation, so the sum is the same to the last bit.  Callers pass |x| <= 1.
+template <int N, class T>
+[[gnu::always_inline]] inline T clenshaw_unrolled(T x, const T *cs) {
+    static_assert(N >= 2);
+    const T twox = 2 * x;
+    T b2 = 0;
+    T b1 = cs[N - 1];
+    T b0 = twox * b1 + cs[N - 2];
+#pragma GCC unroll 64
+    for (int i = N - 3; i >= 0; --i) {
+        b2 = b1;
+        b1 = b0;
+        b0 = twox * b1 - b2 + cs[i];
+    }
+    return T(0.5) * (b0 - b2);
+}
+
+// The series length that the first-use rule (initds_checked below) finds
+// over the first nos terms for eta = scale * u in the twin's IEEE format,
+// worked out at compile time.
+// The first use still works the length out from the machine constants; the
+// hot path compares it with this one and takes the written-out sum when
+// they agree, the loop otherwise.
+template <class T, std::size_t N>
+constexpr int expected_terms(const SeriesTable<T, N> &table, double scale, int nos = static_cast<int>(N)) {
+    const float eta = static_cast<float>(T(scale) * (std::numeric_limits<T>::epsilon() / 2));
+    float err = 0;
+    int i = nos;
+    for (; i >= 1; --i) {
+        const float a = static_cast<float>(table.c[i - 1]);
+        err += a < 0 ? -a : a;
+        if (err > eta) break;
+    }
+    return i < 1 ? 1 : i;
+}
+
+template <int Expected, class T>
+inline T clenshaw_expecting(T x, const T *cs, int n) {
+    if (n == Expected) [[likely]] return clenshaw_unrolled<Expected>(x, cs);
+    return clenshaw(x, cs, n);
+}
+
 // Checked sum, raising (5, 9001), (5, 9002) and (3, 9003) in the caller's frame.
 template <class T>
 T csevl_checked(T x, const T *cs, int n) {
@@ -101,17 +149,78 @@ int initds_checked(const T *cs, int nos, float eta) {
 }
 
 // Cores shared across files, no push of their own (errors land in the
-// caller's frame).  Defined in gamma.cpp and erf.cpp.
+// caller's frame).  Defined in gamma.cpp.
 template <class T>
 T gamma_core(T x);
 template <class T>
 T r9lgmc_core(T x);
 template <class T>
 void gamma_limits(T *xmin, T *xmax);
+
+// The complementary error function (FNLIB erfc), in line here because the
+// normal distribution function is built on it; erf.cpp holds the rest.
+// |x| <= 1: 1 - x (1 + c(2x^2 - 1)) with the series erfcs.  |x| > 1:
+// exp(-x^2)/|x| (0.5 + c(t)) with erc2cs on 1 < x^2 <= 4, t = (8/x^2 - 5)/3,
+// and erfccs on x^2 > 4, t = 8/x^2 - 1; for x < 0, 2 minus that.
+template <class T>
+constexpr auto lv_erfcs = rounded<T>(erfcs_data);
+template <class T>
+constexpr auto lv_erc2cs = rounded<T>(erc2cs_data);
+template <class T>
+constexpr auto lv_erfccs = rounded<T>(erfccs_data);
+
+// Series lengths for eta = 0.1 u in each twin's format.
+template <class T>
+constexpr int erfcs_terms = expected_terms(lv_erfcs<T>, 0.1);
+template <class T>
+constexpr int erc2cs_terms = expected_terms(lv_erc2cs<T>, 0.1);
+template <class T>
+constexpr int erfccs_terms = expected_terms(lv_erfccs<T>, 0.1);
+
+inline constexpr double sqrtpi = 1.7724538509055161;
+
+// First-use bounds of erfc; nterf = 0 means not yet worked out.
+template <class T>
+struct ErfcBounds {
+    int nterf, nterfc, nterc2;
+    T xsml;   // below it erfc is 2
+    T xmax;   // above it erfc underflows
+    T sqeps;
+};
+template <class T>
+inline ErfcBounds<T> lv_erfc_bounds{};
+
+// Fills lv_erfc_bounds<T>; in erf.cpp.
+template <class T>
+void erfc_first_use();
+
 // erfc; *underflow is set when the result underflowed to 0 (x > xmax),
 // and nothing is raised then: the caller decides.
 template <class T>
-T erfc_core(T x, bool *underflow);
+inline T erfc_core(T x, bool *underflow) {
+    if (lv_erfc_bounds<T>.nterf == 0) [[unlikely]] erfc_first_use<T>();
+    const ErfcBounds<T> &c = lv_erfc_bounds<T>;
+    *underflow = false;
+    if (x <= c.xsml) return 2;
+    if (x > c.xmax) {
+        *underflow = true;
+        return 0;
+    }
+    const T y = std::fabs(x);
+    if (y <= 1) {
+        if (y < c.sqeps) return 1 - 2 * x / T(sqrtpi);
+        return 1 - x * (1 + clenshaw_expecting<erfcs_terms<T>>(2 * x * x - 1, lv_erfcs<T>.c, c.nterf));
+    }
+    const T z = y * y;
+    T value;
+    if (z <= 4)
+        value = std::exp(-z) / y *
+                (T(0.5) + clenshaw_expecting<erc2cs_terms<T>>((8 / z - 5) / 3, lv_erc2cs<T>.c, c.nterc2));
+    else
+        value = std::exp(-z) / y *
+                (T(0.5) + clenshaw_expecting<erfccs_terms<T>>(8 / z - 1, lv_erfccs<T>.c, c.nterfc));
+    return x < 0 ? 2 - value : value;
+}
 
 // The standard normal distribution function, no push, no message.
 template <class T>
