@@ -26,7 +26,7 @@
 // shapes does in practice, but an infinite shape above 1 does) ends the
 // routine with (5, 11035); it and the later results stay missing.
 #include <cmath>
-#include <limits>
+#include <cstddef>
 
 #include "frame/checks.h"
 #include "frame/frame.hpp"
