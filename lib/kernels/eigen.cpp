@@ -45,6 +45,8 @@ inline T &el(T *v, int ld, int row, int col) {  // from 0
     return v[static_cast<std::size_t>(col) * ld + row];
 }
 
+inline void rot(int n, float *x, float *y, float c, float s) { zorvs_srot(n, x, 1, y, 1, c, s); }
+inline void rot(int n, double *x, double *y, double c, double s) { zorvs_drot(n, x, 1, y, 1, c, s); }
 inline void ger(int m, int n, float alpha, const float *x, const float *y, float *a, int lda) {
     zorvs_sger(m, n, alpha, x, 1, y, 1, a, lda);
 }
@@ -259,13 +261,8 @@ bool l_e4csf(int first, int last, T *d, T *e, int nv, T *v, int ld, int limit) {
                 p = s * r;
                 d[i + 1] = g + p;
                 g = c * r - b;
-                T *x = &el(v, ld, 0, i);
-                T *y = &el(v, ld, 0, i + 1);
-                for (int k = 0; k < nv; ++k) {
-                    f = y[k];
-                    y[k] = s * x[k] + c * f;
-                    x[k] = c * x[k] - s * f;
-                }
+                // Column i+1 := c col(i+1) + s col(i), column i := c col(i) - s col(i+1).
+                rot(nv, &el(v, ld, 0, i + 1), &el(v, ld, 0, i), c, s);
             }
             if (r == T(0) && i >= l) continue;
             d[l] -= p;
