@@ -29,7 +29,9 @@ void zorvs_dgirts(const int *n, const double r[], const int *ldr, const int *nb,
                   const int *ldb, const int *ipath, int *irank, double x[], const int *ldx, double rinv[],
                   const int *ldrinv);
 
-/* One sweep on row krow of the symmetric matrix a (upper triangle). */
+/* One sweep on row krow of the symmetric matrix a (upper triangle).  With S the swept rows (isw = -1) and T
+ * the others, a holds inverse(A_SS), inverse(A_SS) A_ST and A_TT - A_TS inverse(A_SS) A_ST: sweeping every
+ * row gives the inverse, and sweeping a row again restores it. */
 void zorvs_gswep(const int *krow, const int *n, float a[], const int *lda, const int *irev, const float *tol,
                  const float d[], float isw[]);
 void zorvs_dgswep(const int *krow, const int *n, double a[], const int *lda, const int *irev, const double *tol,
