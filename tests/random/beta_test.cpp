@@ -297,6 +297,8 @@ TEST(RandomBeta, ThousandRejectedRoundsEndTheRoutine) {
 TEST(RandomBeta, BadShapesStopByDefault) {
     EXPECT_EXIT(zorvs_d_random_beta(3, -1.0, 2.0, 0), ::testing::ExitedWithCode(5), "11033|zorvs_d_random_beta");
     EXPECT_EXIT(zorvs_f_random_beta(3, 1.0f, 0.0f, 0), ::testing::ExitedWithCode(5), "11034|zorvs_f_random_beta");
+    EXPECT_EXIT(zorvs_d_random_beta(2, std::numeric_limits<double>::infinity(), 2.0, 0),
+                ::testing::ExitedWithCode(5), "Deviate 1 of the beta");
 }
 
 }  // namespace
