@@ -184,6 +184,10 @@ for df in [0.5, 1, 2, 3, 5.5, 10, 19, 20, 21, 25, 26, 40.5, 64, 65, 66, 100, 200
 # with a non-integer h (the largest errors of a sweep of df by 0.5).
 for c, df in [(26, 51.5), (26.75, 53.5), (30.5, 61), (32.25, 64.5)]:
     add("chi_squared_cdf", chi, [c, df], br_chi(c, df))
+# Wilson-Hilferty just above its lower-tail band, z = -1.99, at the smallest
+# df it serves: the largest error of a sweep over df and z in [-2, 5].
+for c, df in [(44.75, 65.5), (45.125, 66)]:
+    add("chi_squared_cdf", chi, [c, df], br_chi(c, df))
 
 # Incomplete beta: x against 0.2 and 0.8, a against b, small and large shapes.
 shapes = [0.3, 1, 2.5, 30.5]
