@@ -31,6 +31,7 @@
 #include "frame/checks.h"
 #include "frame/frame.hpp"
 #include "random/random.h"
+#include "random/stream.hpp"
 #include "zorvstat.h"
 
 namespace {
@@ -49,11 +50,9 @@ void uniforms(int n, T r[]) {
 
 // Two uniforms of the twin's stream, widened.
 template <class T>
-void uniform_pair(double &u, double &v) {
-    T pair[2];
-    uniforms<T>(2, pair);
-    u = pair[0];
-    v = pair[1];
+void uniform_pair(zorvs::UniformSource<T> &src, double &u, double &v) {
+    u = src.next();
+    v = src.next();
 }
 
 // log(exp(a) + exp(b)) without overflow or underflow.
@@ -64,12 +63,12 @@ inline double log_sum(double a, double b) {
 
 // Johnk's method for pin, qin below 1.  Returns false after max_rounds.
 template <class T>
-bool johnk(double p, double q, double &x) {
+bool johnk(zorvs::UniformSource<T> &src, double p, double q, double &x) {
     const double rp = 1.0 / p, rq = 1.0 / q;
     const bool in_logs = rp > 4.0 && rq > 4.0;
     for (int round = 0; round < max_rounds; ++round) {
         double u, v;
-        uniform_pair<T>(u, v);
+        uniform_pair<T>(src, u, v);
         if (in_logs) {
             const double lx = rp * std::log(u), ly = rq * std::log(v);
             const double ls = log_sum(lx, ly);
@@ -113,10 +112,10 @@ Switching switching_setup(double a, double b) {
 // One Beta(a, b) deviate as x and 1 - x, each formed where it is small, so
 // that the mirrored Beta(b, a) keeps its digits near 0.
 template <class T>
-bool switching(const Switching &s, double &x, double &x_complement) {
+bool switching(zorvs::UniformSource<T> &src, const Switching &s, double &x, double &x_complement) {
     for (int round = 0; round < max_rounds; ++round) {
         double u, v;
-        uniform_pair<T>(u, v);
+        uniform_pair<T>(src, u, v);
         if (u <= s.r) {
             // x^(a-1) on (0, t), accepted with (1 - x)^(b-1).
             const double y = s.t * std::pow(u / s.r, s.ra);
@@ -158,11 +157,11 @@ ChengBB cheng_setup(double a, double b) {
 
 // One deviate W/(b + W), the Beta(a, b) variate, and b/(b + W) its mirror.
 template <class T>
-bool cheng(const ChengBB &c, double &w_out) {
+bool cheng(zorvs::UniformSource<T> &src, const ChengBB &c, double &w_out) {
     const double log4 = 1.386294, one_log5 = 2.609438;
     for (int round = 0; round < max_rounds; ++round) {
         double u1, u2;
-        uniform_pair<T>(u1, u2);
+        uniform_pair<T>(src, u1, u2);
         const double v = c.beta * std::log(u1 / (1.0 - u1));
         const double w = c.a * std::exp(v);
         const double z = u1 * u1 * u2;
@@ -185,10 +184,12 @@ bool cheng(const ChengBB &c, double &w_out) {
     return false;
 }
 
-// Deviate `index` (from 0) was rejected max_rounds times: report it by its
-// number from 1 and leave it and the rest missing.
+// Deviate `index` (from 0) was rejected max_rounds times: give the stream
+// back, report the deviate by its number from 1 and leave it and the rest
+// missing.
 template <class T>
-void rejected(int index, int n, T r[]) {
+void rejected(const zorvs::UniformSource<T> &src, int index, int n, T r[]) {
+    zorvs::close_uniform_source(src);
     for (int i = index; i < n; ++i) r[i] = zorvs::missing<T>();
     zorvs_e1sti(1, index + 1);
     zorvs_ermes(5, 11035);
@@ -209,27 +210,31 @@ void l_rnbet(int n, T pin, T qin, T r[]) {
         }
         return;
     }
+    // The rejection methods read the stream through a local source.
     double x, xc;
+    zorvs::UniformSource<T> src;
+    zorvs::open_uniform_source(src);
     if (p < 1.0 && q < 1.0) {
         for (int i = 0; i < n; ++i) {
-            if (!johnk<T>(p, q, x)) return rejected(i, n, r);
+            if (!johnk<T>(src, p, q, x)) return rejected(src, i, n, r);
             r[i] = static_cast<T>(x);
         }
     } else if (p > 1.0 && q > 1.0) {
         const bool mirror = q < p;
         const ChengBB c = mirror ? cheng_setup(q, p) : cheng_setup(p, q);
         for (int i = 0; i < n; ++i) {
-            if (!cheng<T>(c, x)) return rejected(i, n, r);
+            if (!cheng<T>(src, c, x)) return rejected(src, i, n, r);
             r[i] = static_cast<T>(mirror ? c.b / (c.b + x) : x / (c.b + x));
         }
     } else {
         const bool mirror = q < p;
         const Switching s = mirror ? switching_setup(q, p) : switching_setup(p, q);
         for (int i = 0; i < n; ++i) {
-            if (!switching<T>(s, x, xc)) return rejected(i, n, r);
+            if (!switching<T>(src, s, x, xc)) return rejected(src, i, n, r);
             r[i] = static_cast<T>(mirror ? xc : x);
         }
     }
+    zorvs::close_uniform_source(src);
 }
 
 template <class T>

@@ -22,21 +22,12 @@
 #include "kernels/kernels.h"
 #include "kernels/linalg.h"
 #include "random/random.h"
+#include "random/stream.hpp"
 #include "zorvstat.h"
 
 namespace {
 
 template <class T> T *lv_normal_multivariate = nullptr;
-
-template <class T>
-double uniform() {
-    T u;
-    if constexpr (std::is_same_v<T, float>)
-        zorvs_f_r1uni(1, &u);
-    else
-        zorvs_d_r1uni(1, &u);
-    return u;
-}
 
 // Bounds of the method, set on first use.
 struct NormalBounds {
@@ -60,18 +51,22 @@ void l_rnnoa(std::size_t n, T r[]) {
         b.h = 2.45540748228412;  // xi^2/2
         b.ready = true;
     }
+    // The uniforms come one at a time, through a local source.
+    zorvs::UniformSource<T> src;
+    zorvs::open_uniform_source(src);
+    auto uniform = [&src]() -> double { return src.next(); };
     for (std::size_t i = 0; i < n; ++i) {
-        const double u = uniform<T>();
+        const double u = uniform();
         double x;
         if (u < 0.884070402298758) {
             // The central triangle.
-            const double v = uniform<T>();
+            const double v = uniform();
             x = b.xi * (1.13113163544418 * u + v - 1.0);
         } else if (u >= 0.973310954173898) {
             // The tail beyond xi.
             double t;
             for (;;) {
-                const double v = uniform<T>(), w = uniform<T>();
+                const double v = uniform(), w = uniform();
                 t = b.h - std::log(w);
                 if (v * v * t <= b.h) break;
             }
@@ -81,7 +76,7 @@ void l_rnnoa(std::size_t n, T r[]) {
             // Three wedges, by the first uniform.
             double t, z;
             for (;;) {
-                const double v = uniform<T>(), w = uniform<T>();
+                const double v = uniform(), w = uniform();
                 z = v - w;
                 const double m = v < w ? v : w, top = v < w ? w : v;
                 double slope;
@@ -105,6 +100,7 @@ void l_rnnoa(std::size_t n, T r[]) {
         }
         r[i] = static_cast<T>(x);
     }
+    zorvs::close_uniform_source(src);
 }
 
 inline void check_r(int n, const float *r, int ldr, int *arg) { zorvs_c1r(n, r, ldr, arg); }
