@@ -82,13 +82,13 @@ T F_tail(T f, T df1, T df2, bool upper) {
     T x, cx;
     const T m = df1 * f;
     if (m >= df2) {
-        const T r = df2 / m;
-        x = r / (1 + r);
-        cx = 1 / (1 + r);
+        const T r = df2 / m, inv = 1 / (1 + r);
+        x = r * inv;
+        cx = inv;
     } else {
-        const T r = m / df2;
-        x = 1 / (1 + r);
-        cx = r / (1 + r);
+        const T r = m / df2, inv = 1 / (1 + r);
+        x = inv;
+        cx = r * inv;
     }
     return beta_ratio<T>(x, cx, T(0.5) * df2, T(0.5) * df1, !upper);
 }
