@@ -1,0 +1,37 @@
+// fresh_state_test.cpp - under CTest every test runs in its own process and
+// so starts from the library's initial state.  When the whole test program
+// runs in one process instead (a plain ./zorvs_tests), this listener gives
+// each test the same start: no error on record, write options at their
+// defaults, and the page size the process started with.
+#include <gtest/gtest.h>
+
+#include "frame/services.h"
+#include "zorvstat.h"
+
+namespace {
+
+class FreshState : public ::testing::EmptyTestEventListener {
+public:
+    FreshState() {
+        zorvs_page(1, &width_);
+        zorvs_page(2, &length_);
+    }
+    void OnTestStart(const ::testing::TestInfo &) override {
+        zorvs_e1mes(0, 0, nullptr);
+        int unused = 0;
+        zorvs_write_options(0, &unused);
+        int w = width_, l = length_;
+        zorvs_page(-1, &w);
+        zorvs_page(-2, &l);
+    }
+
+private:
+    int width_ = 0, length_ = 0;
+};
+
+const bool registered = [] {
+    ::testing::UnitTest::GetInstance()->listeners().Append(new FreshState);
+    return true;
+}();
+
+}  // namespace
