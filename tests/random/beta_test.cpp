@@ -16,12 +16,13 @@
 
 #include "data/random/sequences.hpp"
 #include "frame/frame.hpp"
+#include "random/fit.hpp"
 #include "support/capture.hpp"
 #include "zorvstat.h"
 
 namespace {
 
-constexpr int kDraws = 1000000;
+using namespace zorvs_fit;
 
 struct Moments {
     double p, q, mean, var, mu4;
@@ -35,11 +36,6 @@ const Moments &moments_of(double p, double q) {
         if (m.p == p && m.q == q) return m;
     ADD_FAILURE() << "no reference moments for " << p << ", " << q;
     return kMoments[0];
-}
-
-void start(int seed) {
-    zorvs_random_option(1);
-    zorvs_random_seed_set(seed);
 }
 
 // Chi-squared p-value of a sample over classes of about equal probability:
@@ -76,25 +72,7 @@ double chi2_p(const T *x, int n, double p, double q) {
 
 template <class T>
 void check_moments(const T *x, int n, const Moments &m) {
-    double s = 0;
-    for (int i = 0; i < n; ++i) s += x[i];
-    const double mean = s / n;
-    double ss = 0;
-    for (int i = 0; i < n; ++i) ss += (x[i] - mean) * (x[i] - mean);
-    const double var = ss / (n - 1);
-    EXPECT_LE(std::fabs(mean - m.mean), 4 * std::sqrt(m.var / n)) << "mean " << mean;
-    EXPECT_LE(std::fabs(var - m.var), 4 * std::sqrt((m.mu4 - m.var * m.var) / n)) << "variance " << var;
-}
-
-// The uniforms of generator 1 from seed 1, from exact integer arithmetic.
-double u_ref(int k) { return static_cast<double>(random_ref::plain1_seed1[k]) / random_ref::divisor; }
-
-// How many uniforms have been drawn since seed 1 (up to 200).
-int drawn_since_seed_1() {
-    const int64_t s = zorvs_random_seed_get();
-    for (int k = 0; k < 200; ++k)
-        if (random_ref::plain1_seed1[k] == s) return k + 1;
-    return -1;
+    zorvs_fit::check_moments(x, n, m.mean, m.var, m.mu4);
 }
 
 TEST(RandomBeta, InversionTakesOneUniformEach) {

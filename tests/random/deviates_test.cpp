@@ -11,51 +11,13 @@
 #include <vector>
 
 #include "frame/frame.hpp"
+#include "random/fit.hpp"
 #include "support/capture.hpp"
 #include "zorvstat.h"
 
 namespace {
 
-constexpr int kDraws = 1000000;
-
-void start(int seed) {
-    zorvs_random_option(1);
-    zorvs_random_seed_set(seed);
-}
-
-// Asymptotic Kolmogorov p-value of sqrt(n)*D.
-double kolmogorov_p(double d, int n) {
-    const double x = (std::sqrt(static_cast<double>(n)) + 0.12 + 0.11 / std::sqrt(static_cast<double>(n))) * d;
-    double s = 0;
-    for (int k = 1; k <= 100; ++k) s += 2 * ((k % 2) ? 1 : -1) * std::exp(-2.0 * k * k * x * x);
-    return std::min(1.0, std::max(0.0, s));
-}
-
-template <class T, class Cdf>
-double ks_p(const T *x, int n, Cdf cdf) {
-    std::vector<double> v(x, x + n);
-    std::sort(v.begin(), v.end());
-    double d = 0;
-    for (int i = 0; i < n; ++i) {
-        const double f = cdf(v[i]);
-        d = std::max({d, f - static_cast<double>(i) / n, static_cast<double>(i + 1) / n - f});
-    }
-    return kolmogorov_p(d, n);
-}
-
-// Mean and variance within 4 standard errors of the true ones; mu4 is the
-// fourth central moment.
-template <class T>
-void check_moments(const T *x, int n, double mean, double var, double mu4) {
-    double s = 0;
-    for (int i = 0; i < n; ++i) s += x[i];
-    const double m = s / n;
-    double ss = 0;
-    for (int i = 0; i < n; ++i) ss += (x[i] - m) * (x[i] - m);
-    const double v = ss / (n - 1);
-    EXPECT_LE(std::fabs(m - mean), 4 * std::sqrt(var / n)) << "mean " << m;
-    EXPECT_LE(std::fabs(v - var), 4 * std::sqrt((mu4 - var * var) / n)) << "variance " << v;
-}
+using namespace zorvs_fit;
 
 TEST(RandomDeviates, NormalAndExponentialUseOneUniformEach) {
     start(1);

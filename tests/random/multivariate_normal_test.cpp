@@ -15,36 +15,17 @@
 
 #include "data/random/sequences.hpp"
 #include "frame/frame.hpp"
+#include "random/fit.hpp"
 #include "support/capture.hpp"
 #include "zorvstat.h"
 
 namespace {
 
-constexpr int kDraws = 1000000;
-
-void start(int seed) {
-    zorvs_random_option(1);
-    zorvs_random_seed_set(seed);
-}
-
-double kolmogorov_p(double d, int n) {
-    const double rn = std::sqrt(static_cast<double>(n));
-    const double x = (rn + 0.12 + 0.11 / rn) * d;
-    double s = 0;
-    for (int k = 1; k <= 100; ++k) s += 2 * ((k % 2) ? 1 : -1) * std::exp(-2.0 * k * k * x * x);
-    return std::min(1.0, std::max(0.0, s));
-}
+using namespace zorvs_fit;
 
 template <class T>
 double normal_ks_p(const T *x, int n) {
-    std::vector<double> v(x, x + n);
-    std::sort(v.begin(), v.end());
-    double d = 0;
-    for (int i = 0; i < n; ++i) {
-        const double f = zorvs_d_normal_cdf(v[i]);
-        d = std::max({d, f - static_cast<double>(i) / n, static_cast<double>(i + 1) / n - f});
-    }
-    return kolmogorov_p(d, n);
+    return ks_p(x, n, [](double v) { return zorvs_d_normal_cdf(v); });
 }
 
 // Chi-squared p-value over 200 classes of equal normal probability: finer
@@ -61,15 +42,6 @@ double normal_chi2_p(const T *x, int n) {
     double chi2 = 0;
     for (double c : count) chi2 += (c - expected) * (c - expected) / expected;
     return 1 - zorvs_d_chi_squared_cdf(chi2, classes - 1);
-}
-
-double u_ref(int k) { return static_cast<double>(random_ref::plain1_seed1[k]) / random_ref::divisor; }
-
-int drawn_since_seed_1() {
-    const int64_t s = zorvs_random_seed_get();
-    for (int k = 0; k < 200; ++k)
-        if (random_ref::plain1_seed1[k] == s) return k + 1;
-    return -1;
 }
 
 // Kinderman and Ramage's central triangle: u below 0.884070402298758 gives

@@ -94,10 +94,11 @@ struct Summary {
 // and its running mean, with r = f*w over the new weight total, t = f*w*q,
 // q = 1 - r, c4 = 1 - 3*r*q and c3 = 1 - 2*r.  Each line uses the old values
 // of the sums below it.
-template <class T>
-inline void moments_step(T d, T r, T t, T c4, T c3, T &mean, T &m2, T &m3, T &m4) {
-    T dr = d * r;
-    T d2 = d * d;
+// V is T, or a vector of T whose lanes are updated alike.
+template <class V, class T>
+inline void moments_step(V d, T r, T t, T c4, T c3, V &mean, V &m2, V &m3, V &m4) {
+    const V dr = d * r;
+    const V d2 = d * d;
     m4 += T(-4) * dr * m3 + T(6) * dr * dr * m2 + t * (d2 * d2) * c4;
     m3 += T(-3) * dr * m2 + t * (d2 * d) * c3;
     m2 += t * d2;
@@ -253,6 +254,8 @@ __attribute__((always_inline)) inline void plain_row(const T *__restrict row, in
         mn[j] = v < mn[j] ? v : mn[j];
         mx[j] = v > mx[j] ? v : mx[j];
         differs[j] = v != first[j] ? T(1) : differs[j];
+        // moments_step's arithmetic, written on the arrays: through
+        // references the loop no longer vectorises.
         const T d = v - first[j] - mean[j];
         const T dr = d * r;
         const T d2 = d * d;
@@ -339,13 +342,7 @@ __attribute__((always_inline)) inline void plain_pass_short(const PlainPass &p, 
         mn = v < mn ? v : mn;
         mx = v > mx ? v : mx;
         differs = v != first ? one : differs;
-        const V d = v - first - mean;
-        const V dr = d * r;
-        const V d2 = d * d;
-        m4 += T(-4) * dr * m3 + T(6) * dr * dr * m2 + t * (d2 * d2) * c4;
-        m3 += T(-3) * dr * m2 + t * (d2 * d) * c3;
-        m2 += t * d2;
-        mean += dr;
+        moments_step(V(v - first - mean), r, t, c4, c3, mean, m2, m3, m4);
     }
     if (!started) return;
     using S = Summary<T>;
