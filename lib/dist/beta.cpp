@@ -56,7 +56,7 @@ T alnrel_value(T x, AlnrelBounds<T> &bounds) {
     }
     T value;
     if (std::fabs(x) <= T(0.375))
-        value = x * (1 - x * clenshaw_expecting<alnrcs_expected<T>>(x / T(0.375), lv_alnrcs<T>.c,
+        value = x * (1 - x * clenshaw_split_expecting<alnrcs_expected<T>>(x / T(0.375), lv_alnrcs<T>.c,
                                                                     bounds.nlnrel));
     else
         value = std::log(1 + x);

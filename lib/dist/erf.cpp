@@ -52,7 +52,7 @@ T l_erf(T x) {
     const T y = std::fabs(x);
     if (y <= 1) {
         if (y <= e.sqeps) return 2 * x / T(sqrtpi);
-        return x * (1 + clenshaw_expecting<erfcs_terms<T>>(2 * x * x - 1, lv_erfcs<T>.c, e.nterf));
+        return x * (1 + clenshaw_split_expecting<erfcs_terms<T>>(2 * x * x - 1, lv_erfcs<T>.c, e.nterf));
     }
     if (y <= e.xbig) {
         bool underflow = false;

@@ -154,7 +154,7 @@ T r9lgmc_core(T x) {
     }
     if (x >= c.xbig) return 1 / (12 * x);
     const T t = 10 / x;
-    return clenshaw_expecting<algmcs_terms<T>>(2 * t * t - 1, lv_algmcs<T>.c, c.nalgm) / x;
+    return clenshaw_split_expecting<algmcs_terms<T>>(2 * t * t - 1, lv_algmcs<T>.c, c.nalgm) / x;
 }
 
 template <class T>
@@ -166,7 +166,7 @@ T gamma_core(T x) {
         int n = static_cast<int>(x);
         if (x < 0) n -= 1;
         y = x - static_cast<T>(n);
-        T value = T(0.9375) + clenshaw_expecting<gamcs_terms<T>>(2 * y - 1, lv_gamcs<T>.c, g.ngam);
+        T value = T(0.9375) + clenshaw_split_expecting<gamcs_terms<T>>(2 * y - 1, lv_gamcs<T>.c, g.ngam);
         if (n == 1) return value;
         if (n >= 2) {
             for (int i = 1; i <= n - 1; ++i) value *= y + static_cast<T>(i);

@@ -63,33 +63,12 @@ inline T clenshaw(T x, const T *cs, int n) {
     return T(0.5) * (b0 - b2);
 }
 
-// The same sum with the length n known at compile time, written out.  The
-// first two steps start from b1 = b2 = 0, where 2x*0 - 0 + c is c and
-// 2x*c - 0 + c' is 2x*c + c' exactly for finite x, so they are taken without
-// the zero terms; the other steps are those of clenshaw(), operation for
-// operation, so the sum is the same to the last bit.  Callers pass |x| <= 1.
-template <int N, class T>
-[[gnu::always_inline]] inline T clenshaw_unrolled(T x, const T *cs) {
-    static_assert(N >= 2);
-    const T twox = 2 * x;
-    T b2 = 0;
-    T b1 = cs[N - 1];
-    T b0 = twox * b1 + cs[N - 2];
-#pragma GCC unroll 64
-    for (int i = N - 3; i >= 0; --i) {
-        b2 = b1;
-        b1 = b0;
-        b0 = twox * b1 - b2 + cs[i];
-    }
-    return T(0.5) * (b0 - b2);
-}
-
 // The series length that the first-use rule (initds_checked below) finds
 // over the first nos terms for eta = scale * u in the twin's IEEE format,
 // worked out at compile time.
 // The first use still works the length out from the machine constants; the
-// hot path compares it with this one and takes the written-out sum when
-// they agree, the loop otherwise.
+// hot path compares it with this one and takes the split sum below when
+// they agree, Clenshaw's loop otherwise.
 template <class T, std::size_t N>
 constexpr int expected_terms(const SeriesTable<T, N> &table, double scale, int nos = static_cast<int>(N)) {
     const float eta = static_cast<float>(T(scale) * (std::numeric_limits<T>::epsilon() / 2));
@@ -103,9 +82,43 @@ constexpr int expected_terms(const SeriesTable<T, N> &table, double scale, int n
     return i < 1 ? 1 : i;
 }
 
+// The same series as two half-length sums that run side by side.  With
+// w = 2x^2 - 1, T_2k(x) = T_k(w) and T_2k+1(x) = x V_k(w), where V_k are the
+// Chebyshev polynomials of the third kind (V_0 = 1, V_1 = 2w - 1, the
+// recurrence of T), so
+//   sum' c_i T_i(x) = sum' c_2k T_k(w) + x sum c_2k+1 V_k(w).
+// Each half is a Clenshaw recurrence in w: the even one ends as
+// (b0 - b2)/2, the odd one as b0 - b1.  The two recurrences are independent,
+// so the sum takes about half the latency of one N-step recurrence; its
+// rounding differs from Clenshaw's in the last bit or so (the bound is of
+// the same order: a few units of the largest partial sum).  Callers pass
+// |x| <= 1 and a length N known at compile time.
+template <int N, class T>
+[[gnu::always_inline]] inline T clenshaw_split(T x, const T *cs) {
+    static_assert(N >= 2);
+    constexpr int even = (N + 1) / 2, odd = N / 2;
+    const T w = 2 * x * x - 1;
+    const T twow = 2 * w;
+    T e0 = 0, e1 = 0, e2 = 0, o0 = 0, o1 = 0, o2 = 0;
+#pragma GCC unroll 64
+    for (int k = even - 1; k >= 0; --k) {
+        e2 = e1;
+        e1 = e0;
+        e0 = twow * e1 - e2 + cs[2 * k];
+        if (k < odd) {
+            o2 = o1;
+            o1 = o0;
+            o0 = twow * o1 - o2 + cs[2 * k + 1];
+        }
+    }
+    return T(0.5) * (e0 - e2) + x * (o0 - o1);
+}
+
+// The split sum where the first use found the expected length, Clenshaw's
+// loop otherwise.
 template <int Expected, class T>
-inline T clenshaw_expecting(T x, const T *cs, int n) {
-    if (n == Expected) [[likely]] return clenshaw_unrolled<Expected>(x, cs);
+inline T clenshaw_split_expecting(T x, const T *cs, int n) {
+    if (n == Expected) [[likely]] return clenshaw_split<Expected>(x, cs);
     return clenshaw(x, cs, n);
 }
 
@@ -209,16 +222,16 @@ inline T erfc_core(T x, bool *underflow) {
     const T y = std::fabs(x);
     if (y <= 1) {
         if (y < c.sqeps) return 1 - 2 * x / T(sqrtpi);
-        return 1 - x * (1 + clenshaw_expecting<erfcs_terms<T>>(2 * x * x - 1, lv_erfcs<T>.c, c.nterf));
+        return 1 - x * (1 + clenshaw_split_expecting<erfcs_terms<T>>(2 * x * x - 1, lv_erfcs<T>.c, c.nterf));
     }
     const T z = y * y;
     T value;
     if (z <= 4)
         value = std::exp(-z) / y *
-                (T(0.5) + clenshaw_expecting<erc2cs_terms<T>>((8 / z - 5) / 3, lv_erc2cs<T>.c, c.nterc2));
+                (T(0.5) + clenshaw_split_expecting<erc2cs_terms<T>>((8 / z - 5) / 3, lv_erc2cs<T>.c, c.nterc2));
     else
         value = std::exp(-z) / y *
-                (T(0.5) + clenshaw_expecting<erfccs_terms<T>>(8 / z - 1, lv_erfccs<T>.c, c.nterfc));
+                (T(0.5) + clenshaw_split_expecting<erfccs_terms<T>>(8 / z - 1, lv_erfccs<T>.c, c.nterfc));
     return x < 0 ? 2 - value : value;
 }
 
