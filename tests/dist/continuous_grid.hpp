@@ -84,11 +84,10 @@ inline Allowance allowance(const std::string &kind, const std::string &branch) {
     // The asymptotic series of the complement Q for a non-integer df/2 stops
     // at its first negative term, which bounds its truncation error; P = 1 - Q
     // is smallest at the branch's lower edge, x = max(h/2, 13), where that
-    // error is 1.5e-5 of P (chi2 26, df 51.5).  In single precision the
-    // subtraction alone costs 6e-8/P, and the factor x^h e^-x / gamma(h),
-    // formed from logarithms near 90 in float, carries 5e-6 of Q: 1.9e-2 of
-    // P = 2.6e-4 at chi2 32.25, df 64.5.
-    if (kind == "chi_squared_cdf" && branch == "asymptotic") return {2e-5, 2.5e-2};
+    // error is 1.5e-5 of P (chi2 26, df 51.5).  The single twin forms the
+    // branch in double (in float the subtraction alone would cost 6e-8/P,
+    // 2e-4 at P = 2.6e-4), so it carries the same truncation error.
+    if (kind == "chi_squared_cdf" && branch == "asymptotic") return {2e-5, 2e-5};
     // Hill's normal approximation of t, used for a non-integer df (and an
     // integer one from 20 with t^2 < df, or above 200): its error falls
     // steeply with df; the largest of a sweep of df and t is pinned in three
