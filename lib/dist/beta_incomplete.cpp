@@ -12,13 +12,25 @@
 // inside the range, so that exp() of it never lands among the subnormals;
 // one step of the scale counter is that same factor e^alnsml.
 //
+// The orientation: the tail on x's side of the mean a/(a+b) is summed in
+// its own orientation where it is likely small (x beyond 2/3 of a standard
+// deviation from the mean when it is the value asked for, beyond 2.15 when
+// the other one is) and its sums take at most 300 terms.  Otherwise the
+// exchange above, except that between x = 0.2 and 0.8, where both
+// orientations keep y below 0.8, the one whose sums are shorter is taken
+// (about log(eps)/log(y) terms for a fractional q, and q).
 // Two refinements keep the relative accuracy of the method's sums:
 //   - The exchange gives I_x(a, b) as 1 - I_y(b, a), and the complement
 //     1 - I_x(a, b) that the F distribution needs is 1 minus the sum.  Such
-//     a difference d carries the rounding of the sum magnified by 1/d; below
-//     1/4 the small tail is summed in its own orientation instead, when its
-//     two series together take at most 300 terms, or below 1/64 (in the
-//     single twin below 1/4) at most 20000 terms (y up to about 0.998).
+//     a difference d carries the rounding of the sum magnified by 1/d.  Below
+//     1/64 the small tail is summed in its own orientation, when its two
+//     series take at most 20000 terms (y up to about 0.998), and the large
+//     value is 1 minus it.  From 1/64 to 1/4 the tail is summed again where
+//     the value asked for could lose more than 64 units of rounding (by the
+//     lengths of the sums and the size of the logarithm of their leading
+//     factor) and the other way is at least four times as accurate, when its
+//     series take at most 300 terms, or 20000 where more than 1024 units are
+//     at stake.
 //   - Terms below the threshold are not dropped at once: one more level of
 //     the scale counter carries them, and they count when the total is a
 //     normal number.
@@ -31,6 +43,7 @@
 // The infinite series ends once the rest, below the last term times
 // y/(1 - y), is negligible; the finite sum likewise once the bound of its
 // falling ratios makes the rest negligible.
+// The single twin sums in double precision and rounds the result.
 #include "dist/beta_incomplete.hpp"
 
 #include <algorithm>
@@ -68,10 +81,7 @@ constexpr int kProductTerms = 40;
 // below 1/64 and from 1/64 to 1/4.
 constexpr double kLongestSums = 20000;
 constexpr double kShortSums = 300;
-// The tail below which the longer sums are spent: 1/64 in double precision;
-// in single precision all of 1/4, where six lost bits would be too many.
-template <class T>
-constexpr T kLowTail = std::is_same_v<T, float> ? T(0.25) : T(1) / 64;
+constexpr double kLowTail = 1.0 / 64;
 
 constexpr double kPi = 3.14159265358979323846;
 
@@ -92,7 +102,9 @@ template <class T>
 T l_betai_sums(T y, T cy, T p, T q) {
     const BetaConstants<T> &k = constants<T>();
     if ((p + q) * y / (p + 1) < k.eps) {
-        T xb = p * std::log(std::max(y, k.sml)) - std::log(p) - zc::log_beta<T>(p, q);
+        // log(y) of a subnormal y is still accurate; only y = 0 needs a
+        // stand-in, and gives 0 below.
+        T xb = p * std::log(y > 0 ? y : k.sml) - std::log(p) - zc::log_beta<T>(p, q);
         return (xb > k.alnsml && y != 0) ? std::exp(xb) : T(0);
     }
     const T lny = std::log(y);
@@ -221,24 +233,81 @@ T clamp01(T v) {
     return std::clamp(v, T(0), T(1));
 }
 
+// Terms the two sums take for I_y(p, q): the infinite one about log(eps) /
+// log(y) for a fractional q, the finite one about q.
+template <class T>
+T sum_length(T y, T q) {
+    return (q == std::trunc(q) ? 0 : constants<T>().alneps / std::log(y)) + q;
+}
+
 template <class T>
 T l_beta_ratio(T x, T cx, T a, T b, bool upper) {
-    const bool swapped = !(b <= a && x < T(0.8)) && x >= T(0.2);
+    // The tail on x's side of the mean a/(a+b) is likely below 1/4 where x
+    // lies more than 2/3 of a standard deviation from it, and below 1/64
+    // beyond 2.15 (so it is in the normal limit).  Such a tail, when it is the
+    // value asked for, or below 1/64 when the other one is, is summed in its
+    // own orientation where its series take at most 300 terms, so that it
+    // keeps its relative accuracy and the other value is 1 minus it, without
+    // a second sum.  Otherwise the exchange of the method keeps y below 0.8,
+    // and between 0.2 and 0.8, where either orientation does, the one with
+    // the shorter sums is taken.
+    const T n = a + b, d = x * n - a;  // (x - mean)(a + b)
+    const bool lower_small = d < 0;
+    const T z2 = lower_small == !upper ? T(4.0 / 9.0) : T(4.6);  // squared deviates
+    bool swapped;
+    if (d * d * (n + 1) > z2 * a * b && sum_length(lower_small ? x : cx, lower_small ? b : a) <= T(kShortSums)) {
+        swapped = !lower_small;
+    } else {
+        swapped = !(b <= a && x < T(0.8)) && x >= T(0.2);
+        if (x >= T(0.2) && x <= T(0.8)) {
+            const T keep = sum_length(x, b), exchange = sum_length(cx, a);
+            if (keep != exchange) swapped = exchange < keep;
+        }
+    }
     // s is I_x(a, b) unexchanged, its complement exchanged; t the other one.
     T s = swapped ? l_betai_sums(cx, x, b, a) : l_betai_sums(x, cx, a, b);
     T t = 1 - s;
+    // Below 1/4 the small tail t may be summed again in its own orientation.
+    // The rounding of a sum grows with its length and with the size of the
+    // logarithm of its leading factor (about a |log x| + b |log(1-x)| in
+    // either orientation); 1 - s carries that of the sum for s at the scale
+    // of s, 1 - t that of the sum for t at the scale of t.  Below 1/64 the
+    // tail is summed again whenever its series take at most 20000 terms, so
+    // that a value close to 1 is 1 minus an accurate tail.  From 1/64 to 1/4
+    // it is summed again where the value asked for could lose more than 64
+    // units of rounding the other way and the sum for t is at least four
+    // times as accurate: up to 300 terms, or up to 20000 where more than
+    // 1024 units are at stake.
     if (t < T(0.25)) {
-        // The small tail is summed in its own orientation where its two
-        // series are not too long: 1 - s has lost digits, up to six in the
-        // double twin for t above 1/64, more below.
-        const T y = swapped ? x : cx, q = swapped ? b : a;
-        const T length = (q == std::trunc(q) ? 0 : constants<T>().alneps / std::log(y)) + q;
-        if (length <= (t < kLowTail<T> ? kLongestSums : kShortSums)) {
+        const T length = sum_length(swapped ? x : cx, swapped ? b : a);
+        bool resum;
+        if (t < T(kLowTail)) {
+            resum = length <= T(kLongestSums);
+        } else {
+            const bool want_s = swapped == upper;
+            const T lead = a * std::fabs(std::log(x)) + b * std::fabs(std::log(cx));
+            const T es = lead + sum_length(swapped ? cx : x, swapped ? a : b), et = lead + length;
+            // Expected rounding of the value asked for, in units, both ways.
+            const T direct = want_s ? es : s * es / t;
+            const T again = want_s ? t * et / s : et;
+            resum = direct > 64 && 4 * again < direct && length <= T(direct > 1024 ? kLongestSums : kShortSums);
+        }
+        if (resum) {
             t = swapped ? l_betai_sums(x, cx, a, b) : l_betai_sums(cx, x, b, a);
             s = 1 - t;
         }
     }
     return clamp01(swapped == upper ? s : t);
+}
+
+// The ratio in the twin's type.  The single twin sums in double precision
+// and rounds: in single precision the logarithm of the leading factor
+// x^a (1-x)^b / B(a, b), some hundreds for shapes in the hundreds, rounds
+// at 1e-7 of its size, and a long chain of ratios adds to that, so that
+// the sums lose 1e-4 and more; x and 1 - x of a float are exact in double.
+template <class T>
+T ratio_in_twin(double x, double cx, double a, double b, bool upper) {
+    return static_cast<T>(l_beta_ratio<double>(x, cx, a, b, upper));
 }
 
 template <class T>
@@ -254,7 +323,7 @@ T l_beta_incomplete(T x, T a, T b) {
         bad = true;
     }
     if (bad) return zc::nan<T>();
-    return l_beta_ratio<T>(x, 1 - x, a, b, false);
+    return ratio_in_twin<T>(x, 1 - static_cast<double>(x), a, b, false);
 }
 
 }  // namespace
@@ -263,7 +332,7 @@ namespace zorvs::continuous {
 
 template <class T>
 T beta_ratio(T x, T cx, T a, T b, bool upper) {
-    return l_beta_ratio<T>(x, cx, a, b, upper);
+    return ratio_in_twin<T>(x, cx, a, b, upper);
 }
 template float beta_ratio<float>(float, float, float, float, bool);
 template double beta_ratio<double>(double, double, double, double, bool);

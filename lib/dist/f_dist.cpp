@@ -79,6 +79,9 @@ namespace zorvs::continuous {
 // both as the ratio routine gives them, without subtracting from 1.
 template <class T>
 T F_tail(T f, T df1, T df2, bool upper) {
+    // The single twin forms x and 1 - x in double as well, where the ratio
+    // is summed (beta_incomplete.cpp).
+    if constexpr (std::is_same_v<T, float>) return static_cast<float>(F_tail<double>(f, df1, df2, upper));
     T x, cx;
     const T m = df1 * f;
     if (m >= df2) {

@@ -2,18 +2,19 @@
 """Reference values for tests/dist/beta_f_test.cpp beyond the shared grid:
 the incomplete beta ratio over small, moderate and large shapes with x from
 the far lower tail to near 1, the F distribution function and its upper tail
-over wide degrees of freedom, and quantiles of the beta and F distributions
-from the far tails to near 1.
+over wide degrees of freedom, a dense random sweep of both tails of each,
+and quantiles of the beta and F distributions from the far tails to near 1.
 
 Every argument is a float32 value used exactly (single and double twins share
-the table).  Values come from mpmath at 40 digits:
+the table).  Values come from mpmath at 100 digits (an x within 1e-37
+of 1 keeps its complement to 60 digits):
 
   beta_incomplete(x, a, b)  betainc(a, b, 0, x, regularized)
   F_cdf(f, d1, d2)          betainc(d1/2, d2/2, 0, d1 f/(d1 f + d2), regularized)
   F_upper(f, d1, d2)        betainc(d2/2, d1/2, 0, d2/(d1 f + d2), regularized)
 
 With each value goes its condition number kappa = sum |x_i df/dx_i| / |f|
-(central differences at 40 digits).  Quantiles are roots of the mpmath
+(central differences at 100 digits).  Quantiles are roots of the mpmath
 distribution function found by mpmath's findroot from SciPy's value; with each
 goes x times the density at x, the scale of a round-trip residual.
 
@@ -25,7 +26,7 @@ import mpmath
 import numpy as np
 from scipy import special
 
-mpmath.mp.dps = 40
+mpmath.mp.dps = 100
 mpf = mpmath.mpf
 
 
@@ -83,6 +84,41 @@ for a in shapes:
 fpairs = [(1, 1), (0.5, 3), (2, 200), (7, 1000), (60, 2), (400, 400), (3.5, 11)]
 for d1, d2 in fpairs:
     for f in [1e-4, 0.05, 0.3, 0.9, 1.7, 4, 15, 90, 1e3, 1e5]:
+        add("F_cdf", fcdf, [f, d1, d2])
+        add("F_upper", fupper, [f, d1, d2])
+
+# A dense sweep where the choice of orientation and of a second sum matters:
+# shapes log-uniform from 0.05 to 2000 (every other one a half-integer, as
+# half degrees of freedom are), x at the quantile of a tail level from 1e-12
+# to 1/2 on a random side, so that the value asked for ranges from a far tail
+# to near 1.  The F rows use the degrees of freedom of the benchmark and
+# random ones, with both tails.
+rng = np.random.default_rng(20261124)
+
+
+def shape(k):
+    v = float(np.exp(rng.uniform(np.log(0.05), np.log(2000))))
+    return round(2 * v) / 2 if k % 2 == 0 and v > 0.5 else v
+
+
+for k in range(300):
+    a, b = shape(k), shape(k + 1)
+    level = 10 ** rng.uniform(-12, np.log10(0.5))
+    p = level if rng.uniform() < 0.5 else 1 - level
+    x = f32(special.betaincinv(f32(a), f32(b), p))
+    if 0 < x < 1:
+        add("beta_incomplete", bi, [x, a, b])
+
+bench_df = [1, 2.5, 4, 7, 10, 15.5, 30, 50]
+for k in range(200):
+    if k < 128:
+        d1, d2 = bench_df[k % 8], bench_df[(k // 8) % 8]
+    else:
+        d1, d2 = 2 * shape(k), 2 * shape(k + 1)
+    level = 10 ** rng.uniform(-12, np.log10(0.5))
+    p = level if rng.uniform() < 0.5 else 1 - level
+    f = special.fdtri(f32(d1), f32(d2), p)
+    if 0 < f < 1e30 and f32(f) > 0:
         add("F_cdf", fcdf, [f, d1, d2])
         add("F_upper", fupper, [f, d1, d2])
 
