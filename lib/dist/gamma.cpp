@@ -65,10 +65,19 @@ struct GammaLimits {
 template <class T>
 GammaLimits<T> lv_gamma_limits{};
 
-// Limits of gamma by Newton's method on the log of Stirling's form.
+// Limits of gamma by Newton's method on the log of Stirling's form, for
+// the twin's smallest and largest numbers.
 template <class T>
 void l_r9gaml(T *xmin, T *xmax) {
-    const T alnsml = std::log(smallest<T>());
+    r9gaml_core(smallest<T>(), largest<T>(), xmin, xmax);
+}
+
+}  // namespace
+
+// The same for given smallest and largest numbers s and b.
+template <class T>
+void r9gaml_core(T s, T b, T *xmin, T *xmax) {
+    const T alnsml = std::log(s);
     T xm = -alnsml;
     bool done = false;
     for (int i = 0; i < 10 && !done; ++i) {
@@ -83,7 +92,7 @@ void l_r9gaml(T *xmin, T *xmax) {
         return;
     }
     xm = -xm + T(0.01);
-    const T alnbig = std::log(largest<T>());
+    const T alnbig = std::log(b);
     T xb = alnbig;
     done = false;
     for (int i = 0; i < 10 && !done; ++i) {
@@ -102,6 +111,8 @@ void l_r9gaml(T *xmin, T *xmax) {
     *xmax = xb;
     *xmin = std::fmax(xm, 1 - xb);
 }
+
+namespace {
 
 template <class T>
 void gamma_first_use() {
@@ -223,6 +234,8 @@ template float r9lgmc_core<float>(float);
 template double r9lgmc_core<double>(double);
 template void gamma_limits<float>(float *, float *);
 template void gamma_limits<double>(double *, double *);
+template void r9gaml_core<float>(float, float, float *, float *);
+template void r9gaml_core<double>(double, double, double *, double *);
 
 namespace {
 

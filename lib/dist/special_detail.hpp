@@ -169,6 +169,10 @@ template <class T>
 T r9lgmc_core(T x);
 template <class T>
 void gamma_limits(T *xmin, T *xmax);
+// The Newton iteration behind gamma_limits for given smallest and largest
+// numbers; raises (4, 9022) or (4, 9023) when it does not settle.
+template <class T>
+void r9gaml_core(T s, T b, T *xmin, T *xmax);
 
 // The complementary error function (FNLIB erfc), in line here because the
 // normal distribution function is built on it; erf.cpp holds the rest.

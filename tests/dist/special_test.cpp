@@ -9,6 +9,7 @@
 #include <string>
 
 #include "dist/special.h"
+#include "dist/special_detail.hpp"
 #include "frame/services.h"
 #include "zorvstat.h"
 #include "../support/capture.hpp"
@@ -326,6 +327,34 @@ TEST(GammaMessages, GammaFailureRows) {
     EXPECT_TRUE(std::isnan(raised([] { return zorvs_d_gamma(-20.0); }, {4, 9021})));
     const double far = raised([] { return zorvs_d_gamma(-20.0000001); }, {3, 9020});
     EXPECT_TRUE(std::isfinite(far));
+}
+
+// The limits' Newton iteration settles within its 10 rounds for IEEE
+// numbers; a NaN limit keeps it from settling, in either half.
+TEST(GammaMessages, LimitsThatDoNotSettle) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    double xmin = 0, xmax = 0;
+    auto limits = [&](double s, double b) {
+        return zorvs::value_routine("l_r9gaml", [&] {
+            zorvs::special::r9gaml_core(s, b, &xmin, &xmax);
+            return xmax;
+        });
+    };
+    EXPECT_TRUE(std::isnan(raised([&] { return limits(nan, 0x1p1023); }, {4, 9022})));
+    EXPECT_TRUE(std::isnan(xmin));
+    EXPECT_TRUE(std::isnan(raised([&] { return limits(0x1p-1022, nan); }, {4, 9023})));
+    EXPECT_NEAR(xmin, -170.56, 0.01);  // the lower limit was found
+    raised([&] { return limits(0x1p-1022, 0x1.fffffffffffffp1023); }, {0, 0});
+    EXPECT_NEAR(xmax, 171.61, 0.01);
+    EXPECT_NEAR(xmin, -170.56, 0.01);
+    float fmin = 0, fmax = 0;
+    raised([&] {
+        return zorvs::value_routine("l_r9gaml", [&] {
+            zorvs::special::r9gaml_core(0x1p-126f, std::numeric_limits<float>::quiet_NaN(), &fmin, &fmax);
+            return double(fmax);
+        });
+    }, {4, 9023});
+    EXPECT_TRUE(std::isnan(fmax));
 }
 
 TEST(GammaMessages, LogGammaAndCorrectionRows) {
