@@ -77,8 +77,12 @@ T as109_start(T a, T pp, T qq, T lbeta) {
 template <class T>
 constexpr T kWorkingWidth = T(0.25);
 
+// The root x, and 1 - x to its own relative accuracy in *complement when
+// that is given (from the variable the iteration ran on).
 template <class T>
-T l_betin(T p, T pin, T qin) {
+T l_betin(T p, T pin, T qin, T *complement = nullptr) {
+    T unused;
+    T &cx = complement ? *complement : unused;
     const T e = zc::epsilon<T>();
     bool bad = false;
     if (!(pin > 0)) {
@@ -93,7 +97,7 @@ T l_betin(T p, T pin, T qin) {
         zc::raise_reals(5, 9046, p);
         bad = true;
     }
-    if (bad) return zc::nan<T>();
+    if (bad) return cx = zc::nan<T>();
 
     // Two comparable shapes above 1: a few halvings on I_x bracket the root.
     T lo = 0, hi = 1;
@@ -107,7 +111,10 @@ T l_betin(T p, T pin, T qin) {
             if (hi - lo < kWorkingWidth<T>) {
                 // The residual counts relative to the tail, so that a small
                 // p is not met by any x of a tiny I_x.
-                if (std::fabs(g) <= e * std::min(p, 1 - p)) return mid;
+                if (std::fabs(g) <= e * std::min(p, 1 - p)) {
+                    cx = 1 - mid;  // exact: mid is a short dyadic fraction
+                    return mid;
+                }
                 break;
             }
         }
@@ -115,19 +122,38 @@ T l_betin(T p, T pin, T qin) {
 
     // The iteration works in the lighter tail: I_y(pp, qq) = a with a <= 1/2,
     // y = x for p <= 1/2, else y = 1 - x, a = 1 - p and the shapes exchanged.
-    const bool upper = p > T(0.5);
-    const T a = upper ? 1 - p : p;
-    const T pp = upper ? qin : pin, qq = upper ? pin : qin;
-    T ylo = upper ? 1 - hi : lo, yhi = upper ? 1 - lo : hi;
+    // Where the leading term of the other tail, 1 - I_y(pp, qq) ~ (1-y)^qq /
+    // (qq B(pp, qq)), puts the root so close to 1 that pp (1 - y) < 1/100
+    // (the term then holds to about that much, whatever the target), y
+    // resolves it poorly and above 1 - eps/2 not at all: the iteration runs
+    // on 1 - y instead, with the shapes exchanged and 1 - a as the target.
+    bool is_complement = p > T(0.5);  // y is 1 - x
+    T a = is_complement ? 1 - p : p;
+    T pp = is_complement ? qin : pin, qq = is_complement ? pin : qin;
+    T ylo = is_complement ? 1 - hi : lo, yhi = is_complement ? 1 - lo : hi;
     const T lbeta = zc::log_beta<T>(pp, qq);
+    T log_tail = (std::log(a) + std::log(pp) + lbeta) / pp;
+    const T log_other = (std::log1p(-a) + std::log(qq) + lbeta) / qq;
+    const bool switched = log_other + std::log(std::max(pp, T(1))) < std::log(T(0.01));
+    if (switched) {
+        is_complement = !is_complement;
+        a = 1 - a;
+        std::swap(pp, qq);
+        const T old_lo = ylo;
+        ylo = 1 - yhi;
+        yhi = 1 - old_lo;
+        log_tail = log_other;
+    }
     // Where the leading term of the tail puts the root below the smallest
     // normal number, y is taken as 0 (x as 0 or 1), with the warning.
-    const T log_tail = (std::log(a) + std::log(pp) + lbeta) / pp;
     if (log_tail < std::log(zc::smallest<T>()) - 1) {
         zc::raise_reals(3, 9047, p);
-        return upper ? T(1) : T(0);
+        cx = is_complement ? T(0) : T(1);
+        return is_complement ? T(1) : T(0);
     }
-    T y = as109_start<T>(a, pp, qq, lbeta);
+    // The start: AS 109 in the lighter tail; after the switch the leading
+    // term, which is close there.
+    T y = switched ? std::exp(log_tail) : as109_start<T>(a, pp, qq, lbeta);
     if (!(y > ylo && y < yhi)) {
         y = std::exp(log_tail);
         if (!(y > ylo && y < yhi)) y = ylo > 0 || yhi < 1 ? (ylo + yhi) / 2 : T(0.5);
@@ -187,10 +213,25 @@ T l_betin(T p, T pin, T qin) {
         }
     }
     if (!converged) zc::raise_reals(3, 9047, p);
-    return upper ? 1 - y : y;
+    cx = is_complement ? y : 1 - y;
+    return is_complement ? 1 - y : y;
 }
 
 }  // namespace
+
+namespace zorvs::continuous {
+
+template <class T>
+T betin_with_complement(T p, T pin, T qin, T *complement) {
+    if constexpr (std::is_same_v<T, float>)
+        return zorvs::value_routine("zorvs_betin", [&] { return l_betin<T>(p, pin, qin, complement); });
+    else
+        return zorvs::value_routine("zorvs_dbetin", [&] { return l_betin<T>(p, pin, qin, complement); });
+}
+template float betin_with_complement<float>(float, float, float, float *);
+template double betin_with_complement<double>(double, double, double, double *);
+
+}  // namespace zorvs::continuous
 
 extern "C" {
 

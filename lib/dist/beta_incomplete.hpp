@@ -1,6 +1,7 @@
 // beta_incomplete.hpp - the incomplete beta ratio and the F distribution's
 // two tails without a push of their own and without argument checks, for
-// the beta and F routines, the inverse and the safe F ratio.
+// the beta and F routines, the inverse and the safe F ratio; the inverse
+// of the ratio with its complement, for the F and t inverses.
 #ifndef ZORVS_DIST_BETA_INCOMPLETE_HPP
 #define ZORVS_DIST_BETA_INCOMPLETE_HPP
 
@@ -16,6 +17,11 @@ T beta_ratio(T x, T cx, T a, T b, bool upper);
 // tail, each without subtraction from 1.  df1, df2 > 0; raises nothing.
 template <class T>
 T F_tail(T f, T df1, T df2, bool upper);
+
+// zorvs_betin / zorvs_dbetin (the same frame and messages), with 1 - x to
+// its own relative accuracy in *complement.
+template <class T>
+T betin_with_complement(T p, T pin, T qin, T *complement);
 
 }  // namespace zorvs::continuous
 

@@ -20,11 +20,6 @@ T incomplete(T x, T a, T b) {
     if constexpr (std::is_same_v<T, float>) return zorvs_f_beta_incomplete(x, a, b);
     else return zorvs_d_beta_incomplete(x, a, b);
 }
-template <class T>
-T betin(T p, T a, T b) {
-    if constexpr (std::is_same_v<T, float>) return zorvs_betin(p, a, b);
-    else return zorvs_dbetin(p, a, b);
-}
 
 template <class T>
 T l_F_cdf(T f, T df1, T df2) {
@@ -53,20 +48,23 @@ T l_F_inverse_cdf(T p, T df1, T df2) {
         bad = true;
     }
     if (bad) return zc::nan<T>();
+    // 1 - x comes from the inverse itself, to its own relative accuracy:
+    // formed from x it would cancel where x is close to 1.
+    T cx;
     if (p <= T(0.5)) {
-        T x = betin<T>(p, T(0.5) * df1, T(0.5) * df2);
+        T x = zc::betin_with_complement<T>(p, T(0.5) * df1, T(0.5) * df2, &cx);
         if (x >= 1 - e) {
             zorvs_ermes(4, 9008);
             return zc::infinity<T>();
         }
-        return df2 * x / (df1 * (1 - x));
+        return df2 * x / (df1 * cx);
     }
-    T x = betin<T>(1 - p, T(0.5) * df2, T(0.5) * df1);
+    T x = zc::betin_with_complement<T>(1 - p, T(0.5) * df2, T(0.5) * df1, &cx);
     if (x == 0) {
         zorvs_ermes(4, 9008);
         return zc::infinity<T>();
     }
-    return (1 / x - 1) * df2 / df1;
+    return cx / x * df2 / df1;  // (1/x - 1) df2/df1
 }
 
 }  // namespace

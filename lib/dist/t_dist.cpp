@@ -12,6 +12,7 @@
 // distribution or his Cornish-Fisher-type normal expansion elsewhere.
 #include <cmath>
 
+#include "dist/beta_incomplete.hpp"
 #include "dist/continuous.h"
 #include "dist/continuous_support.hpp"
 
@@ -26,11 +27,7 @@ T incomplete(T x, T a, T b) {
     if constexpr (std::is_same_v<T, float>) return zorvs_f_beta_incomplete(x, a, b);
     else return zorvs_d_beta_incomplete(x, a, b);
 }
-template <class T>
-T betin(T p, T a, T b) {
-    if constexpr (std::is_same_v<T, float>) return zorvs_betin(p, a, b);
-    else return zorvs_dbetin(p, a, b);
-}
+
 
 template <class T>
 T l_t_cdf(T t, T df) {
@@ -123,12 +120,15 @@ T l_t_inverse_cdf(T p, T df) {
     } else if (df <= 2) {
         // 1 - |1 - 2p| is the two-sided tail P itself; forming it by the
         // subtraction would cancel to 0 for a p below the epsilon.
-        T x = betin<T>(P, T(0.5) * df, T(0.5));
+        // 1 - x from the inverse, so that (1/x - 1) = (1 - x)/x keeps its
+        // digits for x close to 1 (p close to 1/2).
+        T cx;
+        T x = zc::betin_with_complement<T>(P, T(0.5) * df, T(0.5), &cx);
         if (x == 0) {
             zorvs_ermes(4, 9008);
             return zc::infinity<T>();
         }
-        t = std::sqrt((1 / x - 1) * df);
+        t = std::sqrt(cx / x * df);
     } else {
         T a = 1 / (df - T(0.5));
         T b = 48 / (a * a);

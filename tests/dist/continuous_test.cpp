@@ -183,6 +183,21 @@ TEST(ChiSquared, InverseEdgesAndFailures) {
     EXPECT_EQ(r1(), 0.25);
 }
 
+// An infinite df passes the argument check, but its distribution function
+// is NaN everywhere (chi2/df), so no bracket is found.
+TEST(ChiSquared, InverseWithoutABracketWarns) {
+    zorvs_test::Quiet q;
+    const double inf = std::numeric_limits<double>::infinity();
+    EXPECT_TRUE(std::isnan(zorvs_d_chi_squared_inverse_cdf(0.5, inf)));
+    EXPECT_EQ(zorvs_n1rty(1), 3);
+    EXPECT_EQ(zorvs_error_code(), 9052);
+    EXPECT_EQ(r1(), 0.5);
+    EXPECT_EQ(r2(), inf);
+    EXPECT_NE(q.errors.text().find("CHI_SQUARED_BRACKET_FAILED"), std::string::npos) << q.errors.text();
+    EXPECT_TRUE(std::isnan(zorvs_f_chi_squared_inverse_cdf(0.5f, std::numeric_limits<float>::infinity())));
+    EXPECT_EQ(zorvs_error_code(), 9052);
+}
+
 TEST(ChiSquared, InverseStopsOnBadProbabilityByDefault) {
     EXPECT_EXIT(zorvs_d_chi_squared_inverse_cdf(1.5, 3), ::testing::ExitedWithCode(5), "9043|chi_squared");
 }
