@@ -82,11 +82,16 @@ T correction(T x) {
 
 template <class T>
 T l_log_beta(T a, T b) {
-    const T p = std::fmin(a, b), q = std::fmax(a, b);
-    if (p <= 0) {
+    // min and max that keep a NaN (fmin and fmax would drop it), so that a
+    // missing shape counts as not positive, as in beta.
+    const T p = a < b || std::isnan(a) ? a : b, q = a < b || std::isnan(b) ? b : a;
+    if (!(p > 0)) {
         raise(5, 9038, a, b);
         return zorvs::missing<T>();
     }
+    // B(p, q) falls like gamma(p) q^-p as q grows: an infinite shape gives
+    // log B = -infinity (and beta its underflow to 0).
+    if (std::isinf(q)) return -std::numeric_limits<T>::infinity();
     if (p >= 10) {
         const T corr = correction(p) + correction(q) - correction(p + q);
         return T(-0.5) * std::log(q) + T(sq2pil) + corr + (p - T(0.5)) * std::log(p / (p + q)) +

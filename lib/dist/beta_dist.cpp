@@ -36,6 +36,7 @@ T l_beta_cdf(T x, T pin, T qin) {
         bad = true;
     }
     if (bad) return zc::nan<T>();
+    if (std::isnan(x)) return x;  // a missing x stays missing
     if (x <= 0) {
         zc::raise_reals(1, 20415, x);
         return 0;
@@ -106,6 +107,7 @@ T l_betin(T p, T pin, T qin, T *complement = nullptr) {
         for (int k = 0; k < 30; ++k) {
             const T mid = (lo + hi) / 2;
             const T g = zc::beta_ratio<T>(mid, 1 - mid, pin, qin, false) - p;
+            if (std::isnan(g)) return cx = g;  // the ratio could not be summed (warned)
             if (g < 0) lo = mid;
             else hi = mid;
             if (hi - lo < kWorkingWidth<T>) {
@@ -169,6 +171,7 @@ T l_betin(T p, T pin, T qin, T *complement = nullptr) {
     for (int k = 0; k < 100; ++k) {
         const T cy = 1 - y;
         const T g = zc::beta_ratio<T>(y, cy, pp, qq, false) - a;
+        if (std::isnan(g)) return cx = g;  // the ratio could not be summed (warned)
         if (g == 0) {
             converged = true;
             break;

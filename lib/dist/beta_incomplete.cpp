@@ -82,6 +82,12 @@ constexpr int kProductTerms = 40;
 constexpr double kLongestSums = 20000;
 constexpr double kShortSums = 300;
 constexpr double kLowTail = 1.0 / 64;
+// The most terms either sum may take, some hundredths of a second.  Beyond,
+// the ratio is not summed (a warning, NaN) rather than tying the caller up
+// for seconds or for ever: the sums grow with shapes beyond 10^6 in both
+// orientations, and lose digits at the rate of their length (1e-10 at 10^7
+// terms, 1e-8 at 10^8).
+constexpr int kMaxTerms = 10000000;
 
 constexpr double kPi = 3.14159265358979323846;
 
@@ -97,9 +103,10 @@ T ratio_product(T a, T b, T end) {
     return prod;
 }
 
-// I_y(p, q) by the two sums, without exchange; cy = 1 - y.
+// I_y(p, q) by the two sums, without exchange; cy = 1 - y.  *too_long is
+// set, and the sum is NaN, where a sum would take more than kMaxTerms terms.
 template <class T>
-T l_betai_sums(T y, T cy, T p, T q) {
+T l_betai_sums(T y, T cy, T p, T q, bool *too_long) {
     const BetaConstants<T> &k = constants<T>();
     if ((p + q) * y / (p + 1) < k.eps) {
         // log(y) of a subnormal y is still accurate; only y = 0 needs a
@@ -107,7 +114,9 @@ T l_betai_sums(T y, T cy, T p, T q) {
         T xb = p * std::log(y > 0 ? y : k.sml) - std::log(p) - zc::log_beta<T>(p, q);
         return (xb > k.alnsml && y != 0) ? std::exp(xb) : T(0);
     }
-    const T lny = std::log(y);
+    // log y and log(1 - y) from whichever of y, 1 - y is the smaller.
+    const T lny = y > T(0.5) ? std::log1p(-cy) : std::log(y);
+    const T lncy = cy > T(0.5) ? std::log1p(-y) : std::log(cy);
 
     // The infinite sum in y for the fractional part of q.  A sum whose
     // first term lies below the threshold is carried at the next level of
@@ -148,7 +157,12 @@ T l_betai_sums(T y, T cy, T p, T q) {
             // Terms fall by at least the factor y: the tail after a term t
             // is below t y / (1 - y).
             const T tail = y / cy;
-            const int n = static_cast<int>(std::max(k.alneps / lny, T(4)));
+            const T terms = std::max(k.alneps / lny, T(4));
+            if (!(terms <= T(kMaxTerms))) {
+                *too_long = true;
+                return zc::nan<T>();
+            }
+            const int n = static_cast<int>(terms);
             // Two terms a round with one division, r = 1/(i (p+i) j (p+j))
             // for j = i + 1, which gives (i - ps)/i, 1/(p+i) and the same for
             // j; the running term takes one product a round, so that
@@ -189,26 +203,42 @@ T l_betai_sums(T y, T cy, T p, T q) {
     // The finite sum for the integer part of q.
     if (q > 1) {
         if (!have_lqbeta) lqbeta = std::log(q) + zc::log_beta<T>(p, q);
-        T xb = p * lny + q * std::log(cy) - lqbeta;
+        T xb = p * lny + q * lncy - lqbeta;
         int ib = static_cast<int>(std::max(xb / k.alnsml, T(0)));
         T term = std::exp(xb - static_cast<T>(ib) * k.alnsml);
         T c = 1 / cy;
         T p1 = q * c / (p + q - 1);
         T fin = 0, fin1 = 0;
-        int n = static_cast<int>(q);
-        if (q == static_cast<T>(n)) --n;
+        // int(q) terms, one fewer for a whole q; at most kMaxTerms.
+        const T terms = q == std::trunc(q) ? q - 1 : std::trunc(q);
+        const bool capped = terms > T(kMaxTerms);
+        const int n = capped ? kMaxTerms : static_cast<int>(terms);
+        bool ended = false;
         // The ratio of term i+1 to term i, (q - i) c / (p + q - i - 1),
         // falls with i when p >= 1 and rises when p < 1, where the last one
         // bounds it; once the bound r is below 1 the terms left sum to at
         // most term r / (1 - r).
-        const T last_ratio = (q - static_cast<T>(n) + 1) * c / (p + q - static_cast<T>(n));
+        const T last_ratio = (q - terms + 1) * c / (p + q - terms);
+        // Terms that rise from the first (p1 > 1) keep rising up to i = p + q
+        // - (p - 1)/y (for p > 1; to the end for p <= 1): a peak beyond the
+        // cap means the sum cannot end within it, and it is not begun.
+        if (capped && p1 > 1 && (p <= 1 || p + q - (p - 1) / y > T(kMaxTerms))) {
+            *too_long = true;
+            return zc::nan<T>();
+        }
         for (int i = 1; i <= n; ++i) {
             T xi = static_cast<T>(i);
             const T ratio = (q - xi + 1) * c / (p + q - xi);
             // With p1 <= 1 the terms fall and stay at one level.
-            if (p1 <= 1 && term / k.eps <= (ib == 0 ? fin : fin1)) break;
+            if (p1 <= 1 && term / k.eps <= (ib == 0 ? fin : fin1)) {
+                ended = true;
+                break;
+            }
             const T bound = p >= 1 ? ratio : last_ratio;
-            if (ib == 0 && bound < 1 && term * bound <= k.eps * (1 - bound) * fin) break;
+            if (ib == 0 && bound < 1 && term * bound <= k.eps * (1 - bound) * fin) {
+                ended = true;
+                break;
+            }
             term *= ratio;
             if (term > 1) {
                 --ib;
@@ -216,6 +246,10 @@ T l_betai_sums(T y, T cy, T p, T q) {
             }
             if (ib == 0) fin += term;
             else if (ib == 1) fin1 += term;
+        }
+        if (capped && !ended) {
+            *too_long = true;
+            return zc::nan<T>();
         }
         s += fin;
         s1 += fin1;
@@ -236,12 +270,20 @@ T clamp01(T v) {
 // Terms the two sums take for I_y(p, q): the infinite one about log(eps) /
 // log(y) for a fractional q, the finite one about q.
 template <class T>
-T sum_length(T y, T q) {
-    return (q == std::trunc(q) ? 0 : constants<T>().alneps / std::log(y)) + q;
+T sum_length(T y, T cy, T q) {
+    const T lny = y > T(0.5) ? std::log1p(-cy) : std::log(y);
+    return (q == std::trunc(q) ? 0 : constants<T>().alneps / lny) + q;
 }
 
 template <class T>
 T l_beta_ratio(T x, T cx, T a, T b, bool upper) {
+    // An infinite shape would take infinitely many terms; only the ends of
+    // the range have their values.
+    if (std::isinf(a) || std::isinf(b)) {
+        if (x == 0 || cx == 0) return (x == 0) == upper ? T(1) : T(0);
+        zc::raise_reals(3, 9057, x, a, b);
+        return zc::nan<T>();
+    }
     // The tail on x's side of the mean a/(a+b) is likely below 1/4 where x
     // lies more than 2/3 of a standard deviation from it, and below 1/64
     // beyond 2.15 (so it is in the normal limit).  Such a tail, when it is the
@@ -255,17 +297,22 @@ T l_beta_ratio(T x, T cx, T a, T b, bool upper) {
     const bool lower_small = d < 0;
     const T z2 = lower_small == !upper ? T(4.0 / 9.0) : T(4.6);  // squared deviates
     bool swapped;
-    if (d * d * (n + 1) > z2 * a * b && sum_length(lower_small ? x : cx, lower_small ? b : a) <= T(kShortSums)) {
+    if (d * d * (n + 1) > z2 * a * b &&
+        (lower_small ? sum_length(x, cx, b) : sum_length(cx, x, a)) <= T(kShortSums)) {
         swapped = !lower_small;
     } else {
         swapped = !(b <= a && x < T(0.8)) && x >= T(0.2);
-        if (x >= T(0.2) && x <= T(0.8)) {
-            const T keep = sum_length(x, b), exchange = sum_length(cx, a);
-            if (keep != exchange) swapped = exchange < keep;
-        }
+        const T keep = sum_length(x, cx, b), exchange = sum_length(cx, x, a);
+        if (((x >= T(0.2) && x <= T(0.8)) || std::max(keep, exchange) > T(kLongestSums)) && keep != exchange)
+            swapped = exchange < keep;
     }
     // s is I_x(a, b) unexchanged, its complement exchanged; t the other one.
-    T s = swapped ? l_betai_sums(cx, x, b, a) : l_betai_sums(x, cx, a, b);
+    bool too_long = false;
+    T s = swapped ? l_betai_sums(cx, x, b, a, &too_long) : l_betai_sums(x, cx, a, b, &too_long);
+    if (too_long) {
+        zc::raise_reals(3, 9057, x, a, b);
+        return zc::nan<T>();
+    }
     T t = 1 - s;
     // Below 1/4 the small tail t may be summed again in its own orientation.
     // The rounding of a sum grows with its length and with the size of the
@@ -279,22 +326,26 @@ T l_beta_ratio(T x, T cx, T a, T b, bool upper) {
     // times as accurate: up to 300 terms, or up to 20000 where more than
     // 1024 units are at stake.
     if (t < T(0.25)) {
-        const T length = sum_length(swapped ? x : cx, swapped ? b : a);
+        const T length = swapped ? sum_length(x, cx, b) : sum_length(cx, x, a);
         bool resum;
         if (t < T(kLowTail)) {
             resum = length <= T(kLongestSums);
         } else {
             const bool want_s = swapped == upper;
             const T lead = a * std::fabs(std::log(x)) + b * std::fabs(std::log(cx));
-            const T es = lead + sum_length(swapped ? cx : x, swapped ? a : b), et = lead + length;
+            const T es = lead + (swapped ? sum_length(cx, x, a) : sum_length(x, cx, b)), et = lead + length;
             // Expected rounding of the value asked for, in units, both ways.
             const T direct = want_s ? es : s * es / t;
             const T again = want_s ? t * et / s : et;
             resum = direct > 64 && 4 * again < direct && length <= T(direct > 1024 ? kLongestSums : kShortSums);
         }
         if (resum) {
-            t = swapped ? l_betai_sums(x, cx, a, b) : l_betai_sums(cx, x, b, a);
-            s = 1 - t;
+            bool again_too_long = false;
+            const T t2 = swapped ? l_betai_sums(x, cx, a, b, &again_too_long) : l_betai_sums(cx, x, b, a, &again_too_long);
+            if (!again_too_long) {
+                t = t2;
+                s = 1 - t;
+            }
         }
     }
     return clamp01(swapped == upper ? s : t);
@@ -313,7 +364,7 @@ T ratio_in_twin(double x, double cx, double a, double b, bool upper) {
 template <class T>
 T l_beta_incomplete(T x, T a, T b) {
     bool bad = false;
-    if (!(x >= 0 && x <= 1)) {
+    if (!std::isnan(x) && !(x >= 0 && x <= 1)) {
         zorvs_e1stl(1, "x");
         zc::raise_reals(5, 120, 0, 1, x);
         bad = true;
@@ -323,6 +374,7 @@ T l_beta_incomplete(T x, T a, T b) {
         bad = true;
     }
     if (bad) return zc::nan<T>();
+    if (std::isnan(x)) return x;  // a missing x stays missing
     return ratio_in_twin<T>(x, 1 - static_cast<double>(x), a, b, false);
 }
 

@@ -41,6 +41,8 @@ T l_b1nnt(const T *h, const T *a) {
         k.twopi = 4 * std::asin(T(1));
     }
     const T b = std::fabs(*h), c = std::fabs(*a);
+    // A missing h or a gives a missing T; the series below would not end.
+    if (std::isnan(b) || std::isnan(c)) return zorvs::missing<T>();
     T result;
     if (c == 0) {
         result = 0;
@@ -83,7 +85,9 @@ T l_b1nnt(const T *h, const T *a) {
                     m += 2;
                     d += 4;
                     B = B * E;
-                    if (R > 0 ? B < k.eps * R : B < k.eps) break;
+                    // A term that has vanished ends the series too: for an R
+                    // among the subnormals eps R is 0 and no B is below it.
+                    if (B == 0 || (R > 0 ? B < k.eps * R : B < k.eps)) break;
                 }
                 result = R * k.rtwopi;
             }
@@ -105,6 +109,9 @@ T l_bnrdf(const T *px, const T *py, const T *prho) {
         raise(5, 20030, rho);
         return zorvs::missing<T>();
     }
+    // A missing x or y gives a missing probability, without a message (the
+    // clamps below would turn NaN into a bound).
+    if (std::isnan(x) || std::isnan(y)) return zorvs::missing<T>();
     if (std::fabs(rho) == 1) {
         raise(6, 20031);
         if (rho > 0) return normal_cdf_core(std::fmin(x, y));

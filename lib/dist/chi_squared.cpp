@@ -54,10 +54,11 @@ T l_chi_squared_cdf(T chi2, T df) {
         zorvs_ermes(1, 9055);
         return 0;
     }
-    if (df < T(0.5)) {
+    if (!(df >= T(0.5))) {  // a NaN df included
         zc::raise_reals(5, 9051, df);
         return zc::nan<T>();
     }
+    if (std::isnan(chi2)) return chi2;  // a missing value stays missing
     if (chi2 <= T(1e-12)) return 0;
     if (df > 65) {
         if (chi2 < 2) return 0;
@@ -110,11 +111,11 @@ template <class T>
 T l_chi_squared_inverse_cdf(T p, T df) {
     const T e = zc::epsilon<T>();
     bool bad = false;
-    if (p <= 0 || p >= 1) {
+    if (!(p > 0 && p < 1)) {
         zc::raise_reals(5, 9043, p);
         bad = true;
     }
-    if (df < T(0.5)) {
+    if (!(df >= T(0.5))) {
         zc::raise_reals(5, 9051, df);
         bad = true;
     }

@@ -50,6 +50,7 @@ T l_erf(T x) {
         e.nterf = initds_checked(lv_erfcs<T>.c, 21, static_cast<float>(T(0.1) * u));
     }
     const T y = std::fabs(x);
+    if (std::isnan(y)) return x;  // a missing argument stays missing
     if (y <= 1) {
         if (y <= e.sqeps) return 2 * x / T(sqrtpi);
         return x * (1 + clenshaw_split_expecting<erfcs_terms<T>>(2 * x * x - 1, lv_erfcs<T>.c, e.nterf));

@@ -31,7 +31,7 @@ T l_F_cdf(T f, T df1, T df2) {
         zc::raise_reals(1, 9050, f);
         return 0;
     }
-    if (std::isnan(f)) return incomplete<T>(f, T(0.5) * df2, T(0.5) * df1);  // raises the range message
+    if (std::isnan(f)) return f;  // a missing f stays missing
     return zc::F_tail<T>(f, df1, df2, false);
 }
 
@@ -80,6 +80,15 @@ T F_tail(T f, T df1, T df2, bool upper) {
     // The single twin forms x and 1 - x in double as well, where the ratio
     // is summed (beta_incomplete.cpp).
     if constexpr (std::is_same_v<T, float>) return static_cast<float>(F_tail<double>(f, df1, df2, upper));
+    // Infinite degrees of freedom: the chi-squared limits, F = chi2(df1)/df1
+    // for an infinite df2, df2/chi2(df2) for an infinite df1, and 1 for both.
+    if (std::isinf(df1) || std::isinf(df2)) {
+        T lower;
+        if (std::isinf(df1) && std::isinf(df2)) lower = f >= 1 ? T(1) : T(0);
+        else if (std::isinf(df2)) lower = zorvs_d_chi_squared_cdf(df1 * f, df1);
+        else lower = 1 - zorvs_d_chi_squared_cdf(df2 / f, df2);
+        return upper ? 1 - lower : lower;
+    }
     T x, cx;
     const T m = df1 * f;
     if (m >= df2) {

@@ -60,16 +60,25 @@ T l_r9lgic(T a, T x, T alx) {
 
 // Perron's continued fraction for x > 1, a >= x: the factor hstar of
 // Tricomi's gamma*(a, x) = e^-x / (gamma(a+1) hstar).
+// Where a + x passes the square root of the largest number the products
+// of the recurrence would overflow (inf/inf); there its terms are divided
+// through by a + x + k first, which the large a makes harmless.
 template <class T>
 T l_r9lgit(T a, T x) {
     const T eps = zc::epsilon<T>() / 2;
     T ax = a + x;
     T a1x = ax + 1;
+    const bool scaled = ax > std::sqrt(zc::largest<T>()) / 4;
     T r = 0, p = 1, s = 1;
     for (int k = 1; k <= 200; ++k) {
         T fk = static_cast<T>(k);
-        T t = (a + fk) * x * (1 + r);
-        r = t / ((ax + fk) * (a1x + fk) - t);
+        if (scaled) {
+            const T u = (a + fk) / (ax + fk) * x * (1 + r);
+            r = u / ((a1x + fk) - u);
+        } else {
+            T t = (a + fk) * x * (1 + r);
+            r = t / ((ax + fk) * (a1x + fk) - t);
+        }
         p *= r;
         s += p;
         if (std::fabs(p) < eps * s) break;
@@ -99,7 +108,7 @@ T l_gamit(T a, T x) {
 template <class T>
 T l_gamma_incomplete(T a, T x) {
     bool bad = false;
-    if (a <= 0) {
+    if (!(a > 0)) {  // a NaN a included
         zc::raise_reals(5, 9032, a);
         bad = true;
     }
@@ -108,7 +117,12 @@ T l_gamma_incomplete(T a, T x) {
         bad = true;
     }
     if (bad) return zc::nan<T>();
+    if (std::isnan(x)) return x;  // a missing x stays missing
     if (x == 0) return 0;
+    // The limits: the whole integral gamma(a) (which may overflow to
+    // infinity), and for an infinite a, 0 up to x = 1 and infinity beyond.
+    if (std::isinf(x)) return std::exp(zc::log_gamma<T>(a));
+    if (std::isinf(a)) return x <= 1 ? T(0) : zc::infinity<T>();
     return std::exp(l_gamit(a, x));
 }
 
@@ -129,10 +143,13 @@ T l_gamma_cdf(T x, T a) {
         return 0;
     }
     if (x == 0) return 0;
-    if (a <= 0) {
+    if (!(a > 0)) {  // a NaN a included
         zc::raise_reals(5, 9056, a);
         return zc::nan<T>();
     }
+    // A missing x stays missing (the loops below would not end on a NaN).
+    if (std::isnan(x)) return x;
+    if (std::isinf(a)) return 0;  // all the mass beyond any finite x
     if (std::log(x) >= std::log(zc::largest<T>()) / 3) {
         if (a >= T(0.5) * x) {
             zc::raise_reals(4, 9010, x, a);
@@ -150,7 +167,8 @@ T l_gamma_cdf(T x, T a) {
             c = c * x / s;
             g += c;
         } while (c > tol);
-        return g * f / a;
+        const T v = g * f / a;
+        return v > 1 ? T(1) : v;  // rounding can pass 1 by an ulp
     }
 
     T y = 1 - a;
@@ -182,7 +200,8 @@ T l_gamma_cdf(T x, T a) {
             p4 /= big;
         }
     }
-    return 1 - r * f;
+    const T v = 1 - r * f;
+    return v < 0 ? T(0) : v;
 }
 
 }  // namespace

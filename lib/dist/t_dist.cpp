@@ -35,6 +35,10 @@ T l_t_cdf(T t, T df) {
         zc::raise_reals(5, 9042, df);
         return zc::nan<T>();
     }
+    if (std::isnan(t)) return t;  // a missing t stays missing
+    // Infinite degrees of freedom: the normal limit (the forms below would
+    // take infinity times 0).
+    if (std::isinf(df)) return zc::normal_cdf<T>(t);
     const T c2pi = static_cast<T>(two_over_pi);
     T t2 = t * t;
     T P;
@@ -108,6 +112,7 @@ T l_t_inverse_cdf(T p, T df) {
         bad = true;
     }
     if (bad) return zc::nan<T>();
+    if (std::isinf(df)) return zc::normal_inverse_cdf<T>(p);  // the normal limit
 
     if (p > T(0.5) - e && p < T(0.5) + e) return 0;
     T P = p < T(0.5) ? 2 * p : 2 * (1 - p);

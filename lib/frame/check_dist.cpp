@@ -42,7 +42,7 @@ template <class T>
 void l_c1f(T a, T b, T df1, T df2, T *f, T *p) {
     T ratio = l_safe_ratio(a, b);
     T tail;
-    if (std::isnan(ratio) || df1 <= 0 || df2 <= 0) tail = zorvs::missing<T>();
+    if (std::isnan(ratio) || !(df1 > 0) || !(df2 > 0)) tail = zorvs::missing<T>();
     else if (std::isinf(ratio) && ratio > 0) tail = 0;
     else if (ratio > 0) tail = zorvs::continuous::F_tail<T>(ratio, df1, df2, true);
     else tail = 1 - F_cdf<T>(ratio, df1, df2);  // with the distribution's note
