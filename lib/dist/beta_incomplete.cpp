@@ -114,9 +114,10 @@ T l_betai_sums(T y, T cy, T p, T q, bool *too_long) {
         T xb = p * std::log(y > 0 ? y : k.sml) - std::log(p) - zc::log_beta<T>(p, q);
         return (xb > k.alnsml && y != 0) ? std::exp(xb) : T(0);
     }
-    // log y and log(1 - y) from whichever of y, 1 - y is the smaller.
-    const T lny = y > T(0.5) ? std::log1p(-cy) : std::log(y);
-    const T lncy = cy > T(0.5) ? std::log1p(-y) : std::log(cy);
+    // log y (and log(1 - y) below) from 1 - y (from y) where that is the
+    // smaller and the large p (q) it multiplies would magnify the rounding
+    // of y (of 1 - y) itself.
+    const T lny = y > T(0.5) && p > 64 ? std::log1p(-cy) : std::log(y);
 
     // The infinite sum in y for the fractional part of q.  A sum whose
     // first term lies below the threshold is carried at the next level of
@@ -203,6 +204,7 @@ T l_betai_sums(T y, T cy, T p, T q, bool *too_long) {
     // The finite sum for the integer part of q.
     if (q > 1) {
         if (!have_lqbeta) lqbeta = std::log(q) + zc::log_beta<T>(p, q);
+        const T lncy = cy > T(0.5) && q > 64 ? std::log1p(-y) : std::log(cy);
         T xb = p * lny + q * lncy - lqbeta;
         int ib = static_cast<int>(std::max(xb / k.alnsml, T(0)));
         T term = std::exp(xb - static_cast<T>(ib) * k.alnsml);
@@ -271,7 +273,7 @@ T clamp01(T v) {
 // log(y) for a fractional q, the finite one about q.
 template <class T>
 T sum_length(T y, T cy, T q) {
-    const T lny = y > T(0.5) ? std::log1p(-cy) : std::log(y);
+    const T lny = y > T(0.99) ? std::log1p(-cy) : std::log(y);  // y may round to 1
     return (q == std::trunc(q) ? 0 : constants<T>().alneps / lny) + q;
 }
 
@@ -302,9 +304,20 @@ T l_beta_ratio(T x, T cx, T a, T b, bool upper) {
         swapped = !lower_small;
     } else {
         swapped = !(b <= a && x < T(0.8)) && x >= T(0.2);
-        const T keep = sum_length(x, cx, b), exchange = sum_length(cx, x, a);
-        if (((x >= T(0.2) && x <= T(0.8)) || std::max(keep, exchange) > T(kLongestSums)) && keep != exchange)
-            swapped = exchange < keep;
+        // The lengths of both orientations, in the band or where the
+        // method's own would pass 20000 terms.
+        bool compare = x >= T(0.2) && x <= T(0.8);
+        if (!compare) {
+            // Without a logarithm where it cannot: the length passes 20000
+            // only for q near that or beyond, or y beyond 0.998 (a fractional q).
+            const T y = swapped ? cx : x, q = swapped ? a : b;
+            if (q > T(kLongestSums) / 2 || (y > T(0.998) && q != std::trunc(q)))
+                compare = (swapped ? sum_length(cx, x, a) : sum_length(x, cx, b)) > T(kLongestSums);
+        }
+        if (compare) {
+            const T keep = sum_length(x, cx, b), exchange = sum_length(cx, x, a);
+            if (keep != exchange) swapped = exchange < keep;
+        }
     }
     // s is I_x(a, b) unexchanged, its complement exchanged; t the other one.
     bool too_long = false;
