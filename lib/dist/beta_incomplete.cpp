@@ -295,12 +295,22 @@ T l_beta_ratio(T x, T cx, T a, T b, bool upper) {
     // a second sum.  Otherwise the exchange of the method keeps y below 0.8,
     // and between 0.2 and 0.8, where either orientation does, the one with
     // the shorter sums is taken.
+    // The sum lengths of the two orientations, each worked out once when
+    // first needed: kept (I_x(a, b)) and exchanged (I_(1-x)(b, a)).
+    T keep_length = zc::nan<T>(), exchange_length = zc::nan<T>();
+    auto keep = [&] {
+        if (std::isnan(keep_length)) keep_length = sum_length(x, cx, b);
+        return keep_length;
+    };
+    auto exchange = [&] {
+        if (std::isnan(exchange_length)) exchange_length = sum_length(cx, x, a);
+        return exchange_length;
+    };
     const T n = a + b, d = x * n - a;  // (x - mean)(a + b)
     const bool lower_small = d < 0;
     const T z2 = lower_small == !upper ? T(4.0 / 9.0) : T(4.6);  // squared deviates
     bool swapped;
-    if (d * d * (n + 1) > z2 * a * b &&
-        (lower_small ? sum_length(x, cx, b) : sum_length(cx, x, a)) <= T(kShortSums)) {
+    if (d * d * (n + 1) > z2 * a * b && (lower_small ? keep() : exchange()) <= T(kShortSums)) {
         swapped = !lower_small;
     } else {
         swapped = !(b <= a && x < T(0.8)) && x >= T(0.2);
@@ -312,12 +322,9 @@ T l_beta_ratio(T x, T cx, T a, T b, bool upper) {
             // only for q near that or beyond, or y beyond 0.998 (a fractional q).
             const T y = swapped ? cx : x, q = swapped ? a : b;
             if (q > T(kLongestSums) / 2 || (y > T(0.998) && q != std::trunc(q)))
-                compare = (swapped ? sum_length(cx, x, a) : sum_length(x, cx, b)) > T(kLongestSums);
+                compare = (swapped ? exchange() : keep()) > T(kLongestSums);
         }
-        if (compare) {
-            const T keep = sum_length(x, cx, b), exchange = sum_length(cx, x, a);
-            if (keep != exchange) swapped = exchange < keep;
-        }
+        if (compare && keep() != exchange()) swapped = exchange() < keep();
     }
     // s is I_x(a, b) unexchanged, its complement exchanged; t the other one.
     bool too_long = false;
@@ -339,14 +346,14 @@ T l_beta_ratio(T x, T cx, T a, T b, bool upper) {
     // times as accurate: up to 300 terms, or up to 20000 where more than
     // 1024 units are at stake.
     if (t < T(0.25)) {
-        const T length = swapped ? sum_length(x, cx, b) : sum_length(cx, x, a);
+        const T length = swapped ? keep() : exchange();
         bool resum;
         if (t < T(kLowTail)) {
             resum = length <= T(kLongestSums);
         } else {
             const bool want_s = swapped == upper;
             const T lead = a * std::fabs(std::log(x)) + b * std::fabs(std::log(cx));
-            const T es = lead + (swapped ? sum_length(cx, x, a) : sum_length(x, cx, b)), et = lead + length;
+            const T es = lead + (swapped ? exchange() : keep()), et = lead + length;
             // Expected rounding of the value asked for, in units, both ways.
             const T direct = want_s ? es : s * es / t;
             const T again = want_s ? t * et / s : et;

@@ -15,11 +15,6 @@ namespace {
 
 namespace zc = zorvs::continuous;
 
-template <class T>
-T incomplete(T x, T a, T b) {
-    if constexpr (std::is_same_v<T, float>) return zorvs_f_beta_incomplete(x, a, b);
-    else return zorvs_d_beta_incomplete(x, a, b);
-}
 
 template <class T>
 T l_F_cdf(T f, T df1, T df2) {
