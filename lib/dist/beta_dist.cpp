@@ -251,10 +251,10 @@ double zorvs_d_beta_inverse_cdf(double p, double pin, double qin) {
     return zorvs::value_routine("zorvs_d_beta_inverse_cdf", [&] { return l_betin<double>(p, pin, qin); });
 }
 float zorvs_betin(float p, float pin, float qin) {
-    return zorvs::value_routine("zorvs_betin", [&] { return l_betin<float>(p, pin, qin); });
+    return zorvs::continuous::betin_with_complement<float>(p, pin, qin, nullptr);
 }
 double zorvs_dbetin(double p, double pin, double qin) {
-    return zorvs::value_routine("zorvs_dbetin", [&] { return l_betin<double>(p, pin, qin); });
+    return zorvs::continuous::betin_with_complement<double>(p, pin, qin, nullptr);
 }
 
 }  // extern "C"
