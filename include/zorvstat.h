@@ -415,6 +415,51 @@ float *zorvs_f_simple_statistics(int n_observations, int n_variables, float x[],
 double *zorvs_d_simple_statistics(int n_observations, int n_variables, double x[], ...);
 /* @@end describe_stats */
 
+/* ------------------------------------------------------------------------ */
+/* Utilities: permutations                                                  */
+/* ------------------------------------------------------------------------ */
+/* @@section permute */
+/* Values of `permute`: a vector gathered (result[i] = x[permutation[i]]) or
+ * scattered (result[permutation[i]] = x[i]); a matrix's rows gathered or its
+ * columns scattered.  The permutation counts from 0 and must hold each index
+ * once.  Keyword: ZORVS_RETURN_USER (result array). */
+enum zorvs_permute_option {
+    ZORVS_FORWARD_PERMUTATION = 1,
+    ZORVS_BACKWARD_PERMUTATION = 2,
+    ZORVS_PERMUTE_ROWS = 3,
+    ZORVS_PERMUTE_COLUMNS = 4
+};
+float *zorvs_f_permute_vector(int n_elements, float x[], int permutation[], int permute, ...);
+double *zorvs_d_permute_vector(int n_elements, double x[], int permutation[], int permute, ...);
+float *zorvs_f_permute_matrix(int n_rows, int n_columns, float a[], int permutation[], int permute, ...);
+double *zorvs_d_permute_matrix(int n_rows, int n_columns, double a[], int permutation[], int permute, ...);
+/* @@end permute */
+
+/* ------------------------------------------------------------------------ */
+/* Multivariate analysis                                                    */
+/* ------------------------------------------------------------------------ */
+/* @@section multivariate */
+/* K-means clustering by Hartigan and Wong's transfers from the caller's seed
+ * means; returns the cluster of each observation, from 1.  Keywords:
+ * ZORVS_RETURN_USER (int []), ZORVS_MAX_ITERATIONS (int), ZORVS_WEIGHTS,
+ * ZORVS_FREQUENCIES (real []), ZORVS_X_COL_DIM, ZORVS_CLUSTER_SEEDS_COL_DIM,
+ * ZORVS_CLUSTER_MEANS_COL_DIM (int), ZORVS_CLUSTER_MEANS (real **),
+ * ZORVS_CLUSTER_MEANS_USER (real []), ZORVS_CLUSTER_SSQ (real **),
+ * ZORVS_CLUSTER_SSQ_USER (real []), ZORVS_CLUSTER_COUNTS (int **),
+ * ZORVS_CLUSTER_COUNTS_USER (int []), ZORVS_X_COLUMNS (int []). */
+int *zorvs_f_cluster_k_means(int n_observations, int n_variables, float x[], int n_clusters,
+                             float cluster_seeds[], ...);
+int *zorvs_d_cluster_k_means(int n_observations, int n_variables, double x[], int n_clusters,
+                             double cluster_seeds[], ...);
+/* Principal components of a covariance or correlation matrix; returns the
+ * eigenvalues in decreasing order.  Keywords: ZORVS_RETURN_USER, ZORVS_COV_COL_DIM
+ * (int), ZORVS_COVARIANCE_MATRIX, ZORVS_CORRELATION_MATRIX, ZORVS_EIGENVECTORS,
+ * ZORVS_CORRELATIONS, ZORVS_CUM_PERCENT (real **) and their _USER twins (real []),
+ * ZORVS_STD_DEV (int df, real **), ZORVS_STD_DEV_USER (int df, real []). */
+float *zorvs_f_principal_components(int n_variables, float covariances[], ...);
+double *zorvs_d_principal_components(int n_variables, double covariances[], ...);
+/* @@end multivariate */
+
 #ifdef __cplusplus
 }
 #endif

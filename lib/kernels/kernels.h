@@ -154,7 +154,8 @@ void zorvs_dsvigp(const int *n, const int ia[], int ib[], int iperm[]);
 
 /* Permute x in place by cycles into xout (copied first when it differs):
  * ipath 1 gathers, xout'(i) = x(iperm(i)); any other ipath scatters,
- * xout'(iperm(i)) = x(i).  An entry outside 1..n: (5, 20422). */
+ * xout'(iperm(i)) = x(i).  An entry outside 1..n: (5, 20422); a repeated
+ * entry: (5, 20425), and nothing is permuted. */
 void zorvs_permu(const int *n, const float x[], int iperm[], const int *ipath, float xout[]);
 void zorvs_dpermu(const int *n, const double x[], int iperm[], const int *ipath, double xout[]);
 
@@ -163,8 +164,11 @@ void zorvs_dpermu(const int *n, const double x[], int iperm[], const int *ipath,
 
 /* The kernels' own helpers, reachable from C++ only: sort by absolute value
  * with the signs carried in iperm, sort integers without a permutation, and
- * permute integers. */
+ * permute integers; and the test that iperm holds each of 1..n once, which
+ * raises (5, 20422) for an entry out of range and (5, 20425) for a repeat
+ * and leaves iperm as it came. */
 namespace zorvs {
+bool l_check_permutation(int n, int iperm[]);
 void l_svrbp(const int *n, const float ra[], float rb[], int iperm[]);
 void l_svrbp(const int *n, const double ra[], double rb[], int iperm[]);
 void l_svign(int n, const int ia[], int ib[]);

@@ -196,31 +196,14 @@ template <class T>
 void l_permute(const char *name, int n, const T *x, int *iperm, int ipath, T *xout) {
     zorvs_e1psh(name);
     copy_in(n, x, xout);
-    if (n == 1) {
+    if (!zorvs::l_check_permutation(n, iperm) || n == 1) {
         zorvs_e1pop(name);
         return;
     }
     T *v = xout - 1;
     int *p = iperm - 1;
-    bool bad = false;
-    for (int i = 1; i <= n; ++i) {
-        if (p[i] < 1 || p[i] > n) {
-            zorvs_e1sti(1, i - 1);
-            zorvs_e1sti(2, n);
-            zorvs_e1sti(3, p[i] - 1);
-            zorvs_ermes(5, 20422);
-            bad = true;
-        } else {
-            p[i] = -p[i];
-        }
-    }
-    if (bad) {
-        // Give the caller the permutation back as it came.
-        for (int i = 1; i <= n; ++i)
-            if (p[i] < 0) p[i] = -p[i];
-        zorvs_e1pop(name);
-        return;
-    }
+    // Every entry is marked unvisited by negation; the walks below unmark.
+    for (int i = 1; i <= n; ++i) p[i] = -p[i];
     auto swap = [&](int a, int b) {
         T t = v[a];
         v[a] = v[b];
@@ -256,6 +239,41 @@ void l_permute(const char *name, int n, const T *x, int *iperm, int ipath, T *xo
 }  // namespace
 
 namespace zorvs {
+// Each entry must lie in 1..n and occur once.  A repeated entry would send
+// the cycle walks of l_permute out of the array (an entry reached twice is
+// unmarked twice, and its negation then serves as an index), so it is
+// caught here.  The repeats are found by marking, in place, the entry at the
+// position each value names; the marks are removed before returning.
+bool l_check_permutation(int n, int iperm[]) {
+    int *p = iperm - 1;
+    bool good = true;
+    for (int i = 1; i <= n; ++i) {
+        if (p[i] < 1 || p[i] > n) {
+            zorvs_e1sti(1, i - 1);
+            zorvs_e1sti(2, n);
+            zorvs_e1sti(3, p[i] - 1);
+            zorvs_ermes(5, 20422);
+            good = false;
+        }
+    }
+    if (!good) return false;
+    for (int i = 1; i <= n; ++i) {
+        const int value = p[i] < 0 ? -p[i] : p[i];
+        if (p[value] < 0) {
+            zorvs_e1sti(1, i - 1);
+            zorvs_e1sti(2, value - 1);
+            zorvs_e1sti(3, n - 1);
+            zorvs_ermes(5, 20425);
+            good = false;
+            break;
+        }
+        p[value] = -p[value];
+    }
+    for (int i = 1; i <= n; ++i)
+        if (p[i] < 0) p[i] = -p[i];
+    return good;
+}
+
 void l_svrbp(const int *n, const float ra[], float rb[], int iperm[]) { l_sort_abs_signed(n, ra, rb, iperm); }
 void l_svrbp(const int *n, const double ra[], double rb[], int iperm[]) { l_sort_abs_signed(n, ra, rb, iperm); }
 void l_svign(int n, const int ia[], int ib[]) {

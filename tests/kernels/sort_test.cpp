@@ -235,6 +235,20 @@ TEST(SortChecks, BadCountsAndEntriesRaiseAndSortNothing) {
     EXPECT_EQ(bad[2], 1);
     EXPECT_EQ(out[0], 1);
     EXPECT_EQ(out[2], 3);
+    // a repeated entry, on either path: reported, nothing moved, nothing read
+    // outside the arrays (the scatter walk used to run off them)
+    for (int repeat_path : {1, 2}) {
+        double dx[3] = {1, 2, 3}, dout[3];
+        int twice[3] = {2, 2, 3};
+        zorvs_dpermu(&m, dx, twice, &repeat_path, dout);
+        EXPECT_EQ(zorvs_n1rcd(1), 20425);
+        EXPECT_EQ(zorvs_error_param.i[1], 1);
+        EXPECT_EQ(zorvs_error_param.i[2], 1);
+        EXPECT_EQ(twice[0], 2);
+        EXPECT_EQ(twice[1], 2);
+        EXPECT_EQ(dout[0], 1);
+        EXPECT_EQ(dout[1], 2);
+    }
     // after a failure a good call sorts again
     zorvs_svrgn(2, a, b);
     EXPECT_EQ(b[0], 1);
