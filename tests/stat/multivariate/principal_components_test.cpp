@@ -1,0 +1,187 @@
+// Tests of principal components against R's eigen() and prcomp()
+// (tests/data/stat/multivariate/make_principal_components.R) on the
+// covariance and correlation matrices of USArrests, iris, mtcars, longley
+// and a singular matrix: eigenvalues, eigenvectors with the largest element
+// positive, cumulative proportions, correlations with the variables and
+// standard errors; then the sign rule, zero variances, negative eigenvalues,
+// the refusals, storage, and the stop.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <vector>
+
+#include "frame/services.h"
+#include "support/capture.hpp"
+#include "zorvstat.h"
+
+namespace {
+
+using zorvs_test::Quiet;
+
+struct Reference {
+    const char *name;
+    int n, correlation, df;
+    double a[121], eigenvalues[11], vectors[121], cumulative[11], correlations[121], std_errors[11];
+};
+const Reference references[] = {
+#include "data/stat/multivariate/principal_components_ref.inc"
+};
+
+template <class T, class... Args>
+T *pca(int n, T *a, Args... args) {
+    if constexpr (std::is_same_v<T, float>)
+        return zorvs_f_principal_components(n, a, args...);
+    else
+        return zorvs_d_principal_components(n, a, args...);
+}
+
+template <class T>
+class PrincipalComponentsTwin : public ::testing::Test {};
+using Reals = ::testing::Types<float, double>;
+TYPED_TEST_SUITE(PrincipalComponentsTwin, Reals);
+
+// Relative to the largest eigenvalue for values and to 1 for the unit vectors
+// and proportions: eigenvalues to 1e-12 of the largest (the singular pair's
+// zero cannot be closer), vectors to 1e-10 in double; the float twin to the
+// rounding of its data, magnified by the spread of the eigenvalues.
+TYPED_TEST(PrincipalComponentsTwin, AgreeWithR) {
+    using T = TypeParam;
+    const bool single = std::is_same_v<T, float>;
+    for (const Reference &r : references) {
+        SCOPED_TRACE(r.name);
+        const int n = r.n;
+        const double scale = r.eigenvalues[0];
+        const double value_tol = single ? 2e-5 : 1e-12;
+        // The vector of an eigenvalue close to others is known only to the
+        // ratio of the matrix's rounding to that gap.
+        std::vector<T> a(r.a, r.a + n * n), vectors(n * n), correlations(n * n), cumulative(n), std_errors(n);
+        const std::vector<T> before = a;
+        T *values = pca<T>(n, a.data(), r.correlation ? ZORVS_CORRELATION_MATRIX : ZORVS_COVARIANCE_MATRIX,
+                           ZORVS_EIGENVECTORS_USER, vectors.data(), ZORVS_CORRELATIONS_USER, correlations.data(),
+                           ZORVS_CUM_PERCENT_USER, cumulative.data(), ZORVS_STD_DEV_USER, r.df, std_errors.data(), 0);
+        ASSERT_NE(values, nullptr);
+        EXPECT_EQ(zorvs_error_type(), 0);
+        EXPECT_EQ(a, before);
+        for (int j = 0; j < n; ++j) {
+            EXPECT_NEAR(values[j], r.eigenvalues[j], value_tol * scale) << "value " << j;
+            EXPECT_NEAR(cumulative[j], r.cumulative[j], single ? 1e-5 : 1e-12) << "proportion " << j;
+            EXPECT_NEAR(std_errors[j], r.std_errors[j], (single ? 2e-5 : 1e-12) * scale) << "std error " << j;
+            double gap = 1e300;
+            for (int k = 0; k < n; ++k)
+                if (k != j) gap = std::fmin(gap, std::fabs(r.eigenvalues[k] - r.eigenvalues[j]) / scale);
+            const double vector_tol = std::fmax(single ? 1e-5 : 1e-10, (single ? 1e-6 : 1e-15) / gap);
+            // A zero eigenvalue comes out as a rounding error of either
+            // sign, and its root scales the correlations of its component.
+            const bool zero = r.eigenvalues[j] < value_tol * scale;
+            for (int i = 0; i < n; ++i) {
+                EXPECT_NEAR(vectors[i * n + j], r.vectors[i * n + j], vector_tol) << "vector " << j << " row " << i;
+                EXPECT_NEAR(correlations[i * n + j], r.correlations[i * n + j],
+                            (zero ? std::sqrt(2 * value_tol) : vector_tol) * std::sqrt(scale / r.a[i * n + i]))
+                    << "correlation " << i << ", " << j;
+            }
+        }
+        EXPECT_NEAR(cumulative[n - 1], 1.0, single ? 1e-6 : 1e-15);
+        std::free(values);
+    }
+}
+
+// Edge cases worked by hand, as rows: matrix (row-major, n = 2 or 3),
+// correlation or not, expected eigenvalues, expected first vector, expected
+// correlations of row 0, expected (type, code) at the end.
+struct Edge {
+    const char *what;
+    int n, correlation;
+    std::vector<double> a, values, first_vector, correlation_row0;
+    int type, code;
+};
+const double h = std::sqrt(0.5);
+const Edge edges[] = {
+    // the solver's vector for 4 is (-1, -1)/sqrt 2 or (1, 1)/sqrt 2: always given as the positive one
+    {"sign", 2, 0, {2, 2, 2, 2}, {4, 0}, {h, h}, {1, 0}, 0, 0},
+    {"sign of a negative leader", 2, 0, {1, -2, -2, 4}, {5, 0}, {-1 / std::sqrt(5.0), 2 / std::sqrt(5.0)},
+     {-1, 0}, 0, 0},
+    {"zero variance", 3, 0, {0, 0, 0, 0, 4, 0, 0, 0, 1}, {4, 1, 0}, {0, 1, 0}, {NAN, NAN, NAN}, 0, 0},
+    {"correlation 1", 2, 1, {1, 1, 1, 1}, {2, 0}, {h, h}, {1, 0}, 0, 0},
+    {"slightly negative", 2, 0, {1, 1 + 1e-14, 1 + 1e-14, 1}, {2 + 1e-14, -1e-14}, {h, h}, {1, 0}, 0, 0},
+    {"negative", 2, 0, {1, 2, 2, 1}, {3, -1}, {h, h}, {std::sqrt(1.5), 0}, 3, 20102},
+    {"negative diagonal", 2, 0, {1, 0, 0, -1}, {}, {}, {}, 5, 20100},
+    {"one variable", 1, 0, {2}, {}, {}, {}, 5, 603},
+};
+
+TEST(PrincipalComponents, EdgeCases) {
+    Quiet quiet;
+    for (const Edge &e : edges) {
+        SCOPED_TRACE(e.what);
+        std::vector<double> a = e.a, vectors(e.n * e.n, -7), correlations(e.n * e.n, -7);
+        double *values = zorvs_d_principal_components(
+            e.n, a.data(), e.correlation ? ZORVS_CORRELATION_MATRIX : ZORVS_COVARIANCE_MATRIX,
+            ZORVS_EIGENVECTORS_USER, vectors.data(), ZORVS_CORRELATIONS_USER, correlations.data(), 0);
+        EXPECT_EQ(zorvs_error_type(), e.type);
+        EXPECT_EQ(zorvs_error_code(), e.code);
+        if (e.type >= 4) {
+            EXPECT_EQ(values, nullptr);
+            continue;
+        }
+        ASSERT_NE(values, nullptr);
+        for (int j = 0; j < e.n; ++j) EXPECT_NEAR(values[j], e.values[j], 1e-15 * e.values[0]);
+        for (int i = 0; i < e.n; ++i) {
+            EXPECT_NEAR(vectors[i * e.n], e.first_vector[i], 1e-15);
+            if (std::isnan(e.correlation_row0[i]))
+                EXPECT_TRUE(std::isnan(correlations[i])) << i;
+            else
+                EXPECT_NEAR(correlations[i], e.correlation_row0[i], 1e-7) << i;
+        }
+        std::free(values);
+    }
+}
+
+// Allocated outputs, df below 1, stride, the refusals.
+TEST(PrincipalComponents, StorageAndChecks) {
+    Quiet quiet;
+    // a 2x2 covariance matrix in rows of 3
+    double a[6] = {4, 2, -9, 2, 3, -9};
+    double *vectors = nullptr, *correlations = nullptr, *cumulative = nullptr, *std_errors = nullptr;
+    double *values = zorvs_d_principal_components(2, a, ZORVS_COV_COL_DIM, 3, ZORVS_EIGENVECTORS, &vectors,
+                                                  ZORVS_CORRELATIONS, &correlations, ZORVS_CUM_PERCENT,
+                                                  &cumulative, ZORVS_STD_DEV, 0, &std_errors, 0);
+    ASSERT_NE(values, nullptr);
+    ASSERT_NE(vectors, nullptr);
+    ASSERT_NE(correlations, nullptr);
+    ASSERT_NE(cumulative, nullptr);
+    ASSERT_NE(std_errors, nullptr);
+    EXPECT_EQ(zorvs_error_type(), 3);
+    EXPECT_EQ(zorvs_error_code(), 20101);
+    const double l1 = 3.5 + std::sqrt(4.25), l2 = 3.5 - std::sqrt(4.25);
+    EXPECT_NEAR(values[0], l1, 1e-14);
+    EXPECT_NEAR(values[1], l2, 1e-14);
+    EXPECT_NEAR(cumulative[0], l1 / 7, 1e-15);
+    EXPECT_NEAR(std_errors[0], l1 * std::sqrt(0.02), 1e-14);  // df 100
+    EXPECT_NEAR(vectors[0] * vectors[0] + vectors[2] * vectors[2], 1, 1e-15);
+    for (double *p : {values, vectors, correlations, cumulative, std_errors}) std::free(p);
+
+    float f[4] = {1, 0.5f, 0.5f, 1};
+    std::vector<float> user(2, -1);
+    EXPECT_EQ(zorvs_f_principal_components(2, f, ZORVS_RETURN_USER, user.data(), 0), user.data());
+    EXPECT_NEAR(user[0], 1.5f, 1e-6f);
+    // refusals free what they allocated and null the caller's pointers
+    vectors = reinterpret_cast<double *>(&a[0]);
+    EXPECT_EQ(zorvs_d_principal_components(2, a, ZORVS_COV_COL_DIM, 1, ZORVS_EIGENVECTORS, &vectors, 0), nullptr);
+    EXPECT_EQ(zorvs_error_code(), 601);
+    EXPECT_EQ(vectors, nullptr);
+    EXPECT_EQ(zorvs_d_principal_components(0, a, 0), nullptr);
+    EXPECT_EQ(zorvs_error_code(), 603);
+    EXPECT_EQ(zorvs_d_principal_components(2, a, ZORVS_X_COL_DIM, 2, 0), nullptr);
+    EXPECT_EQ(zorvs_error_code(), 11001);
+}
+
+TEST(PrincipalComponents, NegativeDiagonalStopsTheProcessByDefault) {
+    auto call = [] {
+        double a[4] = {1, 0, 0, -1};
+        zorvs_d_principal_components(2, a, 0);
+        std::exit(0);
+    };
+    EXPECT_EXIT(call(), ::testing::ExitedWithCode(5), "zorvs_d_principal_components");
+}
+
+}  // namespace
