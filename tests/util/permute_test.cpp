@@ -85,7 +85,7 @@ TYPED_TEST(PermuteTwin, ExactAndInputsKept) {
             std::vector<T> user(c.expected.size(), T(-1));
             T *got = run<T>(c, x, p, with_user ? user.data() : nullptr);
             ASSERT_NE(got, nullptr);
-            EXPECT_EQ(zorvs_error_type(), 0);
+            EXPECT_EQ(zorvs_n1rty(1), 0);
             if (with_user) {
                 EXPECT_EQ(got, user.data());
             }
@@ -129,7 +129,7 @@ TYPED_TEST(PermuteTwin, RefusedWithoutTouchingAnything) {
         std::vector<int> p = r.permutation;
         std::vector<T> user(9, T(-1));
         run<T>(c, x, p, user.data());
-        EXPECT_EQ(zorvs_error_type(), 5);
+        EXPECT_EQ(zorvs_n1rty(1), 5);
         EXPECT_EQ(zorvs_error_code(), r.code) << r.permute;
         if (r.code != 602) {
             EXPECT_EQ(zorvs_error_param.i[1], r.i1);

@@ -205,11 +205,11 @@ void l_principal_components(int n_variables, T *covariances, va_list *list) {
     int arg_no = 0;
     zorvs_c1iarg(n_variables, "n_variables", 1, 0, &arg_no);
     zorvs_null_pointer("covariances", -1, covariances);
-    if (zorvs_error_n1rty[0] >= 4) return;
+    const bool checked = zorvs_error_n1rty[0] < 4;
 
     const int n = n_variables;
-    T *work = zorvs::allocate<T>(2 * n, "n_variables");
-    int *iwork = zorvs::allocate<int>(n, "n_variables");
+    T *work = checked ? zorvs::allocate<T>(2 * n, "n_variables") : nullptr;
+    int *iwork = checked ? zorvs::allocate<int>(n, "n_variables") : nullptr;
     bool ready = work && iwork;
     if (ready && !user) ready = (lv_eigenvalues<T> = zorvs::allocate<T>(n, "n_variables")) != nullptr;
     ready = ready && vectors.acquire(n, "n_variables", n, "n_variables") &&

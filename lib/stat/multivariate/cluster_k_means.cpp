@@ -1,0 +1,582 @@
+// cluster_k_means.cpp - k-means clustering from the caller's seed means by
+// the optimal-transfer and quick-transfer method of Hartigan and Wong
+// (Applied Statistics algorithm AS 136, 1979, 28: 100-108), extended to
+// frequencies, weights and missing values.
+//
+// Method.  Each observation starts in the cluster of its nearest seed (ties
+// to the lower cluster number), the means are the means of that assignment,
+// and passes of the optimal-transfer stage (every observation tried against
+// every cluster of the live set) alternate with the quick-transfer stage
+// (each observation tried against its second-nearest cluster only) until a
+// whole optimal-transfer pass moves nothing.  With w the frequency times the
+// weight of observation i and s the summed w of a cluster, removing i from
+// its cluster l1 saves d(i, l1) s1 / (s1 - w), adding it to l costs
+// d(i, l) s / (s + w); i moves where the cost is below the saving.  With
+// unit frequencies and weights these are the factors of AS 136, formed the
+// same way (the factor first, then the product), so that the steps, the
+// assignments and the means are those of the published algorithm.
+//
+// Missing values (NaN) are left out of everything they touch: a distance
+// sums over the variables where both the observation and the mean are
+// present, and each mean is kept over the non-missing values of its
+// variable, with the summed w of those values per variable and cluster.  A
+// mean with no values behind it is NaN.  An observation with every variable
+// missing is at distance 0 from every mean; it stays in cluster 1 unless a
+// transfer has a positive saving, so in practice where it started.
+//
+// Left to the implementer, settled here:
+//  - The live set and the step counters (ncp) are kept as in AS 136.
+//  - The quick-transfer stage is bounded, as in R's version of AS 136, by
+//    50 n_observations steps; beyond that (rounding can make two
+//    observations trade places for ever) the clustering stops with the
+//    present assignment and (3, 20085).
+//  - Counts are numbers of observations (rows), whatever their frequencies;
+//    the within-cluster sums of squares and the means are weighted by
+//    frequency times weight.  A row of frequency f therefore gives the means
+//    and sums of squares of f copies of the row whenever the copies end in
+//    the same cluster, but it moves as one.
+//  - An entry of ZORVS_X_COLUMNS outside the data's columns that is not the
+//    frequency or weight column is (5, 602) with the name "x_columns".
+//  - The private copy of the data is gathered directly in column-major order
+//    (the table a row-major copy and its transposition would give), holding
+//    the columns in use, then the frequency and the weight column; columns
+//    of x that no variable uses are not read.  The worker numbers the
+//    columns as the caller does: x_col_dim data columns, then the frequency
+//    column, then the weight column.
+//  - The within-cluster sums of squares and the cluster numbers are written
+//    only when the clustering succeeded.
+
+#include <algorithm>
+#include <cmath>
+#include <cstdarg>
+#include <utility>
+#include <limits>
+#include <type_traits>
+
+#include "frame/checks.h"
+#include "frame/frame.hpp"
+#include "frame/machine.h"
+#include "stat/multivariate/output_pair.hpp"
+#include "zorvstat.h"
+
+namespace {
+
+template <class T>
+int *lv_clusters = nullptr;
+
+// The worker's state: the column-major table, the means (column-major, ld
+// k), and the per-observation and per-cluster arrays of AS 136.  Indices
+// here count from 0; step numbers (ncp, live) count from 1 as in AS 136.
+template <class T>
+struct KMeans {
+    int m = 0, nv = 0, k = 0;
+    const T *const *column = nullptr;  // column[j][i]: variable j of observation i
+    const T *frq = nullptr, *wgt = nullptr;  // the frequency and weight columns, or null
+    T *w = nullptr;                    // frequency times weight, or null for all 1
+    bool missing = false;              // a NaN among the data or the means
+    T *c = nullptr;                    // means, c[j * k + l]
+    T *wsum = nullptr;                 // per variable and cluster, the w of present values (missing only)
+    T *s = nullptr;                    // summed w of each cluster
+    T *an1 = nullptr, *an2 = nullptr;  // s / (s - 1) and s / (s + 1), for unit w
+    T *d = nullptr;                    // removal cost of each observation
+    int *ic1 = nullptr, *ic2 = nullptr, *nc = nullptr, *ncp = nullptr, *itran = nullptr, *live = nullptr;
+
+    T weight(int i) const { return w ? w[i] : T(1); }
+    T &mean(int l, int j) { return c[static_cast<long>(j) * k + l]; }
+    // The cost factors, for observation i of weight wi.
+    T removal(int l, T wi) const { return w ? s[l] / (s[l] - wi) : an1[l]; }
+    T addition(int l, T wi) const { return w ? s[l] / (s[l] + wi) : an2[l]; }
+
+    // Squared distance of observation i from mean l over the variables
+    // where both are present; summing stops once it reaches bound.
+    T distance(int i, int l, T bound = std::numeric_limits<T>::infinity()) const {
+        T sum = 0;
+        const T *cl = c + l;
+        if (!missing) {
+            for (int j = 0; j < nv; ++j) {
+                const T diff = column[j][i] - cl[static_cast<long>(j) * k];
+                sum += diff * diff;
+                if (sum >= bound) return sum;
+            }
+        } else {
+            for (int j = 0; j < nv; ++j) {
+                const T diff = column[j][i] - cl[static_cast<long>(j) * k];
+                if (diff != diff) continue;
+                sum += diff * diff;
+                if (sum >= bound) return sum;
+            }
+        }
+        return sum;
+    }
+};
+
+// l_k7ean: the means, sizes and counts of the present assignment.
+template <class T>
+void l_k7ean(KMeans<T> &g) {
+    const long kv = static_cast<long>(g.k) * g.nv;
+    for (long q = 0; q < kv; ++q) {
+        g.c[q] = 0;
+        if (g.wsum) g.wsum[q] = 0;
+    }
+    for (int l = 0; l < g.k; ++l) {
+        g.s[l] = 0;
+        g.nc[l] = 0;
+    }
+    for (int i = 0; i < g.m; ++i) {
+        const int l = g.ic1[i];
+        const T wi = g.weight(i);
+        g.s[l] += wi;
+        ++g.nc[l];
+        for (int j = 0; j < g.nv; ++j) {
+            const T x = g.column[j][i];
+            if (g.wsum) {
+                if (zorvs::is_missing(x)) continue;
+                g.wsum[static_cast<long>(j) * g.k + l] += wi;
+            }
+            g.mean(l, j) += wi * x;
+        }
+    }
+    const T nan = zorvs::missing<T>();
+    for (int j = 0; j < g.nv; ++j)
+        for (int l = 0; l < g.k; ++l) {
+            const T total = g.wsum ? g.wsum[static_cast<long>(j) * g.k + l] : g.s[l];
+            g.mean(l, j) = total > T(0) ? g.mean(l, j) / total : nan;
+        }
+}
+
+// Move observation i from its cluster l1 to l2, updating the means over the
+// variables it has, the sizes and the factors.
+template <class T>
+void transfer(KMeans<T> &g, int i, int l1, int l2) {
+    const T wi = g.weight(i);
+    const T nan = zorvs::missing<T>();
+    for (int j = 0; j < g.nv; ++j) {
+        const T x = g.column[j][i];
+        T *w1 = g.wsum ? &g.wsum[static_cast<long>(j) * g.k + l1] : &g.s[l1];
+        T *w2 = g.wsum ? &g.wsum[static_cast<long>(j) * g.k + l2] : &g.s[l2];
+        if (g.wsum && zorvs::is_missing(x)) continue;
+        const T a1 = *w1, a2 = *w2;
+        const T rest = a1 - wi, joined = a2 + wi;
+        T &m1 = g.mean(l1, j), &m2 = g.mean(l2, j);
+        m1 = rest > T(0) ? (m1 * a1 - wi * x) / rest : nan;
+        m2 = a2 > T(0) ? (m2 * a2 + wi * x) / joined : x;
+        if (g.wsum) {
+            *w1 = rest;
+            *w2 = joined;
+        }
+    }
+    g.s[l1] -= wi;
+    g.s[l2] += wi;
+    --g.nc[l1];
+    ++g.nc[l2];
+    if (!g.w) {
+        const T big = T(1e30);
+        const T left = g.s[l1], grown = g.s[l2];
+        g.an2[l1] = left / (left + T(1));
+        g.an1[l1] = left > T(1) ? left / (left - T(1)) : big;
+        g.an1[l2] = grown / (grown - T(1));
+        g.an2[l2] = grown / (grown + T(1));
+    }
+    g.ic1[i] = l2;
+    g.ic2[i] = l1;
+}
+
+// l_k6ean: the optimal-transfer stage.  indx counts the observations passed
+// since the last transfer.
+template <class T>
+void l_k6ean(KMeans<T> &g, int &indx) {
+    const int m = g.m;
+    for (int l = 0; l < g.k; ++l)
+        if (g.itran[l] == 1) g.live[l] = m + 1;
+    for (int i = 0; i < m; ++i) {
+        const int step = i + 1;
+        ++indx;
+        const int l1 = g.ic1[i];
+        if (g.nc[l1] != 1) {
+            const T wi = g.weight(i);
+            // The removal cost is reworked only if l1 changed in this stage.
+            if (g.ncp[l1] != 0) g.d[i] = g.distance(i, l1) * g.removal(l1, wi);
+            const int ll = g.ic2[i];
+            int l2 = ll;
+            T r2 = g.distance(i, ll) * g.addition(ll, wi);
+            for (int l = 0; l < g.k; ++l) {
+                // Outside the live set both ways, or a cluster already tried.
+                if ((step >= g.live[l1] && step >= g.live[l]) || l == l1 || l == ll) continue;
+                const T an = g.addition(l, wi);
+                const T rr = r2 / an;
+                const T dc = g.distance(i, l, rr);
+                if (dc >= rr) continue;
+                r2 = dc * an;
+                l2 = l;
+            }
+            if (r2 >= g.d[i]) {
+                g.ic2[i] = l2;
+            } else {
+                indx = 0;
+                g.live[l1] = m + step;
+                g.live[l2] = m + step;
+                g.ncp[l1] = step;
+                g.ncp[l2] = step;
+                transfer(g, i, l1, l2);
+            }
+        }
+        if (indx == m) return;
+    }
+    for (int l = 0; l < g.k; ++l) {
+        g.itran[l] = 0;
+        g.live[l] -= m;
+    }
+}
+
+// l_k3ean: the quick-transfer stage.  False when it ran past its bound.
+template <class T>
+bool l_k3ean(KMeans<T> &g, int &indx) {
+    const int m = g.m;
+    const long limit = 50L * m;
+    int icoun = 0;
+    long istep = 0;
+    for (;;) {
+        for (int i = 0; i < m; ++i) {
+            ++icoun;
+            ++istep;
+            if (istep >= limit) return false;
+            const int l1 = g.ic1[i], l2 = g.ic2[i];
+            if (g.nc[l1] != 1) {
+                const T wi = g.weight(i);
+                // ncp holds the step of the last update plus m.
+                if (istep <= g.ncp[l1]) g.d[i] = g.distance(i, l1) * g.removal(l1, wi);
+                if (istep < g.ncp[l1] || istep < g.ncp[l2]) {
+                    const T r2 = g.d[i] / g.addition(l2, wi);
+                    if (g.distance(i, l2, r2) < r2) {
+                        icoun = 0;
+                        indx = 0;
+                        g.itran[l1] = 1;
+                        g.itran[l2] = 1;
+                        g.ncp[l1] = static_cast<int>(istep + m);
+                        g.ncp[l2] = static_cast<int>(istep + m);
+                        transfer(g, i, l1, l2);
+                    }
+                }
+            }
+            if (icoun == m) return true;
+        }
+    }
+}
+
+// l_k2ean: the worker.  The table holds ncol columns of ldx observations:
+// the data, then the frequencies (column ifrq, from 1; 0 for none) and the
+// weights (column iwt).  columns[j] (from 0) is the column of variable j;
+// g.column, g.frq and g.wgt point into the column-major copy of the table.
+// seeds are column-major with leading dimension k; means receive the final
+// means in the same layout, result the clusters from 1.
+template <class T>
+void l_k2ean(int m, int nv, int ldx, int ncol, int ifrq, int iwt, const int *columns, int k, const T *seeds,
+             int max_iterations, int *result, T *means, T *ssq, int *counts, KMeans<T> &g) {
+    static const char *const name = "l_k2ean ";
+    zorvs_e1psh(name);
+    auto done = [&] { zorvs_e1pop(name); };
+    int arg_no = 0;
+    if (k < 2 || k > m) {
+        zorvs_e1sti(1, k);
+        zorvs_e1sti(2, m);
+        zorvs_ermes(5, 20080);
+    }
+    const int data_columns = ncol - (ifrq ? 1 : 0) - (iwt ? 1 : 0);
+    zorvs_c1iarg(ldx, "LDX", m, 0, &arg_no);
+    if (nv > data_columns) {
+        zorvs_e1sti(1, nv);
+        zorvs_e1sti(2, data_columns);
+        zorvs_e1sti(3, ifrq - 1);
+        zorvs_e1sti(4, iwt - 1);
+        zorvs_ermes(5, ifrq && iwt ? 20092 : (ifrq || iwt ? 20093 : 20094));
+    }
+    for (int j = 0; j < nv; ++j) {
+        const int col = columns[j] + 1;  // from 1, as ifrq and iwt
+        zorvs_e1sti(1, columns[j]);
+        zorvs_e1sti(2, j);
+        if (iwt && col == iwt) {
+            zorvs_ermes(5, 20090);
+        } else if (ifrq && col == ifrq) {
+            zorvs_ermes(5, 20091);
+        } else if (col < 1 || col > data_columns) {
+            zorvs_c1iarg(columns[j], "x_columns", 0, data_columns - 1, &arg_no);
+        }
+    }
+    if (zorvs_n1rcd(0) != 0) return done();
+    const T *frq = g.frq, *wgt = g.wgt;
+    for (int i = 0; i < m; ++i) {
+        if (frq && !(frq[i] > T(0))) {
+            zorvs_e1sti(1, i);
+            zorvs_ermes(5, 20081);
+            return done();
+        }
+        if (wgt && !(wgt[i] > T(0))) {
+            zorvs_e1sti(1, i);
+            zorvs_ermes(5, 20082);
+            return done();
+        }
+    }
+    g.m = m;
+    g.nv = nv;
+    g.k = k;
+    g.c = means;
+    if (frq || wgt) {
+        for (int i = 0; i < m; ++i) g.w[i] = (frq ? frq[i] : T(1)) * (wgt ? wgt[i] : T(1));
+    } else {
+        g.w = nullptr;
+    }
+    g.missing = false;
+    for (int j = 0; j < nv && !g.missing; ++j)
+        for (int i = 0; i < m; ++i)
+            if (zorvs::is_missing(g.column[j][i])) {
+                g.missing = true;
+                break;
+            }
+    for (long q = 0; q < static_cast<long>(k) * nv && !g.missing; ++q)
+        if (zorvs::is_missing(seeds[q])) g.missing = true;
+    if (!g.missing) g.wsum = nullptr;
+
+    // First assignment: the nearest and second-nearest seeds.
+    for (long q = 0; q < static_cast<long>(k) * nv; ++q) g.c[q] = seeds[q];
+    for (int i = 0; i < m; ++i) {
+        T dt1 = g.distance(i, 0), dt2 = g.distance(i, 1);
+        int best = 0, second = 1;
+        if (dt1 > dt2) {
+            std::swap(dt1, dt2);
+            std::swap(best, second);
+        }
+        for (int l = 2; l < k; ++l) {
+            const T db = g.distance(i, l, dt2);
+            if (db >= dt2) continue;
+            if (db < dt1) {
+                dt2 = dt1;
+                second = best;
+                dt1 = db;
+                best = l;
+            } else {
+                dt2 = db;
+                second = l;
+            }
+        }
+        g.ic1[i] = best;
+        g.ic2[i] = second;
+    }
+    l_k7ean(g);
+    for (int l = 0; l < k; ++l) {
+        if (g.s[l] > T(0)) continue;
+        zorvs_e1sti(1, l + 1);
+        zorvs_ermes(5, 20083);
+        return done();
+    }
+    for (int l = 0; l < k; ++l) {
+        if (!g.w) {
+            const T aa = g.s[l];
+            g.an2[l] = aa / (aa + T(1));
+            g.an1[l] = aa > T(1) ? aa / (aa - T(1)) : T(1e30);
+        }
+        g.itran[l] = 1;
+        g.ncp[l] = -1;
+    }
+    int indx = 0;
+    bool converged = false;
+    for (int pass = 0; pass < max_iterations; ++pass) {
+        l_k6ean(g, indx);
+        if (indx == m) {
+            converged = true;
+            break;
+        }
+        if (!l_k3ean(g, indx)) {
+            zorvs_e1sti(1, static_cast<int>(std::min(50L * m, static_cast<long>(std::numeric_limits<int>::max()))));
+            zorvs_ermes(3, 20085);
+            converged = true;  // reported already
+            break;
+        }
+        if (k == 2) {
+            converged = true;
+            break;
+        }
+        for (int l = 0; l < k; ++l) g.ncp[l] = 0;
+    }
+    if (!converged) {
+        zorvs_e1sti(1, max_iterations);
+        zorvs_ermes(3, 20084);
+    }
+    // Final means from scratch, then the weighted sums of squares, each
+    // summed variable by variable over the observations in order.
+    l_k7ean(g);
+    for (int l = 0; l < k; ++l) {
+        ssq[l] = 0;
+        counts[l] = g.nc[l];
+    }
+    for (int j = 0; j < nv; ++j) {
+        const T *xj = g.column[j];
+        for (int i = 0; i < m; ++i) {
+            const int l = g.ic1[i];
+            const T diff = xj[i] - g.mean(l, j);
+            if (g.missing && diff != diff) continue;
+            ssq[l] += g.w ? g.w[i] * (diff * diff) : diff * diff;
+        }
+    }
+    for (int i = 0; i < m; ++i) result[i] = g.ic1[i] + 1;
+    done();
+}
+
+template <class T>
+void l_cluster_k_means(int n_observations, int n_variables, T *x, int n_clusters, T *cluster_seeds,
+                       va_list *list) {
+    zorvs::KeywordReader kw(list, 5);
+    bool user = false;
+    int max_iterations = 30, x_col_dim = n_variables, seeds_col_dim = n_variables, means_col_dim = n_variables;
+    const T *frequencies = nullptr, *weights = nullptr;
+    const int *x_columns = nullptr;
+    zorvs::OutputPair<T> means, ssq;
+    zorvs::OutputPair<int> counts;
+    for (int key = kw.keyword(); key != 0; key = kw.keyword()) {
+        switch (key) {
+        case ZORVS_RETURN_USER:
+            lv_clusters<T> = kw.pointer<int>();
+            user = true;
+            break;
+        case ZORVS_MAX_ITERATIONS: max_iterations = kw.integer(); break;
+        case ZORVS_WEIGHTS: weights = kw.pointer<T>(); break;
+        case ZORVS_FREQUENCIES: frequencies = kw.pointer<T>(); break;
+        case ZORVS_X_COL_DIM: x_col_dim = kw.integer(); break;
+        case ZORVS_CLUSTER_SEEDS_COL_DIM: seeds_col_dim = kw.integer(); break;
+        case ZORVS_CLUSTER_MEANS_COL_DIM: means_col_dim = kw.integer(); break;
+        case ZORVS_CLUSTER_MEANS: means.set_give(kw.pointer<T *>()); break;
+        case ZORVS_CLUSTER_MEANS_USER: means.set_user(kw.pointer<T>()); break;
+        case ZORVS_CLUSTER_SSQ: ssq.set_give(kw.pointer<T *>()); break;
+        case ZORVS_CLUSTER_SSQ_USER: ssq.set_user(kw.pointer<T>()); break;
+        case ZORVS_CLUSTER_COUNTS: counts.set_give(kw.pointer<int *>()); break;
+        case ZORVS_CLUSTER_COUNTS_USER: counts.set_user(kw.pointer<int>()); break;
+        case ZORVS_X_COLUMNS: x_columns = kw.pointer<int>(); break;
+        default: kw.unknown(key); return;
+        }
+    }
+    int arg_no = 0;
+    zorvs_c1iarg(n_observations, "n_observations", 1, 0, &arg_no);
+    zorvs_c1iarg(n_variables, "n_variables", 1, 0, &arg_no);
+    zorvs_c1iarg(max_iterations, "max_iterations", 1, 0, &arg_no);
+    zorvs_c1iarg(x_col_dim, "x_col_dim", 1, 0, &arg_no);
+    zorvs_c1dim(1, n_variables, "*n_variables", seeds_col_dim, "cluster_seeds_col_dim", &arg_no);
+    zorvs_c1dim(1, n_variables, "*n_variables", means_col_dim, "cluster_means_col_dim", &arg_no);
+    zorvs_null_pointer("x", -1, x);
+    zorvs_null_pointer("cluster_seeds", -1, cluster_seeds);
+    const bool checked = zorvs_error_n1rty[0] < 4;
+
+    const int m = n_observations, nv = n_variables;
+    // A count of clusters out of range is the worker's to report; the
+    // arrays are sized within range meanwhile.
+    const int k = checked ? std::clamp(n_clusters, 1, m) : 1;
+    // The table as the worker numbers it: the caller's x_col_dim columns,
+    // then frequencies, then weights.  The copy holds only the columns in
+    // use, then the frequencies and the weights.
+    const int ncol = x_col_dim + (frequencies ? 1 : 0) + (weights ? 1 : 0);
+    const int ifrq = frequencies ? x_col_dim + 1 : 0, iwt = weights ? ncol : 0;
+    T *table = nullptr;
+    int *columns = nullptr;
+    int *ic1 = nullptr;
+    const T **column = nullptr;
+    T *seeds = nullptr;
+    T *centres = nullptr;
+    T *per_obs = nullptr;
+    T *per_cluster = nullptr;
+    T *wsum = nullptr;
+    int *ic2 = nullptr;
+    int *per_cluster_int = nullptr;
+    if (checked) {
+        table = zorvs::allocate<T>(m, "n_observations", nv + 2, "n_variables");
+        columns = zorvs::allocate<int>(nv, "n_variables");
+        ic1 = zorvs::allocate<int>(m, "n_observations");
+        column = zorvs::allocate<const T *>(nv, "n_variables");
+        seeds = zorvs::allocate<T>(k, "n_clusters", nv, "n_variables");
+        centres = zorvs::allocate<T>(k, "n_clusters", nv, "n_variables");
+        per_obs = zorvs::allocate<T>(m, "n_observations", 2, "n_observations");  // d and w
+        per_cluster = zorvs::allocate<T>(k, "n_clusters", 3, "n_clusters");       // s, an1, an2
+        wsum = zorvs::allocate<T>(k, "n_clusters", nv, "n_variables");
+        ic2 = zorvs::allocate<int>(m, "n_observations");
+        per_cluster_int = zorvs::allocate<int>(k, "n_clusters", 4, "n_clusters");
+    }
+    bool ready = checked && table && columns && ic1 && column && seeds && centres && per_obs && per_cluster && wsum && ic2 &&
+                 per_cluster_int;
+    if (ready && !user) ready = (lv_clusters<T> = zorvs::allocate<int>(m, "n_observations")) != nullptr;
+    ready = ready && means.acquire(k, "n_clusters", means_col_dim, "n_variables") && ssq.acquire(k, "n_clusters") &&
+            counts.acquire(k, "n_clusters");
+    if (ready) {
+        // A variable whose column lies outside the data is the worker's to
+        // report; its copy is left empty.
+        for (int j = 0; j < nv; ++j) {
+            const int source = x_columns ? x_columns[j] : j;
+            const bool inside = source >= 0 && source < x_col_dim;
+            columns[j] = source;
+            T *to = table + static_cast<long>(j) * m;
+            column[j] = to;
+            for (int i = 0; i < m; ++i) to[i] = inside ? x[static_cast<long>(i) * x_col_dim + source] : T(0);
+        }
+        T *frq = table + static_cast<long>(nv) * m, *wgt = frq + m;
+        if (frequencies)
+            for (int i = 0; i < m; ++i) frq[i] = frequencies[i];
+        if (weights)
+            for (int i = 0; i < m; ++i) wgt[i] = weights[i];
+        if (n_clusters >= 2 && n_clusters <= m)
+            for (int l = 0; l < k; ++l)
+                for (int j = 0; j < nv; ++j)
+                    seeds[static_cast<long>(j) * k + l] = cluster_seeds[static_cast<long>(l) * seeds_col_dim + j];
+        KMeans<T> g;
+        g.column = column;
+        g.frq = frequencies ? frq : nullptr;
+        g.wgt = weights ? wgt : nullptr;
+        g.ic1 = ic1;
+        g.w = per_obs + m;
+        g.d = per_obs;
+        g.s = per_cluster;
+        g.an1 = per_cluster + k;
+        g.an2 = per_cluster + 2 * k;
+        g.wsum = wsum;
+        g.ic2 = ic2;
+        g.nc = per_cluster_int;
+        g.ncp = per_cluster_int + k;
+        g.itran = per_cluster_int + 2 * k;
+        g.live = per_cluster_int + 3 * k;
+        l_k2ean(m, nv, m, ncol, ifrq, iwt, columns, n_clusters, seeds, max_iterations, lv_clusters<T>, centres,
+                ssq.data, counts.data, g);
+        if (zorvs_error_n1rty[0] < 4)
+            for (int l = 0; l < k; ++l)
+                for (int j = 0; j < nv; ++j)
+                    means.data[static_cast<long>(l) * means_col_dim + j] = centres[static_cast<long>(j) * k + l];
+    }
+    const bool failed = zorvs_error_n1rty[0] >= 4;
+    means.finish(failed);
+    ssq.finish(failed);
+    counts.finish(failed);
+    zorvs::release(table);
+    zorvs::release(columns);
+    zorvs::release(ic1);
+    zorvs::release(column);
+    zorvs::release(seeds);
+    zorvs::release(centres);
+    zorvs::release(per_obs);
+    zorvs::release(per_cluster);
+    zorvs::release(wsum);
+    zorvs::release(ic2);
+    zorvs::release(per_cluster_int);
+    zorvs::exit_test(lv_clusters<T>, user);
+}
+
+}  // namespace
+
+extern "C" {
+
+int *zorvs_f_cluster_k_means(int n_observations, int n_variables, float x[], int n_clusters, float cluster_seeds[],
+                             ...) {
+    ZORVS_KEYWORD_ENTRY(cluster_seeds, "zorvs_f_cluster_k_means", lv_clusters<float>,
+                        l_cluster_k_means<float>(n_observations, n_variables, x, n_clusters, cluster_seeds, &list));
+}
+int *zorvs_d_cluster_k_means(int n_observations, int n_variables, double x[], int n_clusters,
+                             double cluster_seeds[], ...) {
+    ZORVS_KEYWORD_ENTRY(cluster_seeds, "zorvs_d_cluster_k_means", lv_clusters<double>,
+                        l_cluster_k_means<double>(n_observations, n_variables, x, n_clusters, cluster_seeds,
+                                                  &list));
+}
+
+}  // extern "C"

@@ -1,0 +1,256 @@
+// Tests of k-means clustering against R's kmeans(algorithm = "Hartigan-Wong")
+// (tests/data/stat/multivariate/make_cluster_k_means.R) on iris, USArrests,
+// faithful and scaled mtcars with 2 to 5 clusters from the same seeds;
+// frequencies and weights against replicated rows; missing values and ties
+// worked by hand; every message the routine raises; caller storage; the stop.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+#include "frame/services.h"
+#include "support/capture.hpp"
+#include "zorvstat.h"
+
+namespace {
+
+using zorvs_test::Quiet;
+
+struct DataSet {
+    const char *name;
+    int m, nv;
+    std::vector<double> x;
+};
+const DataSet data_sets[] = {
+#define ZORVS_KMEANS_DATA
+#include "data/stat/multivariate/cluster_k_means_ref.inc"
+#undef ZORVS_KMEANS_DATA
+};
+struct Reference {
+    const char *set;
+    int k;
+    std::vector<int> seed_rows, clusters;
+    std::vector<double> means, ssq;
+    std::vector<int> counts;
+};
+const Reference references[] = {
+#include "data/stat/multivariate/cluster_k_means_ref.inc"
+};
+
+const DataSet &data_of(const char *name) {
+    for (const DataSet &d : data_sets)
+        if (std::strcmp(d.name, name) == 0) return d;
+    std::abort();
+}
+
+template <class T, class... Args>
+int *k_means(int m, int nv, T *x, int k, T *seeds, Args... args) {
+    if constexpr (std::is_same_v<T, float>)
+        return zorvs_f_cluster_k_means(m, nv, x, k, seeds, args...);
+    else
+        return zorvs_d_cluster_k_means(m, nv, x, k, seeds, args...);
+}
+
+template <class T>
+class KMeansTwin : public ::testing::Test {};
+using Reals = ::testing::Types<float, double>;
+TYPED_TEST_SUITE(KMeansTwin, Reals);
+
+// Same assignments and counts as R; means and sums of squares to 1e-10
+// relative in double.  The float twin rounds its data to 24 bits; it must
+// still find R's assignment on these well-separated data, with means and
+// sums of squares to the rounding of their sums.
+TYPED_TEST(KMeansTwin, AgreeWithR) {
+    using T = TypeParam;
+    const bool single = std::is_same_v<T, float>;
+    const double tol = single ? 2e-5 : 1e-10;
+    int same_assignments = 0;
+    for (const Reference &r : references) {
+        SCOPED_TRACE(std::string(r.set) + " k=" + std::to_string(r.k));
+        const DataSet &d = data_of(r.set);
+        std::vector<T> x(d.x.begin(), d.x.end()), seeds;
+        for (int row : r.seed_rows)
+            for (int j = 0; j < d.nv; ++j) seeds.push_back(x[row * d.nv + j]);
+        std::vector<T> means(r.k * d.nv), ssq(r.k);
+        std::vector<int> counts(r.k);
+        int *clusters = k_means<T>(d.m, d.nv, x.data(), r.k, seeds.data(), ZORVS_CLUSTER_MEANS_USER, means.data(),
+                                   ZORVS_CLUSTER_SSQ_USER, ssq.data(), ZORVS_CLUSTER_COUNTS_USER, counts.data(), 0);
+        ASSERT_NE(clusters, nullptr);
+        EXPECT_EQ(zorvs_n1rty(1), 0);
+        const bool same = std::vector<int>(clusters, clusters + d.m) == r.clusters;
+        std::free(clusters);
+        same_assignments += same;
+        if (single && !same) continue;  // counted below
+        EXPECT_TRUE(same);
+        EXPECT_EQ(counts, r.counts);
+        double scale = 0;
+        for (double v : r.means) scale = std::fmax(scale, std::fabs(v));
+        for (std::size_t q = 0; q < means.size(); ++q)
+            EXPECT_NEAR(means[q], r.means[q], tol * scale) << "mean " << q;
+        for (int l = 0; l < r.k; ++l) EXPECT_NEAR(ssq[l], r.ssq[l], tol * r.ssq[l]) << "ssq " << l;
+    }
+    const int total = static_cast<int>(std::size(references));
+    EXPECT_EQ(total, 32);
+    EXPECT_GE(same_assignments, single ? total - 2 : total);
+}
+
+// A row of integer frequency f is f copies of the row; a weight scales the
+// row's share of its means and sums of squares as a frequency does.
+TEST(KMeans, FrequenciesAndWeightsAgreeWithReplicatedRows) {
+    const DataSet &d = data_of("iris");
+    const int k = 3;
+    std::vector<double> x = d.x, seeds;
+    for (int row : {0, 60, 120})
+        for (int j = 0; j < d.nv; ++j) seeds.push_back(x[row * d.nv + j]);
+    std::vector<double> f(d.m), replicated;
+    for (int i = 0; i < d.m; ++i) {
+        f[i] = 1 + i % 3;
+        for (int c = 0; c < f[i]; ++c) replicated.insert(replicated.end(), &x[i * d.nv], &x[i * d.nv] + d.nv);
+    }
+    const int mr = static_cast<int>(replicated.size()) / d.nv;
+    std::vector<double> mean_f(k * d.nv), ssq_f(k), mean_r(k * d.nv), ssq_r(k), mean_w(k * d.nv), ssq_w(k);
+    int *by_f = zorvs_d_cluster_k_means(d.m, d.nv, x.data(), k, seeds.data(), ZORVS_FREQUENCIES, f.data(),
+                                        ZORVS_CLUSTER_MEANS_USER, mean_f.data(), ZORVS_CLUSTER_SSQ_USER, ssq_f.data(), 0);
+    int *by_r = zorvs_d_cluster_k_means(mr, d.nv, replicated.data(), k, seeds.data(), ZORVS_CLUSTER_MEANS_USER,
+                                        mean_r.data(), ZORVS_CLUSTER_SSQ_USER, ssq_r.data(), 0);
+    int *by_w = zorvs_d_cluster_k_means(d.m, d.nv, x.data(), k, seeds.data(), ZORVS_WEIGHTS, f.data(),
+                                        ZORVS_CLUSTER_MEANS_USER, mean_w.data(), ZORVS_CLUSTER_SSQ_USER, ssq_w.data(), 0);
+    ASSERT_TRUE(by_f && by_r && by_w);
+    for (int i = 0, ir = 0; i < d.m; ir += static_cast<int>(f[i]), ++i) {
+        EXPECT_EQ(by_f[i], by_r[ir]) << i;
+        EXPECT_EQ(by_w[i], by_f[i]) << i;
+    }
+    for (int q = 0; q < k * d.nv; ++q) {
+        EXPECT_NEAR(mean_f[q], mean_r[q], 1e-13);
+        EXPECT_EQ(mean_w[q], mean_f[q]);
+    }
+    for (int l = 0; l < k; ++l) {
+        EXPECT_NEAR(ssq_f[l], ssq_r[l], 1e-12 * ssq_r[l]);
+        EXPECT_EQ(ssq_w[l], ssq_f[l]);
+    }
+    for (int *p : {by_f, by_r, by_w}) std::free(p);
+}
+
+// Worked by hand: ties, a missing value, n_clusters 2, strides, x_columns
+// and allocated outputs.
+TYPED_TEST(KMeansTwin, HandCases) {
+    using T = TypeParam;
+    const T nan = std::numeric_limits<T>::quiet_NaN();
+    // The point 1 is as far from 0 as from 2: it goes to cluster 1, and
+    // the means are then 0.5 and 2 ... unless the transfers move it: from
+    // cluster 1 of two members its removal saves 0.25 * 2 = 0.5, joining
+    // cluster 2 costs 1 * 1/2 = 0.5, not less, so it stays.
+    {
+        std::vector<T> x{0, 1, 2}, seeds{0, 2};
+        int *c = k_means<T>(3, 1, x.data(), 2, seeds.data(), 0);
+        ASSERT_NE(c, nullptr);
+        EXPECT_EQ(std::vector<int>(c, c + 3), (std::vector<int>{1, 1, 2}));
+        std::free(c);
+    }
+    // Two variables in rows of 3 (the third column unused), the second
+    // variable missing in one row, which lies by its first variable next to
+    // cluster 2 and adds to the mean of the first variable only.
+    {
+        std::vector<T> x{0, 0, -9, 0.5, 1, -9, 10, 10, -9, 11, 11, -9, 10.5, nan, -9};
+        std::vector<T> seeds{0, 0, 10, 10};
+        T *means = nullptr, *ssq = nullptr;
+        int *counts = nullptr;
+        int *c = k_means<T>(5, 2, x.data(), 2, seeds.data(), ZORVS_X_COL_DIM, 3, ZORVS_CLUSTER_MEANS, &means,
+                            ZORVS_CLUSTER_SSQ, &ssq, ZORVS_CLUSTER_COUNTS, &counts, 0);
+        ASSERT_TRUE(c && means && ssq && counts);
+        EXPECT_EQ(std::vector<int>(c, c + 5), (std::vector<int>{1, 1, 2, 2, 2}));
+        EXPECT_EQ(std::vector<T>(means, means + 4), (std::vector<T>{0.25, 0.5, 10.5, 10.5}));
+        EXPECT_EQ(std::vector<int>(counts, counts + 2), (std::vector<int>{2, 3}));
+        EXPECT_EQ(ssq[0], T(0.125 + 0.5));
+        EXPECT_EQ(ssq[1], T(0.5 + 0.5));
+        std::free(c);
+        std::free(means);
+        std::free(ssq);
+        std::free(counts);
+    }
+    // x_columns picks columns 2 and 0 of rows of 3, means in rows of 4.
+    {
+        std::vector<T> x{0, 99, 0, 1, 99, 1, 9, 99, 9, 10, 99, 10};
+        std::vector<T> seeds{0, 0, 10, 10}, means(8, -1);
+        int columns[2] = {2, 0}, result[4];
+        int *c = k_means<T>(4, 2, x.data(), 2, seeds.data(), ZORVS_X_COL_DIM, 3, ZORVS_X_COLUMNS, columns,
+                            ZORVS_CLUSTER_MEANS_USER, means.data(), ZORVS_CLUSTER_MEANS_COL_DIM, 4,
+                            ZORVS_RETURN_USER, result, ZORVS_MAX_ITERATIONS, 1, 0);
+        EXPECT_EQ(c, result);
+        EXPECT_EQ(zorvs_n1rty(1), 0);  // two clusters settle in one pass
+        EXPECT_EQ(std::vector<int>(result, result + 4), (std::vector<int>{1, 1, 2, 2}));
+        EXPECT_EQ(means, (std::vector<T>{0.5, 0.5, -1, -1, 9.5, 9.5, -1, -1}));
+    }
+}
+
+// The refusals, as rows: what is changed from a good call, and the expected
+// (type, code).
+struct Refusal {
+    const char *what;
+    int k, nv, x_col_dim, max_iterations;
+    std::vector<int> x_columns;
+    double frequency0, weight0;  // of row 0; +0.0 for none given (-0.0 is a zero frequency given)
+    bool far_seed;
+    int type, code;
+};
+const Refusal refusals[] = {
+    {"one cluster", 1, 2, 2, 30, {}, 0, 0, false, 5, 20080},
+    {"more clusters than rows", 7, 2, 2, 30, {}, 0, 0, false, 5, 20080},
+    {"zero frequency", 2, 2, 2, 30, {}, -0.0, 0, false, 5, 20081},
+    {"NaN weight", 2, 2, 2, 30, {}, 0, NAN, false, 5, 20082},
+    {"empty cluster", 3, 2, 2, 30, {}, 0, 0, true, 5, 20083},
+    {"weight column", 2, 2, 2, 30, {0, 3}, 1, 1, false, 5, 20090},
+    {"frequency column", 2, 2, 2, 30, {2, 1}, 1, 0, false, 5, 20091},
+    {"too many, both", 2, 3, 2, 30, {0, 1, 1}, 1, 1, false, 5, 20092},
+    {"too many, one", 2, 3, 2, 30, {0, 1, 1}, 0, 1, false, 5, 20093},
+    {"too many", 2, 3, 2, 30, {0, 1, 1}, 0, 0, false, 5, 20094},
+    {"column out of range", 2, 2, 2, 30, {0, 5}, 0, 0, false, 5, 602},
+    {"bad iterations", 2, 2, 2, 0, {}, 0, 0, false, 5, 603},
+    {"bad stride", 2, 2, 0, 30, {}, 0, 0, false, 5, 603},
+    {"no convergence", 3, 2, 2, 1, {}, 0, 0, false, 3, 20084},
+};
+
+TEST(KMeans, Refusals) {
+    Quiet quiet;
+    for (const Refusal &r : refusals) {
+        SCOPED_TRACE(r.what);
+        // six rows of two columns (a third for the strided cases)
+        std::vector<double> x{0, 0, 0.4, 0.2, 5, 5, 5.5, 4, 2.6, 2.4, 9, 9};
+        std::vector<double> seeds{0, 0, 0, 9, 9, 0, r.far_seed ? 100 : 2.4, r.far_seed ? 100 : 2.6, 0};
+        std::vector<double> f(6, 1), w(6, 1);
+        f[0] = r.frequency0;
+        w[0] = r.weight0;
+        const std::vector<double> x_before = x, seeds_before = seeds;
+        double *ssq = reinterpret_cast<double *>(&x[0]);
+        int *c = zorvs_d_cluster_k_means(
+            6, r.nv, x.data(), r.k, seeds.data(), ZORVS_X_COL_DIM, r.x_col_dim, ZORVS_MAX_ITERATIONS, r.max_iterations,
+            ZORVS_CLUSTER_SEEDS_COL_DIM, 3, ZORVS_CLUSTER_MEANS_COL_DIM, 3, ZORVS_CLUSTER_SSQ, &ssq,
+            ZORVS_X_COLUMNS, r.x_columns.empty() ? nullptr : r.x_columns.data(),
+            ZORVS_FREQUENCIES, r.frequency0 != 0 || std::signbit(r.frequency0) ? f.data() : nullptr,
+            ZORVS_WEIGHTS, r.weight0 != 0 ? w.data() : nullptr, 0);
+        EXPECT_EQ(zorvs_n1rty(1), r.type);
+        EXPECT_EQ(zorvs_error_code(), r.code);
+        EXPECT_EQ(c == nullptr, r.type >= 4);
+        EXPECT_EQ(ssq == nullptr, r.type >= 4);
+        EXPECT_EQ(x, x_before);
+        EXPECT_EQ(seeds, seeds_before);
+        std::free(c);
+        if (r.type < 4) std::free(ssq);
+    }
+    double x[4] = {0, 1, 2, 3};
+    EXPECT_EQ(zorvs_d_cluster_k_means(4, 1, x, 2, x, ZORVS_STD_DEV, 0), nullptr);
+    EXPECT_EQ(zorvs_error_code(), 11001);
+}
+
+TEST(KMeans, EmptyClusterStopsTheProcessByDefault) {
+    auto call = [] {
+        double x[4] = {0, 1, 2, 3}, seeds[2] = {0, 100};
+        zorvs_d_cluster_k_means(4, 1, x, 2, seeds, 0);
+        std::exit(0);
+    };
+    EXPECT_EXIT(call(), ::testing::ExitedWithCode(5), "zorvs_d_cluster_k_means");
+}
+
+}  // namespace
