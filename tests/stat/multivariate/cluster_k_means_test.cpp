@@ -10,6 +10,7 @@
 #include <cstring>
 #include <vector>
 
+#include "frame/frame.hpp"
 #include "frame/services.h"
 #include "support/capture.hpp"
 #include "zorvstat.h"
@@ -242,6 +243,49 @@ TEST(KMeans, Refusals) {
     double x[4] = {0, 1, 2, 3};
     EXPECT_EQ(zorvs_d_cluster_k_means(4, 1, x, 2, x, ZORVS_STD_DEV, 0), nullptr);
     EXPECT_EQ(zorvs_error_code(), 11001);
+}
+
+// Each allocation of a call made to fail in turn: a memory message, a null
+// result, the caller's pointers null, nothing leaked (under the sanitizers).
+TEST(Multivariate, EveryAllocationFailureIsReported) {
+    Quiet quiet;
+    auto each_failure = [](auto call) {
+        int failures = 0;
+        for (int n = 1;; ++n) {
+            zorvs::allocation_failure_countdown = n;
+            const bool failed = call();
+            const bool reached = zorvs::allocation_failure_countdown == 0;
+            zorvs::allocation_failure_countdown = 0;
+            if (!reached) break;
+            EXPECT_TRUE(failed) << "allocation " << n;
+            EXPECT_EQ(zorvs_n1rty(1), 5);
+            EXPECT_TRUE(zorvs_n1rcd(1) >= 200 && zorvs_n1rcd(1) <= 202) << zorvs_n1rcd(1);
+            ++failures;
+        }
+        EXPECT_GE(failures, 5);
+    };
+    std::vector<double> x{0, 0, 1, 1, 9, 9, 10, 10}, seeds{0, 0, 10, 10};
+    each_failure([&] {
+        double *means = x.data();
+        int *counts = nullptr;
+        int *c = zorvs_d_cluster_k_means(4, 2, x.data(), 2, seeds.data(), ZORVS_CLUSTER_MEANS, &means,
+                                         ZORVS_CLUSTER_COUNTS, &counts, ZORVS_FREQUENCIES, x.data() + 2, 0);
+        const bool failed = !c && !means && !counts;
+        std::free(c);
+        std::free(means);
+        std::free(counts);
+        return failed;
+    });
+    each_failure([&] {
+        double a[4] = {2, 1, 1, 2}, *vectors = a, *std_errors = a;
+        double *values = zorvs_d_principal_components(2, a, ZORVS_EIGENVECTORS, &vectors, ZORVS_STD_DEV, 10,
+                                                      &std_errors, 0);
+        const bool failed = !values && !vectors && !std_errors;
+        std::free(values);
+        std::free(vectors);
+        std::free(std_errors);
+        return failed;
+    });
 }
 
 TEST(KMeans, EmptyClusterStopsTheProcessByDefault) {
