@@ -20,8 +20,8 @@
 //
 // The matrix is transposed to column-major in place around the kernel call
 // and transposed back, as the result is, so the caller's matrix holds on
-// return what it held before.  The result may not be the caller's matrix
-// itself.
+// return what it held before.  Caller storage may be x or a itself: the
+// permutation is then made in place.
 
 #include <cstdarg>
 #include <type_traits>
@@ -139,7 +139,7 @@ void l_permute_matrix(int n_rows, int n_columns, T *a, int *permutation, int per
     if (work && lv_permuted<T>) {
         transpose(n_rows, n_columns, a);
         l_p2rma(n_rows, n_columns, a, n_rows, index, rows ? 1 : 2, lv_permuted<T>, n_rows, work);
-        transpose(n_columns, n_rows, a);
+        if (lv_permuted<T> != a) transpose(n_columns, n_rows, a);
         transpose(n_columns, n_rows, lv_permuted<T>);
     }
     zorvs::release(work);

@@ -99,6 +99,17 @@ TYPED_TEST(PermuteTwin, ExactAndInputsKept) {
     }
 }
 
+// Caller storage that is the input itself: permuted in place.
+TYPED_TEST(PermuteTwin, InPlace) {
+    using T = TypeParam;
+    for (const Case &c : cases) {
+        std::vector<T> x = data_of<T>(c);
+        std::vector<int> p = c.permutation;
+        EXPECT_EQ(run<T>(c, x, p, x.data()), x.data());
+        for (std::size_t i = 0; i < c.expected.size(); ++i) EXPECT_EQ(x[i], static_cast<T>(c.expected[i]));
+    }
+}
+
 // Refusals: (permutation, permute, expected code, i1, i2); the inputs and the
 // caller's storage stay as they were.
 struct Refusal {
