@@ -621,9 +621,10 @@ struct Block {
 };
 
 // The controller's memory, a variable of the caller.  State 0 is the first
-// call and the end; 70: the whole width fits and the blocks are groups of
-// rows; 120: columns wrap and the rows in hand are those that fit a page;
-// 200: columns wrap and the row wrap alone sets the rows in hand.
+// call and the end; 50: no rows, the blocks are heads alone, one per column
+// group; 70: the whole width fits and the blocks are groups of rows; 120:
+// columns wrap and the rows in hand are those that fit a page; 200: columns
+// wrap and the row wrap alone sets the rows in hand.
 struct Controller {
     int state;
     int next_row;            // first row of the next block
@@ -706,22 +707,44 @@ void zorvs_write_controller(Job<T> &job, Controller &s, Block &b) {
         s.hand_last = -1;
         s.c0 = 0;
         if (job.n_rows == 0 || job.n_columns == 0) {
-            // The title and the labels alone.
+            // The title and the labels alone, the labels wrapped in column
+            // groups like the columns of a matrix with rows.
             int count = 0;
             zorvs_w1opt(3, &count);
-            int c1 = job.n_columns - 1;
-            if (count > 0 && count + head_lines(job, 0, c1, true) + 1 > job.lay.page_length)
+            s.c1 = job.n_columns > 0 ? column_group_end(job, 0) : -1;
+            if (count > 0 && count + head_lines(job, 0, s.c1, true) + 1 > job.lay.page_length)
                 zorvs_write_line(-1, "");
             s.first_block = false;
-            s.state = 70;
-            s.next_row = job.n_rows;
-            b = Block{0, -1, 0, c1, 0, true};
+            s.state = 50;
+            b = Block{0, -1, 0, s.c1, 0, true};
             return;
         }
         s.c1 = column_group_end(job, 0);
         int count = 0;
         zorvs_w1opt(3, &count);
         s.state = s.c1 == job.n_columns - 1 ? 70 : count >= 0 ? 120 : 200;
+    }
+    if (s.state == 50) {
+        // The next group of labels of a matrix without rows, parted from the
+        // group before like a block of rows.
+        s.c0 = s.c1 + 1;
+        if (s.c0 < job.n_columns) {
+            s.c1 = column_group_end(job, s.c0);
+            int count = 0;
+            zorvs_w1opt(3, &count);
+            const bool paging = count >= 0;
+            if (paging && count > 0 && count + 1 + head_lines(job, s.c0, s.c1, false) > job.lay.page_length) {
+                zorvs_write_line(-1, "");
+                count = 0;
+            } else {
+                zorvs_write_line(1, " ");
+            }
+            b = Block{0, -1, s.c0, s.c1, 0, paging && count == 0 && job.lay.title_page != 0};
+            return;
+        }
+        s.state = 0;
+        b.rows = -1;
+        return;
     }
     for (;;) {
         if (s.state == 70) {
@@ -838,7 +861,8 @@ void l_write_matrix(const char *title, int n_rows, int n_columns, T *a, int lda,
     lay.col_mode = col_mode >= 0 ? col_mode : (pc == 1 ? 0 : 1);
 
     // Layout checks (zorvs_write_initialize).
-    int row_limit = pc == 1 ? 2 * lay.page_width / 3 : lay.page_width / 4;
+    // In 64 bits: the page width is checked against its limit further down.
+    int row_limit = static_cast<int>(pc == 1 ? 2LL * lay.page_width / 3 : lay.page_width / 4);
     lay.row_unit = row_limit / 3 > 0 ? row_limit / 3 : 1;
     int col_limit = max_width + max_width / 2;
     if (col_limit < 15) col_limit = 15;
@@ -913,6 +937,9 @@ void l_write_matrix(const char *title, int n_rows, int n_columns, T *a, int lda,
     }
     scan_format(format, letters, &max_width, &n_conv, &n_w, job.conv);
 
+    // A matrix without rows or columns has no elements to move, and `a` may
+    // be null.
+    transpose = transpose && n_rows > 0 && n_columns > 0;
     if (transpose) {
         if constexpr (std::is_same_v<T, float>) zorvs_f_m1ran(n_rows, lda, a, a);
         if constexpr (std::is_same_v<T, double>) zorvs_d_m1ran(n_rows, lda, a, a);
