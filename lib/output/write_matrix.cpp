@@ -30,7 +30,10 @@
 namespace {
 
 constexpr int lc_max_conv = 48;   // room for one conversion's text
-constexpr int lc_line = 256;      // line buffer
+constexpr int lc_line = 256;      // label and title texts
+// The line buffer: the widest page (255) and what a cell that outgrows its
+// field may push past it (see l_row_lines).
+constexpr int lc_line_buffer = lc_line + 64;
 
 struct Conversion {
     char text[lc_max_conv];       // the conversion as written, e.g. "%10.4W"
@@ -405,6 +408,7 @@ struct Job {
 };
 
 void put_line(const char *line, int length) {
+    if (length > lc_line_buffer) length = lc_line_buffer;
     while (length > 0 && line[length - 1] == ' ') --length;
     if (length == 0) {
         zorvs_write_line(1, " ");
@@ -458,7 +462,17 @@ int margin_of(Job<T> &job, int width) {
     return room > 0 ? room / 2 : 0;
 }
 
-void clear_line(char *line) { std::memset(line, ' ', lc_line + 64); }
+void clear_line(char *line) { std::memset(line, ' ', lc_line_buffer); }
+
+// Text into the line buffer at `at`, clipped to the buffer.  The layout
+// keeps every line within it; the clip keeps a line the layout did not
+// foresee (such as the head of a matrix without rows once was) from writing
+// past it.
+void place(char *line, int at, const char *text, int len) {
+    if (at < 0 || at >= lc_line_buffer) return;
+    if (len > lc_line_buffer - at) len = lc_line_buffer - at;
+    if (len > 0) std::memcpy(line + at, text, len);
+}
 
 // Title lines (zorvs_write_title), each centred on the page if asked.
 template <class T>
@@ -474,7 +488,7 @@ void write_title(Job<T> &job) {
             m = room > 0 ? room / 2 : 0;
         }
         clear_line(job.line);
-        std::memcpy(job.line + m, job.title + starts[k], len);
+        place(job.line, m, job.title + starts[k], len);
         put_line(job.line, m + len);
     }
 }
@@ -490,7 +504,7 @@ void write_labels(Job<T> &job, int c0, int c1, int margin) {
         if (job.lay.col_mode == 2 && job.lay.row_mode != 0 && job.col_labels[0]) {
             int starts[64], ends[64];
             int n = l_w4rrl(job.col_labels[0], job.lay.row_width, job.lay.row_unit, starts, ends, 64);
-            if (k < n && k < 64) std::memcpy(job.line + pos, job.col_labels[0] + starts[k], ends[k] - starts[k]);
+            if (k < n && k < 64) place(job.line, pos, job.col_labels[0] + starts[k], ends[k] - starts[k]);
         }
         pos += job.lay.row_width;
         for (int j = c0; j <= c1; ++j) {
@@ -504,7 +518,7 @@ void write_labels(Job<T> &job, int c0, int c1, int margin) {
             int row = k - (lines - n);
             if (row >= 0 && row < 64) {
                 int len = ends[row] - starts[row];
-                std::memcpy(job.line + pos + cw - len, text + starts[row], len);
+                place(job.line, pos + cw - len, text + starts[row], len);
             }
             pos += cw;
         }
@@ -549,7 +563,7 @@ int l_row_lines(Job<T> &job, int i, int c0, int c1, int margin, bool emit) {
         if (lay.row_mode != 0) {
             int len = ends[0] - starts[0];
             int at = lay.row_mode == 2 ? margin : margin + lay.row_width - len;
-            std::memcpy(job.line + at, label + starts[0], len);
+            place(job.line, at, label + starts[0], len);
         }
     }
     if (emit || job.variable_cells) {
@@ -578,7 +592,7 @@ int l_row_lines(Job<T> &job, int i, int c0, int c1, int margin, bool emit) {
                 placed = false;
             }
             pos += 2;
-            if (emit) std::memcpy(job.line + pos + field - len, cell, len);
+            if (emit) place(job.line, pos + field - len, cell, len);
             pos += field;
             placed = true;
         }
@@ -587,7 +601,7 @@ int l_row_lines(Job<T> &job, int i, int c0, int c1, int margin, bool emit) {
     for (int k = 1; k < label_lines && k < 64; ++k) {
         if (emit) {
             clear_line(job.line);
-            std::memcpy(job.line + margin, label + starts[k], ends[k] - starts[k]);
+            place(job.line, margin, label + starts[k], ends[k] - starts[k]);
             put_line(job.line, margin + ends[k] - starts[k]);
         }
         ++lines;
@@ -923,7 +937,7 @@ void l_write_matrix(const char *title, int n_rows, int n_columns, T *a, int lda,
     job.field = zorvs::allocate<int>(ncol, "nca");
     job.cell_limit = zorvs::allocate<int>(ncol, "nca");
     job.column_width = zorvs::allocate<int>(ncol, "nca");
-    job.line = zorvs::allocate<char>(lc_line + 64, "line");
+    job.line = zorvs::allocate<char>(lc_line_buffer, "line");
     char *use = zorvs::allocate<char>(ncol, "nca");
     if (!job.conv || !job.cell_format || !job.field || !job.cell_limit || !job.column_width || !job.line || !use) {
         std::free(job.conv);
