@@ -146,6 +146,27 @@ const std::vector<Row> &rows() {
         // 5. A refused table entry left a slot at 0.
         {"drnses with a NaN", 5, 11031, [] { return shuffled_draws_in_support<double>(zorvs_drnses, nan_value); }},
         {"rnses with 2", 5, 11031, [] { return shuffled_draws_in_support<float>(zorvs_rnses, 2.0f); }},
+        // Found by the random calls: a caller's table of subnormal uniforms
+        // underflowed both powers of Johnk's method, 0/0.
+        {"random_beta after a table of subnormals", 0, 0,
+         [] {
+             zorvs_random_option(2);
+             double table[128];
+             for (double &v : table) v = 1e-310;
+             zorvs_drnses(table);
+             const bool ok = all_of(zorvs_d_random_beta(20, 0.3, 2.8e-9, 0), 20, [](double b) { return b >= 0 && b <= 1; });
+             zorvs_random_option(1);
+             return ok;
+         }},
+        // Found by the random calls: a covariance far from nonnegative
+        // definite overflowed its float factor, and NaN deviates came without
+        // a message.
+        {"random_normal_multivariate, overflowing factor", 3, 20406,
+         [] {
+             const float cov[9] = {2.6e-14f, 0, 1e33f, 0, 1, 9.34f, 1e33f, 9.34f, 3.8e-5f};
+             std::free(zorvs_f_random_normal_multivariate(3, 3, cov, 0));
+             return true;
+         }},
         // 6. The scale level of the incomplete beta's finite sum overflowed an int.
         {"beta_incomplete 0.5 1e20 2", 0, 0,
          [] { return zorvs_d_beta_incomplete(0.5, 1e20, 2) == reference("d_beta_incomplete", 0.5, 1e20, 2); }},
