@@ -198,7 +198,7 @@ TEST(RandomCalls, KeywordRoutinesAndDistributionsSurviveAnyArguments) {
     zorvs_test::UnitCapture output(false);
     Caller c;
     zorvs_random_seed_set(20261124);
-    alarm(300);  // a call that hangs ends the process, and the test fails
+    alarm(120);  // a call that hangs ends the process, and the test fails
     for (int call = 0; call < 30000; ++call) {
         c.log.clear();
         const int routine = c.pick(9);
