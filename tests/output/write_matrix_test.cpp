@@ -13,7 +13,6 @@
 
 #include "frame/frame.hpp"
 #include "frame/services.h"
-#include "output/golden.hpp"
 #include "output/output.h"
 #include "support/capture.hpp"
 #include "zorvstat.h"

@@ -5,9 +5,13 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "frame/services.h"
 #include "zorvstat.h"
@@ -107,6 +111,70 @@ struct Quiet {
     NoStop no_stop;
     UnitCapture errors{true};
 };
+
+// Every test starts with no message on record at user level.
+class Fresh : public ::testing::Test {
+protected:
+    void SetUp() override { zorvs_e1mes(0, 0, nullptr); }
+};
+
+// The parameter slots of the last message named in `spec` ("i1=1 r2=0.5
+// l1=n"), each with the value it holds now: a row's expected slots compare
+// with one EXPECT_EQ(slots(spec), spec).  Reals print with %g.
+inline std::string slots(const std::string &spec) {
+    std::istringstream in(spec);
+    std::string out, item;
+    while (in >> item) {
+        int k = item[1] - '0';
+        std::string value;
+        if (item[0] == 'i') {
+            value = std::to_string(zorvs_error_param.i[k]);
+        } else if (item[0] == 'r') {
+            char b[32];
+            std::snprintf(b, sizeof b, "%g", zorvs_error_param.r[k]);
+            value = b;
+        } else {
+            value = zorvs_error_param.l[k] ? zorvs_error_param.l[k] : "(null)";
+        }
+        out += (out.empty() ? "" : " ") + item.substr(0, 2) + "=" + value;
+    }
+    return out;
+}
+
+// A text cut at each `separator`; the piece after the last one is kept only
+// if it is not empty (lines: "a\nb\n" gives a, b; pages: a\fb gives a, b).
+inline std::vector<std::string> split(const std::string &text, char separator = '\n') {
+    std::vector<std::string> parts(1);
+    for (char c : text) {
+        if (c == separator) parts.emplace_back();
+        else parts.back() += c;
+    }
+    if (parts.back().empty() && separator == '\n') parts.pop_back();
+    return parts;
+}
+
+// A printed message with its continuation lines joined again.
+inline std::string flat(std::string s) {
+    const std::string wrap = "\n***          ";
+    for (std::size_t k; (k = s.find(wrap)) != std::string::npos;) s.replace(k, wrap.size(), " ");
+    return s;
+}
+
+// Compare printed output with the expected text tests/data/output/NAME.txt.
+// With ZORVS_WRITE_GOLDEN set in the environment the text is (re)written
+// instead; every such text is read by eye before it is committed.
+inline void expect_golden(const std::string &name, const std::string &text) {
+    std::string path = std::string(ZORVS_TEST_DATA_DIR) + "/output/" + name + ".txt";
+    if (std::getenv("ZORVS_WRITE_GOLDEN")) {
+        std::ofstream(path, std::ios::binary) << text;
+        return;
+    }
+    std::ifstream in(path, std::ios::binary);
+    ASSERT_TRUE(in) << "missing expected text " << path;
+    std::stringstream expected;
+    expected << in.rdbuf();
+    EXPECT_EQ(expected.str(), text) << "output differs from " << path;
+}
 
 }  // namespace zorvs_test
 
