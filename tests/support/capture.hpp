@@ -141,6 +141,13 @@ inline std::string slots(const std::string &spec) {
     return out;
 }
 
+// A result agrees with its expected value: both NaN, equal (infinities
+// too), or within the absolute tolerance.
+inline bool agrees(double actual, double expected, double tolerance = 0) {
+    if (expected != expected) return actual != actual;
+    return actual == expected || (actual - expected <= tolerance && expected - actual <= tolerance);
+}
+
 // A text cut at each `separator`; the piece after the last one is kept only
 // if it is not empty (lines: "a\nb\n" gives a, b; pages: a\fb gives a, b).
 inline std::vector<std::string> split(const std::string &text, char separator = '\n') {
