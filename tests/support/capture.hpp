@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <functional>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -141,6 +142,42 @@ inline std::string slots(const std::string &spec) {
     return out;
 }
 
+// A printed message with its continuation lines joined again.
+inline std::string flat(std::string s) {
+    const std::string wrap = "\n***          ";
+    for (std::size_t k; (k = s.find(wrap)) != std::string::npos;) s.replace(k, wrap.size(), " ");
+    return s;
+}
+
+// A row of a table of calls from user level: what the call raises, with
+// the message's parameters and a piece of its printed text.
+struct CallCase {
+    const char *what;
+    std::function<void()> call;  // may check its results itself
+    int type, code;              // 0, 0: nothing raised
+    const char *slots = "";      // as for slots()
+    const char *shows = "";      // in the printed text, continuation lines joined
+};
+
+// Runs each row from a clean state, with stops off and messages captured.
+inline void expect_calls(const std::vector<CallCase> &cases) {
+    for (const CallCase &c : cases) {
+        SCOPED_TRACE(c.what);
+        zorvs_e1mes(0, 0, nullptr);
+        Quiet q;
+        CodeLog log;
+        c.call();
+        if (c.type == 0) {
+            EXPECT_TRUE(log.entries().empty()) << log.entries()[0].second;
+        } else {
+            EXPECT_TRUE(log.has(c.type, c.code)) << "last raised: " << zorvs_n1rcd(1);
+        }
+        EXPECT_EQ(slots(c.slots), c.slots);
+        const std::string printed = flat(q.errors.take());
+        EXPECT_NE(printed.find(c.shows), std::string::npos) << printed;
+    }
+}
+
 // A result agrees with its expected value: both NaN, equal (infinities
 // too), or within the absolute tolerance.
 inline bool agrees(double actual, double expected, double tolerance = 0) {
@@ -158,13 +195,6 @@ inline std::vector<std::string> split(const std::string &text, char separator = 
     }
     if (parts.back().empty() && separator == '\n') parts.pop_back();
     return parts;
-}
-
-// A printed message with its continuation lines joined again.
-inline std::string flat(std::string s) {
-    const std::string wrap = "\n***          ";
-    for (std::size_t k; (k = s.find(wrap)) != std::string::npos;) s.replace(k, wrap.size(), " ");
-    return s;
 }
 
 // Compare printed output with the expected text tests/data/output/NAME.txt.
