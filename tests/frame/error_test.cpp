@@ -319,6 +319,8 @@ TEST_F(ErrorStack, Settings) {
         zorvs_e1pos(-t, &p, &s);
         EXPECT_EQ(s, 0) << t;
     }
+    p = 0, s = 1;
+    for (int t : {4, 5, 8}) zorvs_e1pos(t, &p, &s);  // the default stops again
     const struct {
         int keyword, type, code;
         const char *slots;
