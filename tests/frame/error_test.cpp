@@ -16,59 +16,57 @@
 
 namespace {
 
-using zorvs_test::Fresh;
 using zorvs_test::UnitCapture;
 
-void mark(const char *s) {
+// Text on the error unit, among what the library prints there.
+void mark(const std::string &s) {
     FILE *f = nullptr;
     zorvs_umach(3, &f);
-    std::fputs(s, f);
+    std::fputs(s.c_str(), f);
 }
+std::string str(int k) { return std::to_string(k); }
 
-void observer(int type, int code, const char *text) {
-    mark(("{" + std::to_string(type) + " " + std::to_string(code) + " " + text + "}").c_str());
-}
-
-// Steps separated by ';':  +name push (+name*N: N pushes), -name pop,
-// "T C text" raise (a missing text is a null pointer), usr ON|OFF, '.' a
-// mark on the error unit, '?' the four latest-event records, o/O observer
-// on/off, T traceback of warnings on, F full traceback on, P alerts print,
+// A script of steps separated by ';':  +name push (+name*N: N pushes),
+// -name pop, "T C text" raise (no text: a null pointer), usr ON|OFF, '.' a
+// mark, '?' the four latest-event records, o/O observer on/off, p print
+// procedure, T traceback of warnings, F full traceback, P alerts printed,
 // V a plain value routine, Vopen one that leaves a frame of its own open,
-// Vtrap one whose body leaves a frame open and a trap mark for the pop.
-// The names live as long as the script, as the stack keeps them by pointer.
-void play(const std::vector<std::string> &steps) {
-    for (const std::string &s : steps) {
+// Vtrap one that also leaves a trap mark for its pop.  The names live on, as
+// the stack keeps them by pointer.
+void play(const std::string &script) {
+    static std::vector<std::string> names;
+    for (const std::string &s : zorvs_test::split(script, ';')) {
+        const bool number = std::isdigit(static_cast<unsigned char>(s[s[0] == '-']));
+        const std::size_t star = s.find('*'), a = s.find(' '), b = s.find(' ', a + 1);
+        static bool trap;
         if (s[0] == '+') {
-            std::size_t star = s.find('*');
-            int n = star == std::string::npos ? 1 : std::stoi(s.substr(star + 1));
-            static std::vector<std::string> names;
-            names.push_back(s.substr(1, star == std::string::npos ? std::string::npos : star - 1));
-            for (int k = 0; k < n; ++k) zorvs_e1psh(names.back().c_str());
-        } else if (s[0] == '-' && !std::isdigit(static_cast<unsigned char>(s[1]))) {
+            names.push_back(s.substr(1, star == std::string::npos ? star : star - 1));
+            for (int k = star == std::string::npos ? 1 : std::stoi(s.substr(star + 1)); k > 0; --k)
+                zorvs_e1psh(names.back().c_str());
+        } else if (s[0] == '-' && !number) {
             zorvs_e1pop(s.c_str() + 1);
-        } else if (std::isdigit(static_cast<unsigned char>(s[0])) || s[0] == '-') {
-            std::size_t a = s.find(' '), b = s.find(' ', a + 1);
+        } else if (number) {
             zorvs_e1mes(std::stoi(s), std::stoi(s.substr(a + 1)), b == std::string::npos ? nullptr : s.c_str() + b + 1);
         } else if (s.rfind("usr ", 0) == 0) {
             zorvs_e1usr(s.c_str() + 4);
-        } else if (s == ".") {
-            mark("|");
-        } else if (s == "?") {
-            mark(("[" + std::to_string(zorvs_n1rty(0)) + " " + std::to_string(zorvs_n1rcd(0)) + " " +
-                  std::to_string(zorvs_n1rty(1)) + " " + std::to_string(zorvs_n1rcd(1)) + "]")
-                     .c_str());
+        } else if (s == "." || s == "?") {
+            mark(s == "." ? "|" : "[" + str(zorvs_n1rty(0)) + " " + str(zorvs_n1rcd(0)) + " " + str(zorvs_n1rty(1)) +
+                                      " " + str(zorvs_n1rcd(1)) + "]");
         } else if (s == "o" || s == "O") {
-            zorvs_set_at_checksum(s == "o" ? observer : nullptr);
-        } else if (s == "T" || s == "P") {
-            zorvs_error_options(s == "T" ? ZORVS_SET_TRACE : ZORVS_SET_PRINT, s == "T" ? 3 : 2, 1, 0);
-        } else if (s == "F") {
-            zorvs_error_options(ZORVS_FULL_TRACEBACK, 1, 0);
-        } else if (s == "V") {
-            zorvs::value_routine("value", [] { return 1.0; });
-        } else if (s == "Vopen" || s == "Vtrap") {
-            static bool trap;
+            zorvs_set_at_checksum(s == "O" ? nullptr : +[](int t, int c, const char *m) {
+                mark("{" + str(t) + " " + str(c) + " " + m + "}");
+            });
+        } else if (s == "p") {
+            zorvs_error_options(ZORVS_ERROR_PRINT_PROC, +[](int t, int c, const char *r, const char *m) {
+                mark("<" + str(t) + " " + str(c) + " " + r + " " + m + ">");
+            }, 0);
+        } else if (s == "P") {
+            zorvs_error_options(ZORVS_SET_PRINT, 2, 1, 0);
+        } else if (s == "T" || s == "F") {
+            zorvs_error_options(ZORVS_SET_TRACE, 3, 1, ZORVS_FULL_TRACEBACK, s == "F", 0);
+        } else if (s[0] == 'V') {
             trap = s == "Vtrap";
-            zorvs::value_routine("value", [] {
+            zorvs::value_routine("value", s == "V" ? +[] { return 1.0; } : +[] {
                 zorvs_e1psh("left_open");
                 zorvs_error_param.trapped = trap;
                 return 1.0;
@@ -77,20 +75,17 @@ void play(const std::vector<std::string> &steps) {
     }
 }
 
-std::vector<std::string> steps(const std::string &script) { return zorvs_test::split(script, ';'); }
+// The settings a script may change, back at their defaults.
+void reset_settings() {
+    zorvs_set_at_checksum(nullptr);
+    zorvs_error_options(ZORVS_FULL_TRACEBACK, 0, ZORVS_SET_TRACE, 3, 0, ZORVS_SET_PRINT, 2, 0, ZORVS_ERROR_PRINT_PROC,
+                        nullptr, 0);
+}
 
-struct Scenario {
-    const char *script;
-    const char *printed;
+const struct {
+    const char *script, *printed;
     int type, code;  // zorvs_error_type() and zorvs_error_code() afterwards
-};
-
-const char *const traceback_head =
-    "Here is a traceback of the calls in reverse order.\n"
-    "  Error Type        Error Code              Routine\n"
-    "  ----------        ----------              -------\n";
-
-const Scenario scenarios[] = {
+} scenarios[] = {
     // Types 1 to 4 wait for the pop to user level; the next call starts empty.
     {"+w;3 99901 something odd;.;-w;+c;-c", "|\n*** WARNING  Error 99901 from w.  something odd\n\n", 3, 0},
     {"+f;4 99901 bad;-f", "\n*** FATAL    Error 99901 from f.  bad\n\n", 4, 99901},
@@ -135,43 +130,35 @@ const Scenario scenarios[] = {
     // Value routines: a plain one leaves nothing; a trap mark unwinds to it.
     {"+o;3 99901 kept;V;?;-o", "[0 0 0 0]\n*** WARNING  Error 99901 from o.  kept\n\n", 3, 99901},
     {"Vtrap;?", "[0 0 0 0]", 0, 0},
+    // The print procedure gets the top frame's name.
+    {"p;+zorvs_public;+zorvs_worker;6 99901 hello;-zorvs_worker;-zorvs_public", "<6 99901 zorvs_worker hello>", 6,
+     99901},
+    // Tracebacks at the release list the routines called from user level.
+    {"T;+zorvs_public;+zorvs_worker;+zorvs_kernel;3 99901 deep;-zorvs_kernel;-zorvs_worker;-zorvs_public",
+     "\n*** WARNING  Error 99901 from zorvs_public.  deep\n\nHere is a traceback of the calls in reverse order.\n"
+     "  Error Type        Error Code              Routine\n  ----------        ----------              -------\n"
+     " ZORVS_WARNING     99901                     zorvs_public\n                                            USER\n",
+     3, 99901},
+    {"F;+zorvs_public;+zorvs_worker;3 99902 deeper;-zorvs_worker;-zorvs_public",
+     "\n*** WARNING  Error 99902 from zorvs_public.  deeper\n\nHere is a traceback of the calls in reverse order.\n"
+     "  Error Type        Error Code              Routine\n  ----------        ----------              -------\n"
+     " ZORVS_WARNING     99902                     zorvs_public\n                                            USER\n",
+     3, 99902},
 };
 
-class ErrorStack : public Fresh {
+class ErrorStack : public zorvs_test::Fresh {
 protected:
-    void TearDown() override {
-        zorvs_set_at_checksum(nullptr);
-        zorvs_error_options(ZORVS_FULL_TRACEBACK, 0, ZORVS_SET_TRACE, 3, 0, ZORVS_SET_PRINT, 2, 0, 0);
-    }
+    void TearDown() override { reset_settings(); }
 };
 
 TEST_F(ErrorStack, Scenarios) {
-    for (const Scenario &c : scenarios) {
-        SCOPED_TRACE(c.script);
+    for (const auto &c : scenarios) {
         zorvs_e1mes(0, 0, nullptr);
         zorvs_test::Quiet q;
-        play(steps(c.script));
-        zorvs_set_at_checksum(nullptr);
-        EXPECT_EQ(q.errors.take(), c.printed);
-        EXPECT_EQ(zorvs_error_type(), c.type);
-        EXPECT_EQ(zorvs_error_code(), c.code);
-    }
-}
-
-TEST_F(ErrorStack, Tracebacks) {
-    const std::string user = "                                            USER\n";
-    const std::string cases[][2] = {
-        {"T;+zorvs_public;+zorvs_worker;+zorvs_kernel;3 99901 deep;-zorvs_kernel;-zorvs_worker;-zorvs_public",
-         "\n*** WARNING  Error 99901 from zorvs_public.  deep\n\n" + std::string(traceback_head) +
-             " ZORVS_WARNING     99901                     zorvs_public\n" + user},
-        {"T;F;+zorvs_public;+zorvs_worker;+zorvs_kernel;3 99902 deeper;-zorvs_kernel;-zorvs_worker;-zorvs_public",
-         "\n*** WARNING  Error 99902 from zorvs_public.  deeper\n\n" + std::string(traceback_head) +
-             " ZORVS_WARNING     99902                     zorvs_public\n" + user},
-    };
-    for (const auto &c : cases) {
-        UnitCapture errors;
-        play(steps(c[0]));
-        EXPECT_EQ(errors.take(), c[1]) << c[0];
+        play(c.script);
+        EXPECT_EQ(zorvs_error_type() * 1000000 + zorvs_error_code(), c.type * 1000000 + c.code) << c.script;
+        reset_settings();
+        EXPECT_EQ(q.errors.take(), c.printed) << c.script;
     }
 }
 
@@ -201,13 +188,13 @@ TEST_F(ErrorStack, Stops) {
         {"Vopen", 8, "INTERNAL Error from value\\.  "},
     };
     for (const auto &c : cases)
-        EXPECT_EXIT(play(steps(c.script)), ::testing::ExitedWithCode(c.status), c.text) << c.script;
+        EXPECT_EXIT(play(c.script), ::testing::ExitedWithCode(c.status), c.text) << c.script;
     EXPECT_EXIT(zorvs_n1rty(2), ::testing::ExitedWithCode(8), "INTERNAL Error from USER\\.  ");
     EXPECT_EXIT(zorvs_n1rcd(-1), ::testing::ExitedWithCode(8), "INTERNAL Error from USER\\.  ");
     int on = 1;
     EXPECT_EXIT(zorvs_e1pos(9, &on, &on), ::testing::ExitedWithCode(5), "TERMINAL Error from zorvs_e1pos\\.  ");
     // 199 frames above the user's level are fine.
-    play(steps("+deep*198;V;+deep"));
+    play("+deep*198;V;+deep");
     for (int k = 0; k < 199; ++k) zorvs_e1pop("deep");
     EXPECT_EQ(zorvs_error_type(), 0);
 }
@@ -216,14 +203,11 @@ TEST_F(ErrorStack, Stops) {
 // Templates, as the print procedure receives them.
 
 std::string expand(const std::string &templ) {
-    static std::string got;
-    got.clear();
-    zorvs_error_options(ZORVS_ERROR_PRINT_PROC, +[](int, int, const char *, const char *m) { got = m; }, 0);
-    zorvs_e1psh("routine");
-    zorvs_e1mes(6, 99901, templ.c_str());
-    zorvs_e1pop("routine");
-    zorvs_error_options(ZORVS_ERROR_PRINT_PROC, nullptr, 0);
-    return got;
+    zorvs_test::UnitCapture errors;
+    play("p;+r;6 99901 " + templ + ";-r");
+    reset_settings();
+    const std::string got = errors.take();
+    return got.substr(got.find(" r ") + 3, got.size() - got.find(" r ") - 4);
 }
 
 TEST_F(ErrorStack, Templates) {
@@ -277,7 +261,7 @@ TEST_F(ErrorStack, PrinterWraps) {
     };
     for (const auto &c : cases) {
         zorvs_test::Quiet q;
-        play({"+" + c[0], "5 99901 " + c[1], "-" + c[0]});
+        play("+" + c[0] + ";5 99901 " + c[1] + ";-" + c[0]);
         const std::string out = q.errors.take();
         if (!c[2].empty()) {
             EXPECT_EQ(out, c[2]) << c[1];
@@ -287,16 +271,6 @@ TEST_F(ErrorStack, PrinterWraps) {
         EXPECT_EQ(std::count(out.begin(), out.end(), 'w'), 150);
         for (const std::string &line : zorvs_test::split(out)) EXPECT_LE(line.size(), 78u);
     }
-}
-
-TEST_F(ErrorStack, PrintProcedureGetsTheTopFramesName) {
-    static std::string seen;
-    zorvs_error_options(ZORVS_ERROR_PRINT_PROC, +[](int t, int c, const char *r, const char *m) {
-        seen = std::to_string(t) + " " + std::to_string(c) + " " + r + " " + m;
-    }, 0);
-    play(steps("+zorvs_public;+zorvs_worker;6 99901 hello;-zorvs_worker;-zorvs_public"));
-    zorvs_error_options(ZORVS_ERROR_PRINT_PROC, nullptr, 0);
-    EXPECT_EQ(seen, "6 99901 zorvs_worker hello");
 }
 
 // ---------------------------------------------------------------------------
@@ -324,10 +298,7 @@ TEST_F(ErrorStack, Settings) {
     const struct {
         int keyword, type, code;
         const char *slots;
-    } refusals[] = {
-        {ZORVS_SET_STOP, 6, 132, "i1=1 i2=5 i3=6 l1=type"},
-        {4242, 0, 103, "i1=4242 i2=1"},
-    };
+    } refusals[] = {{ZORVS_SET_STOP, 6, 132, "i1=1 i2=5 i3=6 l1=type"}, {4242, 0, 103, "i1=4242 i2=1"}};
     for (const auto &r : refusals) {
         zorvs_test::Quiet q;
         int after = -1;
