@@ -1,7 +1,7 @@
 #!/bin/sh
 # raised_codes.sh LOG [--tests] - the message (type, code) pairs in LOG, the
 # file that the coverage build's test program appends to for every raise
-# (ZORVS_CODE_LOG; see tests/support/raised_codes_hook.cpp).  Prints one
+# (ZORVS_CODE_LOG; see tools/raised_codes_hook.cpp).  Prints one
 # line "type code NAME" a pair, sorted by code then type, for the codes of
 # the catalogue lib/frame/zorvs_e.msg; codes that only tests make up (not in
 # the catalogue) are left out.  With --tests, each line also names the first

@@ -27,16 +27,8 @@ namespace {
 const std::string source_root = std::string(ZORVS_TEST_DATA_DIR) + "/../..";
 const std::string build_dir = ZORVS_BUILD_DIR, variants = ZORVS_CATALOGUE_VARIANTS;
 
-struct Entry {
-    std::string name, text;
-};
-
-std::string read_all(const std::string &path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
+using zorvs_test::read_all;
+struct Entry { std::string name, text; };
 
 // The source format, read here on its own: "CODE NAME" at the start of a
 // line, the template on indented lines joined by blanks, '#' comments.
@@ -72,14 +64,6 @@ std::set<std::pair<char, int>> placeholders(const std::string &t) {
     return out;
 }
 
-std::vector<std::string> library_sources() {
-    std::vector<std::string> files;
-    for (const auto &e : fs::recursive_directory_iterator(source_root + "/lib"))
-        if (e.is_regular_file() && std::regex_match(e.path().extension().string(), std::regex(R"(\.(cpp|hpp|h))")))
-            files.push_back(e.path().string());
-    return files;
-}
-
 TEST(CatalogueSource, NamesAndTemplatesAreWellFormed) {
     ASSERT_GT(catalogue().size(), 250u);
     std::set<std::string> names;
@@ -105,8 +89,9 @@ TEST(CatalogueSource, EveryRaisedCodeHasATextThatUsesTheSlotsSet) {
     const std::regex setter(R"(zorvs_e1st([ilrd])\s*\(\s*-?(\d)|zorvs_error_param\.([ilr])\s*\[\s*(\d)\s*\])");
     std::map<long, std::string> raised;
     int windows = 0;
-    for (const auto &file : library_sources()) {
-        const std::string text = read_all(file);
+    for (const auto &entry : fs::recursive_directory_iterator(source_root + "/lib")) {
+        const std::string file = entry.path(), text = read_all(file);
+        if (!std::regex_match(entry.path().extension().string(), std::regex(R"(\.(cpp|hpp|h))"))) continue;
         for (std::sregex_iterator it(text.begin(), text.end(), ermes), end; it != end; ++it) {
             std::string args = (*it)[1];
             for (std::sregex_iterator n(args.begin(), args.end(), number); n != end; ++n) raised[std::stol((*n)[0])] = file;
@@ -117,18 +102,17 @@ TEST(CatalogueSource, EveryRaisedCodeHasATextThatUsesTheSlotsSet) {
         for (std::size_t k = 0; k < lines.size(); ++k) {
             std::smatch m;
             if (!std::regex_search(lines[k], m, literal) || !catalogue().count(std::stol(m[1]))) continue;
-            std::set<std::pair<char, int>> set_slots;
-            std::vector<std::string> window{lines[k].substr(0, static_cast<std::size_t>(m.position(0)))};
+            std::string window = lines[k].substr(0, static_cast<std::size_t>(m.position(0)));
             for (std::size_t j = k; j-- > 0 && k - j <= 20;) {
                 const std::string &l = lines[j];
                 if (l.find("zorvs_ermes") != std::string::npos || (!l.empty() && !std::strchr(" \t/#}", l[0]))) break;
-                window.push_back(l);
+                window += "\n" + l;
             }
-            for (const auto &l : window)
-                for (std::sregex_iterator it(l.begin(), l.end(), setter), end; it != end; ++it) {
-                    char kind = (*it)[1].matched ? (*it)[1].str()[0] : (*it)[3].str()[0];
-                    set_slots.insert({kind == 'd' ? 'r' : kind, ((*it)[2].matched ? (*it)[2] : (*it)[4]).str()[0] - '0'});
-                }
+            std::set<std::pair<char, int>> set_slots;
+            for (std::sregex_iterator it(window.begin(), window.end(), setter), end; it != end; ++it) {
+                const char kind = (*it)[1].matched ? (*it)[1].str()[0] : (*it)[3].str()[0];
+                set_slots.insert({kind == 'd' ? 'r' : kind, ((*it)[2].matched ? (*it)[2] : (*it)[4]).str()[0] - '0'});
+            }
             if (set_slots.empty()) continue;  // slots stored elsewhere: not checkable here
             ++windows;
             for (auto p : placeholders(catalogue().at(std::stol(m[1])).text))
@@ -226,11 +210,7 @@ TEST(CatalogueProcess, PathsVariantsAndFallbacks) {
             if (zorvs_find_message(int(code)) != e.text || zorvs_find_name(int(code)) != e.name) return false;
         return true;
     };
-    const struct {
-        std::string path;
-        bool (*lookups)();
-        const char *printed;
-    } cases[] = {
+    const struct { std::string path; bool (*lookups)(); const char *printed; } cases[] = {
         {variants + "/le0/", all_agree, "^$"},
         {variants + "/be0/", all_agree, "^$"},
         {variants + "/le2/", all_agree, "^$"},

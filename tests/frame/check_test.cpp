@@ -87,10 +87,7 @@ TEST_F(Check, EachCheck) {
 }
 
 TEST(CheckArithmetic, SafeDivision) {
-    const struct {
-        bool single;
-        double a, b, expected;
-    } cases[] = {
+    const struct { bool single; double a, b, expected; } cases[] = {
         {false, 0, 0, nan},         {false, 1, 0, inf},        {false, -1, 0, -inf},
         {false, 1e300, 1e-300, inf}, {false, -1e300, 1e-10, -inf}, {false, 1e-300, 1e100, 0},
         {false, 6, 3, 2},           {false, nan, 3, nan},      {true, 1e30, 1e-20, inf},

@@ -164,11 +164,7 @@ TEST_F(ErrorStack, Scenarios) {
 
 // Every way the error stack ends the process, with its exit status and text.
 TEST_F(ErrorStack, Stops) {
-    const struct {
-        const char *script;
-        int status;
-        const char *text;
-    } cases[] = {
+    const struct { const char *script; int status; const char *text; } cases[] = {
         {"+f;4 99901 bad;-f", 4, "FATAL    Error 99901 from f\\.  bad"},
         {"+t;5 99901 broken;.;-t;.", 5, "TERMINAL Error from t\\.  broken\n\n\\|$"},
         {"+o;+i;8 99901 impossible;.", 8,

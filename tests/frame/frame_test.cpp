@@ -19,9 +19,8 @@ namespace {
 // (ZORVS_RETURN_USER); ZORVS_X_COL_DIM a count not below -1, ZORVS_DATA_BOUNDS
 // two reals; ZORVS_MAX_ITERATIONS the type of a message (code 99950) to raise.
 struct Seen {
-    int x_col_dim = -1;
+    int x_col_dim = -1, bracket_slots = -1;
     double lower = 0, upper = 0;
-    int bracket_slots = -1;
 } seen;
 
 template <class T>
@@ -122,22 +121,17 @@ TEST(Frame, Calls) {
         {"allocation failure",
          [] { zorvs::allocation_failure_countdown = 1; EXPECT_EQ(test_d_filled(5, 0), nullptr); }, 5, 201,
          "i1=5 l1=n"},
-        {"two-count allocation failure",
+        {"two-count and plain allocation failures",
          [] {
              zorvs::keyword_routine("routine", [] {
+                 zorvs::allocation_failure_countdown = 1;
+                 EXPECT_EQ(zorvs::allocate<int>(10), nullptr);
+                 EXPECT_EQ(zorvs_n1rcd(0), 200);
                  zorvs::allocation_failure_countdown = 1;
                  EXPECT_EQ(zorvs::allocate<double>(3, "n_rows", 4, "n_columns"), nullptr);
              });
          },
          5, 202, "i1=3 i2=4 l2=n_columns"},
-        {"plain allocation failure",
-         [] {
-             zorvs::keyword_routine("routine", [] {
-                 zorvs::allocation_failure_countdown = 1;
-                 EXPECT_EQ(zorvs::allocate<int>(10), nullptr);
-             });
-         },
-         5, 200},
         // Nested public routines: the inner pop is not the user's level.
         {"nested warning", [] { std::free(test_outer(3, 0)); EXPECT_EQ(inner_type_seen, 3); }, 3, 99950, "",
          "WARNING  Error 99950 from test_outer.  raised on request"},

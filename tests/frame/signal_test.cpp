@@ -64,12 +64,7 @@ protected:
 
 TEST_F(Trap, EachFaultBecomesMessagesAndAReturn) {
     static int sig;
-    const struct {
-        const char *what;
-        void (*fault)();
-        int signal, code;
-        bool outer_goes_on;
-    } cases[] = {
+    const struct { const char *what; void (*fault)(); int signal, code; bool outer_goes_on; } cases[] = {
         {"invalid pointer", [] { write_through(3, invalid_pointer); }, SIGSEGV, 511, false},
         {"again", [] { write_through(1, invalid_pointer); }, SIGSEGV, 511, false},
         {"raised SIGILL", [] { zorvs::keyword_routine("test_raiser", [] { std::raise(sig = SIGILL); }); }, SIGILL, 504,

@@ -42,12 +42,7 @@ void expect_pages(const std::string &text, int length) {
 // The W format resolved for a value, and the part of a row a triangle prints.
 TEST(WriteMatrix, ResolvedFormatsAndTriangleRanges) {
     const float nan = std::nanf("");
-    const struct {
-        double x;
-        int width, digits;
-        bool twin_d;
-        const char *format;
-    } formats[] = {
+    const struct { double x; int width, digits; bool twin_d; const char *format; } formats[] = {
         {2.25, 10, 4, false, "%10.3f"}, {0.0001, 10, 4, false, "%10.3e"}, {12345678.0, 10, 4, false, "%10.3e"},
         {0.5, 10, 4, false, "%10.4f"},  {0.1, 10, 4, false, "%10.4f"},    {9.9996, 10, 4, false, "%10.2f"},
         {0.0, 10, 4, false, "%10.4f"},  {nan, 10, 4, false, "%10.3e"},    {nan, 5, 4, false, "%5f"},
@@ -76,11 +71,7 @@ double d6[6] = {1.5, 2, 3.25, 4, 5.125, 6}, d9[9] = {1, 2, 3, 4, 5, 6, 7, 8, 9};
 double wide[8] = {1.5, 2.25, 3, 4, 123456789.125, 2.5, 98765432.25, 7};
 
 // Each golden text: the page (width, length, paging option) and the prints.
-const struct {
-    const char *name;
-    int width, length, paging;
-    void (*print)();
-} golden[] = {
+const struct { const char *name; int width, length, paging; void (*print)(); } golden[] = {
     {"number_forms", 78, 60, -2, [] {
          float whole[6] = {1, 2, 3, 4, 5, 6}, quarters[4] = {1.5f, 2.25f, 3, 4}, columns[4] = {1.5f, 2.25f, 3.125f, 4};
          float small = 0.0001f;

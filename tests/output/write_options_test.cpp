@@ -22,10 +22,7 @@ void set_option(int k, int v) { zorvs_write_options(-k, &v); }
 TEST(WriteOptions, DefaultsSettingsAndRefusals) {
     // Option, its default, a value it takes, and a value it refuses with the
     // message's parameters; option 0 puts every default back.
-    const struct {
-        int option, fallback, good, bad, code;
-        const char *slots;
-    } cases[] = {
+    const struct { int option, fallback, good, bad, code; const char *slots; } cases[] = {
         {1, 0, 1, 2, 109, "i1=0 i2=1 i3=2 l1=ZORVS_SET_CENTERING"},
         {2, 1000, 7, -1, 110, "i1=0 i2=-1 l1=ZORVS_SET_ROW_WRAP"},
         {3, -2, 5, -3, 110, "i1=-2 i2=-3 l1=ZORVS_SET_PAGING"},
@@ -55,11 +52,7 @@ TEST(WriteOptions, DefaultsSettingsAndRefusals) {
 // end, -1 a form feed; with paging on (option 3 at 0 or more, the lines on
 // the page) a form feed comes before the line that would pass the length.
 TEST(WriteOptions, LinesAndPaging) {
-    const struct {
-        int paging, lines, count;
-        const char *text;
-        int form_feeds, paging_after;
-    } cases[] = {
+    const struct { int paging, lines, count; const char *text; int form_feeds, paging_after; } cases[] = {
         {0, 10, 4, "line", 0, 10},  {0, 11, 6, "eleven", 1, 1}, {-1, 35, 1, "x", 0, -1}, {-2, 35, 1, "x", 0, -2},
         {-2, 1, -1, "ignored", 1, -2}, {4, 1, -1, "ignored", 1, 0}, {-2, 1, 0, "nothing", 0, -2},
         {-2, 1, -5, "nothing", 0, -2}, {-2, 1, 3, "abcdef", 0, -2}, {0, 1, 3, "abcdef", 0, 1},
@@ -80,12 +73,7 @@ TEST(WriteOptions, LinesAndPaging) {
 }
 
 TEST(WriteOptions, TextsAndScalars) {
-    const struct {
-        std::string text;
-        int width;
-        const char *printed;
-        int code;
-    } cases[] = {
+    const struct { std::string text; int width; const char *printed; int code; } cases[] = {
         {"two\nwords", 20, "two\nwords\n", 0}, {"ends\n", 20, "ends\n", 0},  {"a\n\nb", 20, "a\n\nb\n", 0},
         {"abcdefghij", 4, "abcd\nefgh\nij\n", 0}, {"", 0, "", 0},        {"text", 0, "", 10011},
         {std::string(256, 'x'), 10, "", 10012},

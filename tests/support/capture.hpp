@@ -3,6 +3,7 @@
 #ifndef ZORVS_TEST_CAPTURE_HPP
 #define ZORVS_TEST_CAPTURE_HPP
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -49,11 +50,9 @@ public:
 
 private:
     bool error_unit_;
-    FILE *stream_ = nullptr;
-    FILE *previous_ = nullptr;
+    FILE *stream_ = nullptr, *previous_ = nullptr;
     char *buffer_ = nullptr;
-    std::size_t size_ = 0;
-    std::size_t consumed_ = 0;
+    std::size_t size_ = 0, consumed_ = 0;
 };
 
 // Types 4 and 5 do not stop the process while the object lives.
@@ -66,8 +65,7 @@ public:
     ~NoStop() { zorvs_error_options(ZORVS_SET_STOP, 4, fatal_, ZORVS_SET_STOP, 5, terminal_, 0); }
 
 private:
-    int fatal_ = 1;
-    int terminal_ = 1;
+    int fatal_ = 1, terminal_ = 1;
 };
 
 // The (type, code) of every message raised at once (types 5 to 8) and of
@@ -84,14 +82,10 @@ public:
     CodeLog &operator=(const CodeLog &) = delete;
 
     bool has(int type, int code) const {
-        for (const auto &e : log())
-            if (e.first == type && e.second == code) return true;
-        return false;
+        return std::count(log().begin(), log().end(), std::make_pair(type, code)) > 0;
     }
     bool has_code(int code) const {
-        for (const auto &e : log())
-            if (e.second == code) return true;
-        return false;
+        return std::any_of(log().begin(), log().end(), [code](const auto &e) { return e.second == code; });
     }
     const std::vector<std::pair<int, int>> &entries() const { return log(); }
     void clear() { log().clear(); }
@@ -197,6 +191,13 @@ inline std::vector<std::string> split(const std::string &text, char separator = 
     return parts;
 }
 
+// The bytes of a file.
+inline std::string read_all(const std::string &path) {
+    std::ostringstream s;
+    s << std::ifstream(path, std::ios::binary).rdbuf();
+    return s.str();
+}
+
 // Compare printed output with the expected text tests/data/output/NAME.txt.
 // With ZORVS_WRITE_GOLDEN set in the environment the text is (re)written
 // instead; every such text is read by eye before it is committed.
@@ -206,11 +207,8 @@ inline void expect_golden(const std::string &name, const std::string &text) {
         std::ofstream(path, std::ios::binary) << text;
         return;
     }
-    std::ifstream in(path, std::ios::binary);
-    ASSERT_TRUE(in) << "missing expected text " << path;
-    std::stringstream expected;
-    expected << in.rdbuf();
-    EXPECT_EQ(expected.str(), text) << "output differs from " << path;
+    ASSERT_TRUE(std::ifstream(path)) << "missing expected text " << path;
+    EXPECT_EQ(read_all(path), text) << "output differs from " << path;
 }
 
 }  // namespace zorvs_test
