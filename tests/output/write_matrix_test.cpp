@@ -20,16 +20,9 @@ namespace {
 
 using zorvs_test::split;
 
-int option(int k) {
-    int v = 0;
-    zorvs_write_options(k, &v);
-    return v;
-}
+int option(int k) { return zorvs_write_options(k, &k), k; }
 void set_option(int k, int v) { zorvs_write_options(-k, &v); }
-void page(int width, int length = 0) {
-    zorvs_page(-1, &width);
-    if (length) zorvs_page(-2, &length);
-}
+void page(int width, int length = 0) { zorvs_page(-1, &width), length ? zorvs_page(-2, &length) : void(); }
 
 // The page holds what it should: no page longer than its length, and the
 // count of the last page's lines in option 3.
@@ -73,8 +66,8 @@ double wide[8] = {1.5, 2.25, 3, 4, 123456789.125, 2.5, 98765432.25, 7};
 // Each golden text: the page (width, length, paging option) and the prints.
 const struct { const char *name; int width, length, paging; void (*print)(); } golden[] = {
     {"number_forms", 78, 60, -2, [] {
-         float whole[6] = {1, 2, 3, 4, 5, 6}, quarters[4] = {1.5f, 2.25f, 3, 4}, columns[4] = {1.5f, 2.25f, 3.125f, 4};
-         float small = 0.0001f;
+         float whole[6] = {1, 2, 3, 4, 5, 6}, quarters[4] = {1.5f, 2.25f, 3, 4}, columns[4] = {1.5f, 2.25f, 3.125f, 4},
+               small = 0.0001f;
          int ints[4] = {1, -20, 300, 4};
          zorvs_f_write_matrix("Whole numbers", 2, 3, whole, 0);
          zorvs_f_write_matrix("Trailing zeros dropped", 2, 2, quarters, 0);
