@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <deque>
 #include <string>
 #include <vector>
 
@@ -34,7 +35,7 @@ std::string str(int k) { return std::to_string(k); }
 // Vtrap one that also leaves a trap mark for its pop.  The names live on, as
 // the stack keeps them by pointer.
 void play(const std::string &script) {
-    static std::vector<std::string> names;
+    static std::deque<std::string> names;  // elements stay where they are
     for (const std::string &s : zorvs_test::split(script, ';')) {
         const bool number = std::isdigit(static_cast<unsigned char>(s[s[0] == '-']));
         const std::size_t star = s.find('*'), a = s.find(' '), b = s.find(' ', a + 1);
