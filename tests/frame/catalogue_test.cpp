@@ -211,10 +211,8 @@ TEST(CatalogueProcess, PathsVariantsAndFallbacks) {
         return true;
     };
     const struct { std::string path; bool (*lookups)(); const char *printed; } cases[] = {
-        {variants + "/le0/", all_agree, "^$"},
-        {variants + "/be0/", all_agree, "^$"},
-        {variants + "/le2/", all_agree, "^$"},
-        {variants + "/be2/", all_agree, "^$"},
+        {variants + "/le0/", all_agree, "^$"}, {variants + "/be0/", all_agree, "^$"},
+        {variants + "/le2/", all_agree, "^$"}, {variants + "/be2/", all_agree, "^$"},
         // Codes 102 and 100102 look in two different files.
         {variants + "/file1/:" + build_dir + "/",
          [] {

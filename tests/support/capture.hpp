@@ -120,18 +120,12 @@ inline std::string slots(const std::string &spec) {
     std::istringstream in(spec);
     std::string out, item;
     while (in >> item) {
-        int k = item[1] - '0';
-        std::string value;
-        if (item[0] == 'i') {
-            value = std::to_string(zorvs_error_param.i[k]);
-        } else if (item[0] == 'r') {
-            char b[32];
-            std::snprintf(b, sizeof b, "%g", zorvs_error_param.r[k]);
-            value = b;
-        } else {
-            value = zorvs_error_param.l[k] ? zorvs_error_param.l[k] : "(null)";
-        }
-        out += (out.empty() ? "" : " ") + item.substr(0, 2) + "=" + value;
+        const int k = item[1] - '0';
+        char real[32];
+        std::snprintf(real, sizeof real, "%g", zorvs_error_param.r[k]);
+        const char *l = zorvs_error_param.l[k] ? zorvs_error_param.l[k] : "(null)";
+        out += (out.empty() ? "" : " ") + item.substr(0, 3) +
+               (item[0] == 'i' ? std::to_string(zorvs_error_param.i[k]) : item[0] == 'r' ? real : l);
     }
     return out;
 }
