@@ -18,10 +18,11 @@
 
 namespace {
 
+using zorvs_test::set_write_option;
+using zorvs_test::write_option;
+
 using zorvs_test::split;
 
-int option(int k) { return zorvs_write_options(k, &k), k; }
-void set_option(int k, int v) { zorvs_write_options(-k, &v); }
 void page(int width, int length = 0) { zorvs_page(-1, &width), length ? zorvs_page(-2, &length) : void(); }
 
 // The page holds what it should: no page longer than its length, and the
@@ -29,7 +30,7 @@ void page(int width, int length = 0) { zorvs_page(-1, &width), length ? zorvs_pa
 void expect_pages(const std::string &text, int length) {
     const auto pages = split(text, '\f');
     for (const auto &p : pages) EXPECT_LE(split(p).size(), std::size_t(length));
-    EXPECT_EQ(option(3), static_cast<int>(split(pages.back()).size()));
+    EXPECT_EQ(write_option(3), static_cast<int>(split(pages.back()).size()));
 }
 
 // The W format resolved for a value, and the part of a row a triangle prints.
@@ -80,7 +81,7 @@ const struct { const char *name; int width, length, paging; void (*print)(); } g
          double a[6] = {1.5, std::nan(""), 2.25, inf, -inf, 3};
          float big[2] = {3e9f, 1};
          zorvs_d_write_matrix("Dots", 2, 3, a, 0);
-         set_option(4, 1);
+         set_write_option(4, 1);
          zorvs_d_write_matrix("Blanks", 2, 3, a, 0);
          zorvs_f_write_matrix("Out of int range", 1, 2, big, ZORVS_WRITE_FORMAT, "%12d", 0);
      }},
@@ -99,7 +100,7 @@ const struct { const char *name; int width, length, paging; void (*print)(); } g
          zorvs_d_write_matrix("Stride 3, two columns", 2, 2, d9, ZORVS_A_COL_DIM, 3, 0);
          zorvs_d_write_matrix("No rows", 0, 3, d9, 0);
          zorvs_d_write_matrix("No columns", 2, 0, d9, 0);
-         set_option(1, 1);
+         set_write_option(1, 1);
          zorvs_d_write_matrix("Centred", 2, 3, d9, 0);
      }},
     {"width_40", 78, 60, -2, [] {
@@ -122,7 +123,7 @@ const struct { const char *name; int width, length, paging; void (*print)(); } g
          zorvs_i_write_matrix("Integers", 3, 2, n, ZORVS_WRITE_FORMAT, "% d", 0);
          page(40);
          zorvs_d_write_matrix("Lower triangle", 3, 3, t, ZORVS_WRITE_FORMAT, "%.6f", ZORVS_PRINT_LOWER, 0);
-         set_option(1, 1);
+         set_write_option(1, 1);
          zorvs_d_write_matrix("Centred", 2, 4, wide, ZORVS_WRITE_FORMAT, "%.6f", 0);
      }},
     // Paging counts continuation lines and the lines of a long row label; a
@@ -138,7 +139,7 @@ const struct { const char *name; int width, length, paging; void (*print)(); } g
     {"row_wrap", 40, 60, -2, [] {
          float a[25];
          for (int k = 0; k < 25; ++k) a[k] = float(k + 1);
-         set_option(2, 2);
+         set_write_option(2, 2);
          zorvs_f_write_matrix("Row wrap 2", 5, 5, a, 0);
          zorvs_f_write_matrix("Fits", 5, 2, a, 0);
      }},
@@ -151,7 +152,7 @@ const struct { const char *name; int width, length, paging; void (*print)(); } g
          for (int k = 0; k < 24; ++k) n[k] = k + 1;
          zorvs_i_write_matrix("Long", 12, 2, n, 0);
          zorvs_d_write_matrix("Wide", 7, 5, d, 0);
-         set_option(5, 1);
+         set_write_option(5, 1);
          zorvs_d_write_matrix("Title on each page", 7, 5, d, 0);
      }},
     // Blocks of a triangle with nothing to print are skipped.
@@ -170,7 +171,7 @@ TEST(WriteMatrix, GoldenTexts) {
         int unused = 0;
         zorvs_write_options(0, &unused);
         page(g.width, g.length);
-        set_option(3, g.paging);
+        set_write_option(3, g.paging);
         g.print();
         const std::string text = out.take();
         zorvs_test::expect_golden(g.name, text);
@@ -218,7 +219,7 @@ void check_paged_print(bool transpose) {
     const int rows = 200, cols = 40, length = 23;
     zorvs_test::UnitCapture out(false);
     page(78, length);
-    set_option(3, 0);
+    set_write_option(3, 0);
     std::vector<T> a(rows * cols);
     auto value = [](int i, int j) { return static_cast<T>(100000 + 100 * i + j) + static_cast<T>(0.5); };
     for (int i = 0; i < rows; ++i)

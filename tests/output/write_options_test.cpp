@@ -12,12 +12,8 @@
 
 namespace {
 
-int option(int k) {
-    int v = 0;
-    zorvs_write_options(k, &v);
-    return v;
-}
-void set_option(int k, int v) { zorvs_write_options(-k, &v); }
+using zorvs_test::set_write_option;
+using zorvs_test::write_option;
 
 TEST(WriteOptions, DefaultsSettingsAndRefusals) {
     // Option, its default, a value it takes, and a value it refuses with the
@@ -33,14 +29,14 @@ TEST(WriteOptions, DefaultsSettingsAndRefusals) {
     zorvs_test::Quiet q;
     int unused = 0;
     for (const auto &c : cases) {
-        EXPECT_EQ(option(c.option), c.fallback) << c.option;
-        set_option(c.option, c.good);
-        set_option(c.option, c.bad);
+        EXPECT_EQ(write_option(c.option), c.fallback) << c.option;
+        set_write_option(c.option, c.good);
+        set_write_option(c.option, c.bad);
         EXPECT_EQ(zorvs_error_code(), c.code) << c.option;
         EXPECT_EQ(zorvs_test::slots(c.slots), c.slots);
-        EXPECT_EQ(option(c.option), c.good) << c.option;
+        EXPECT_EQ(write_option(c.option), c.good) << c.option;
         zorvs_write_options(0, &unused);
-        EXPECT_EQ(option(c.option), c.fallback) << c.option;
+        EXPECT_EQ(write_option(c.option), c.fallback) << c.option;
     }
     for (int k : {7, -7}) {
         zorvs_write_options(k, &unused);
@@ -61,11 +57,11 @@ TEST(WriteOptions, LinesAndPaging) {
     zorvs_page(-2, &length);
     for (const auto &c : cases) {
         zorvs_test::UnitCapture out(false);
-        set_option(3, c.paging);
+        set_write_option(3, c.paging);
         for (int k = 0; k < c.lines; ++k) zorvs_write_line(c.count, c.text);
         const std::string text = out.take();
         EXPECT_EQ(std::count(text.begin(), text.end(), '\f'), c.form_feeds) << c.paging << " " << c.text;
-        EXPECT_EQ(option(3), c.paging_after) << c.paging << " " << c.text;
+        EXPECT_EQ(write_option(3), c.paging_after) << c.paging << " " << c.text;
         if (c.count == 3 || c.count == 0 || c.count == -5) {
             EXPECT_EQ(text, c.count == 3 ? "abc\n" : "");
         }
@@ -89,9 +85,9 @@ TEST(WriteOptions, TextsAndScalars) {
     zorvs_test::UnitCapture out(false);
     zorvs_wrtrl(std::string(255, 'x').c_str(), 255);
     EXPECT_EQ(out.take(), std::string(255, 'x') + "\n");
-    set_option(3, 0);
+    set_write_option(3, 0);
     zorvs_wrtrl("a\n\nb", 20);
-    EXPECT_EQ(option(3), 3);  // the lines count for paging
+    EXPECT_EQ(write_option(3), 3);  // the lines count for paging
     out.take();
     zorvs_wrrrs("x", 3.5f);
     zorvs_dwrrrs("y", 0.25);

@@ -130,6 +130,10 @@ inline std::string slots(const std::string &spec) {
     return out;
 }
 
+// An output option of zorvs_write_options, read and set.
+inline int write_option(int k) { return zorvs_write_options(k, &k), k; }
+inline void set_write_option(int k, int v) { zorvs_write_options(-k, &v); }
+
 // A printed message with its continuation lines joined again.
 inline std::string flat(std::string s) {
     const std::string wrap = "\n***          ";
