@@ -27,7 +27,7 @@ int zorvs_error_n1rty[2];
 
 // Constant-initialised, so that it is ready before any constructor runs.
 zorvs::ErrorStack zorvs::error_stack = {
-    {{0, 1, 0, "USER"}}, &zorvs::error_stack.frames[0], {0, 0}, nullptr, 0, nullptr};
+    {{0, 1, 0, "USER"}}, &zorvs::error_stack.frames[0], {0, 0}, 0, 0, nullptr, 0, nullptr, nullptr};
 
 namespace {
 
@@ -445,7 +445,8 @@ void zorvs_e1psh(const char *name) {
 
 void zorvs_e1pop(const char *name) {
     if (!lv_error.error_init) initialise();
-    if (zorvs_error_param.trapped) {
+    const bool trapped = zorvs_error_param.trapped != 0;
+    if (trapped) {
         zorvs_error_param.trapped = 0;
         while (lv_stack.top > base() &&
                !(name && lv_stack.top->name && std::strcmp(name, lv_stack.top->name) == 0))
@@ -460,6 +461,7 @@ void zorvs_e1pop(const char *name) {
         zorvs_ermes(8, 60001);
         std::exit(t->type);  // not reached: type 8 ends the process in the raise
     }
+    if (zorvs::owns_work(lv_stack, t)) zorvs::close_work(t, zorvs_error_n1rty[0], trapped);
     ErrorFrame *below = t - 1;
     if (below->user) release();
     if (below->type <= t->type) {
