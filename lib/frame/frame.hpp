@@ -16,9 +16,9 @@
 //             }
 //         }
 //         ... checks ...
-//         T *r = result.obtain(n, "n");                       // or the caller's array
+//         if (!result.obtain(n, "n")) return;               // unless the caller's array
 //         T *work = zorvs::workspace<T>(n, "n");
-//         if (!r || !work) return;
+//         if (!work) return;
 //         ... work ...
 //     }
 //     }
@@ -188,20 +188,20 @@ void *workspace_block(std::size_t bytes);
 // Free one block before its frame's pop; a block not in the workspace is left alone.
 void workspace_free(void *block);
 
-// A block of `count` elements from `obtain`, which takes a size in bytes and
+// A block of `count` elements from `take`, which takes a size in bytes and
 // gives a block or null; failure raises (5, 200).
-template <class T, class Obtain>
-T *allocate_from(Obtain &&obtain, std::size_t count) {
-    T *p = static_cast<T *>(obtain((count ? count : 1) * sizeof(T)));
+template <class T, class Take>
+T *allocate_from(Take &&take, std::size_t count) {
+    T *p = static_cast<T *>(take((count ? count : 1) * sizeof(T)));
     if (!p) zorvs_ermes(5, 200);
     return p;
 }
 
 // A block of one counted size; failure raises (5, 201) with the count and the
 // argument that set it.
-template <class T, class Obtain>
-T *allocate_from(Obtain &&obtain, int count, const char *name) {
-    T *p = count >= 0 ? static_cast<T *>(obtain((count ? count : 1) * sizeof(T))) : nullptr;
+template <class T, class Take>
+T *allocate_from(Take &&take, int count, const char *name) {
+    T *p = count >= 0 ? static_cast<T *>(take((count ? count : 1) * sizeof(T))) : nullptr;
     if (!p) {
         zorvs_e1sti(1, count);
         zorvs_e1stl(1, name);
@@ -211,12 +211,12 @@ T *allocate_from(Obtain &&obtain, int count, const char *name) {
 }
 
 // A block of two counted sizes; failure raises (5, 202).
-template <class T, class Obtain>
-T *allocate_from(Obtain &&obtain, int count1, const char *name1, int count2, const char *name2) {
+template <class T, class Take>
+T *allocate_from(Take &&take, int count1, const char *name1, int count2, const char *name2) {
     std::size_t n = (count1 >= 0 && count2 >= 0)
                         ? static_cast<std::size_t>(count1) * static_cast<std::size_t>(count2)
                         : 0;
-    T *p = (count1 >= 0 && count2 >= 0) ? static_cast<T *>(obtain((n ? n : 1) * sizeof(T))) : nullptr;
+    T *p = (count1 >= 0 && count2 >= 0) ? static_cast<T *>(take((n ? n : 1) * sizeof(T))) : nullptr;
     if (!p) {
         zorvs_e1sti(1, count1);
         zorvs_e1stl(1, name1);
@@ -288,17 +288,18 @@ public:
     bool user() const { return user_; }
     T *data() const { return storage_; }
 
-    // The storage to write: the caller's array, or a block of the sizes
-    // given, as allocate takes them.  Null with the message raised when the
-    // block cannot be had; null without one when nothing is wanted.
+    // Make the storage ready: the caller's array as it was given, or a block
+    // of the sizes given, as allocate takes them, for data() to return.
+    // False, with the message raised, only when the block cannot be had; an
+    // optional output that nobody asked for needs nothing and is ready.
     template <class... Sizes>
-    T *obtain(Sizes... sizes) {
-        if (user_ || storage_ || !wanted()) return storage_;
+    bool obtain(Sizes... sizes) {
+        if (user_ || storage_ || !wanted()) return true;
         void *slot = result_ ? static_cast<void *>(result_) : static_cast<void *>(address_);
         BlockUse use = result_ ? BlockUse::result : BlockUse::output;
         auto take = [&](std::size_t bytes) { return tracked_block(bytes, use, failure_, slot, &store); };
         set(allocate_from<T>(take, sizes...));
-        return storage_;
+        return storage_ != nullptr;
     }
 
     // Give the output up before the pop: the block freed, the static result

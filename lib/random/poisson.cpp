@@ -164,15 +164,14 @@ void l_rnpoi(int n, float theta, int r[]) {
 }
 
 void l_random_poisson(int n, float theta, va_list *list) {
+    zorvs::OutputPair<int> result(lv_poisson);
     zorvs::KeywordReader kw(list, 2);
-    bool user = false;
     for (int k = kw.keyword(); k != 0; k = kw.keyword()) {
         switch (k) {
         case ZORVS_RETURN_USER:
-            lv_poisson = kw.pointer<int>();
-            user = true;
+            result.take_user(kw.pointer<int>());
             break;
-        default: kw.unknown(k); lv_poisson = nullptr; return;
+        default: kw.unknown(k); result.drop(); return;
         }
     }
     int arg = 0;
@@ -181,16 +180,9 @@ void l_random_poisson(int n, float theta, va_list *list) {
         zorvs_e1std(1, static_cast<double>(theta));
         zorvs_ermes(5, 11032);
     }
-    if (zorvs_n1rcd(0) != 0) {
-        if (!user) lv_poisson = nullptr;
-        return;
-    }
-    if (!user) {
-        lv_poisson = zorvs::allocate<int>(static_cast<std::size_t>(n));
-        if (!lv_poisson) return;
-    }
-    l_rnpoi(n, theta, lv_poisson);
-    zorvs::exit_test(lv_poisson, user);
+    if (zorvs_n1rcd(0) != 0) return;
+    if (!result.obtain(static_cast<std::size_t>(n))) return;
+    l_rnpoi(n, theta, result.data());
 }
 
 }  // namespace

@@ -76,10 +76,10 @@ void l_outputs(int n, va_list *list) {
         result.drop();
         return;
     }
-    double *r = result.obtain(n, "n");
-    double *squares = residual.obtain(n, "n");
+    if (!result.obtain(n, "n") || !residual.obtain(n, "n")) return;
     double *work = zorvs::workspace<double>(n, "n");
-    if (!r || (residual.wanted() && !squares) || !work) return;
+    if (!work) return;
+    double *r = result.data(), *squares = residual.data();
     seen.blocks_in_body = blocks();
     if (fault) *invalid_pointer = 1;
     for (int i = 0; i < n; ++i) work[i] = i + 1;

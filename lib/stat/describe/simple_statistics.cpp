@@ -821,8 +821,8 @@ void l_simple_statistics(int n_observations, int n_variables, T *x, va_list *lis
     }
     s.running = work;
     s.weight_sum = weights ? work + static_cast<long>(Summary<T>::R_SLOTS) * n_variables : nullptr;
-    s.table = table.obtain(n_rows, "n_variables", stat_col_dim, "stat_col_dim");
-    if (!s.table) return;
+    if (!table.obtain(n_rows, "n_variables", stat_col_dim, "stat_col_dim") || !table.data()) return;
+    s.table = table.data();
 
     // Cells that no step writes stay NaN.
     const T nan = zorvs::missing<T>();

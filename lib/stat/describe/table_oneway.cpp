@@ -253,7 +253,7 @@ void l_table_oneway(int n_observations, T *x, int n_intervals, va_list *list) {
     int arg_no = 0;
     zorvs_c1iarg(n_intervals, "n_intervals", 1, 0, &arg_no);
     if (zorvs_error_n1rty[0] > 3) return;
-    if (!table.obtain(n_intervals, "n_intervals") && !table.user()) return;
+    if (!table.obtain(n_intervals, "n_intervals")) return;
     if (iopt >= 2) {
         if (n_intervals < 2) {
             zorvs_e1sti(1, n_intervals);
