@@ -445,12 +445,13 @@ void zorvs_e1psh(const char *name) {
 
 void zorvs_e1pop(const char *name) {
     if (!lv_error.error_init) initialise();
-    const bool trapped = zorvs_error_param.trapped != 0;
-    if (trapped) {
+    if (zorvs_error_param.trapped) {
         zorvs_error_param.trapped = 0;
         while (lv_stack.top > base() &&
                !(name && lv_stack.top->name && std::strcmp(name, lv_stack.top->name) == 0))
             --lv_stack.top;
+        // The blocks of the abandoned body and of the frames dropped above it.
+        if (zorvs::owns_work(lv_stack, lv_stack.top)) zorvs::close_work(lv_stack.top, zorvs_error_n1rty[0], true);
     }
     ErrorFrame *t = lv_stack.top;
     bool same = t != base() && name &&
@@ -461,7 +462,7 @@ void zorvs_e1pop(const char *name) {
         zorvs_ermes(8, 60001);
         std::exit(t->type);  // not reached: type 8 ends the process in the raise
     }
-    if (zorvs::owns_work(lv_stack, t)) zorvs::close_work(t, zorvs_error_n1rty[0], trapped);
+    if (zorvs::owns_work(lv_stack, t)) [[unlikely]] zorvs::close_work(t, zorvs_error_n1rty[0], false);
     ErrorFrame *below = t - 1;
     if (below->user) release();
     if (below->type <= t->type) {
