@@ -43,6 +43,7 @@
 
 #include "frame/error_stack.hpp"
 #include "frame/services.h"
+#include "zorvstat.h"
 
 namespace zorvs {
 
@@ -323,6 +324,20 @@ private:
     bool user_ = false;
     Failure failure_;
 };
+
+// The keyword list of a routine whose one keyword is ZORVS_RETURN_USER.
+// False after an unknown keyword, which is raised and ends the list.
+template <class T>
+bool read_return_user(KeywordReader &kw, OutputPair<T> &result) {
+    for (int k = kw.keyword(); k != 0; k = kw.keyword()) {
+        if (k != ZORVS_RETURN_USER) {
+            kw.unknown(k);
+            return false;
+        }
+        result.take_user(kw.pointer<T>());
+    }
+    return true;
+}
 
 // The routine name of a twin: by_type<T>("zorvs_f_x", "zorvs_d_x").
 template <class T>

@@ -241,13 +241,9 @@ template <class T>
 void l_random_beta(int n, T pin, T qin, va_list *list) {
     zorvs::OutputPair<T> result(lv_beta<T>);
     zorvs::KeywordReader kw(list, 3);
-    for (int k = kw.keyword(); k != 0; k = kw.keyword()) {
-        switch (k) {
-        case ZORVS_RETURN_USER:
-            result.take_user(kw.pointer<T>());
-            break;
-        default: kw.unknown(k); result.drop(); return;
-        }
+    if (!zorvs::read_return_user(kw, result)) {
+        result.drop();
+        return;
     }
     // A NaN shape is refused with the non-positive ones.
     if (!(pin > 0)) zorvs_ermes(5, 11033);

@@ -240,13 +240,9 @@ template <class T>
 void l_random_gamma(int n, T a, va_list *list) {
     zorvs::OutputPair<T> result(lv_gamma<T>);
     zorvs::KeywordReader kw(list, 2);
-    for (int k = kw.keyword(); k != 0; k = kw.keyword()) {
-        switch (k) {
-        case ZORVS_RETURN_USER:
-            result.take_user(kw.pointer<T>());
-            break;
-        default: kw.unknown(k); result.drop(); return;
-        }
+    if (!zorvs::read_return_user(kw, result)) {
+        result.drop();
+        return;
     }
     int arg = 0;
     zorvs_c1iarg(n, "n_random", 1, 0, &arg);

@@ -153,13 +153,9 @@ template <class T>
 void l_random_normal_multivariate(int n_vectors, int l_vectors, const T covariance[], va_list *list) {
     zorvs::OutputPair<T> vectors(lv_normal_multivariate<T>);
     zorvs::KeywordReader kw(list, 3);
-    for (int k = kw.keyword(); k != 0; k = kw.keyword()) {
-        switch (k) {
-        case ZORVS_RETURN_USER:
-            vectors.take_user(kw.pointer<T>());
-            break;
-        default: kw.unknown(k); vectors.drop(); return;
-        }
+    if (!zorvs::read_return_user(kw, vectors)) {
+        vectors.drop();
+        return;
     }
     int arg = 0;
     zorvs_c1iarg(n_vectors, "n_vectors", 1, 0, &arg);

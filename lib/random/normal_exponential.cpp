@@ -29,13 +29,9 @@ template <class T>
 T *prepare(int n, va_list *list, T *&static_result) {
     zorvs::OutputPair<T> result(static_result);
     zorvs::KeywordReader kw(list, 1);
-    for (int k = kw.keyword(); k != 0; k = kw.keyword()) {
-        switch (k) {
-        case ZORVS_RETURN_USER:
-            result.take_user(kw.pointer<T>());
-            break;
-        default: kw.unknown(k); result.drop(); return nullptr;
-        }
+    if (!zorvs::read_return_user(kw, result)) {
+        result.drop();
+        return nullptr;
     }
     int arg = 0;
     zorvs_c1iarg(n, "n_random", 1, 0, &arg);

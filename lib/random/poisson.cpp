@@ -166,13 +166,9 @@ void l_rnpoi(int n, float theta, int r[]) {
 void l_random_poisson(int n, float theta, va_list *list) {
     zorvs::OutputPair<int> result(lv_poisson);
     zorvs::KeywordReader kw(list, 2);
-    for (int k = kw.keyword(); k != 0; k = kw.keyword()) {
-        switch (k) {
-        case ZORVS_RETURN_USER:
-            result.take_user(kw.pointer<int>());
-            break;
-        default: kw.unknown(k); result.drop(); return;
-        }
+    if (!zorvs::read_return_user(kw, result)) {
+        result.drop();
+        return;
     }
     int arg = 0;
     zorvs_c1iarg(n, "n_random", 1, 0, &arg);

@@ -178,14 +178,7 @@ template <class T>
 void l_random_uniform(int n, va_list *list) {
     zorvs::OutputPair<T> result(lv_uniform<T>);
     zorvs::KeywordReader kw(list, 1);
-    for (int k = kw.keyword(); k != 0; k = kw.keyword()) {
-        switch (k) {
-        case ZORVS_RETURN_USER:
-            result.take_user(kw.pointer<T>());
-            break;
-        default: kw.unknown(k); return;
-        }
-    }
+    if (!zorvs::read_return_user(kw, result)) return;
     int arg = 0;
     zorvs_c1iarg(n, "n_random", 1, 0, &arg);
     if (zorvs_n1rcd(0) != 0) {
