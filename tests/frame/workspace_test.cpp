@@ -12,15 +12,8 @@
 #include "frame/frame.hpp"
 #include "frame/services.h"
 #include "support/capture.hpp"
+#include "support/sanitizer.hpp"
 #include "zorvstat.h"
-
-#if defined(__SANITIZE_ADDRESS__)
-#define ZORVS_UNDER_ASAN 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define ZORVS_UNDER_ASAN 1
-#endif
-#endif
 
 namespace {
 
