@@ -930,25 +930,17 @@ void l_write_matrix(const char *title, int n_rows, int n_columns, T *a, int lda,
     lay.title_lines = l_w4rrl(title, lay.page_width, lay.page_width / 3 + 1, nullptr, nullptr, 0);
     if (title[0] == '\0') lay.title_lines = 0;
 
-    // Work arrays, freed on every path below.
+    // Work arrays, freed by the pop of the routine's frame.
     int ncol = pc > 0 ? pc : 1;
-    job.conv = zorvs::allocate<Conversion>(n_conv, "format");
-    job.cell_format = reinterpret_cast<char (*)[lc_max_conv]>(zorvs::allocate<char>(ncol * lc_max_conv, "nca"));
-    job.field = zorvs::allocate<int>(ncol, "nca");
-    job.cell_limit = zorvs::allocate<int>(ncol, "nca");
-    job.column_width = zorvs::allocate<int>(ncol, "nca");
-    job.line = zorvs::allocate<char>(lc_line_buffer, "line");
-    char *use = zorvs::allocate<char>(ncol, "nca");
-    if (!job.conv || !job.cell_format || !job.field || !job.cell_limit || !job.column_width || !job.line || !use) {
-        std::free(job.conv);
-        std::free(job.cell_format);
-        std::free(job.field);
-        std::free(job.cell_limit);
-        std::free(job.column_width);
-        std::free(job.line);
-        std::free(use);
+    job.conv = zorvs::workspace<Conversion>(n_conv, "format");
+    job.cell_format = reinterpret_cast<char (*)[lc_max_conv]>(zorvs::workspace<char>(ncol * lc_max_conv, "nca"));
+    job.field = zorvs::workspace<int>(ncol, "nca");
+    job.cell_limit = zorvs::workspace<int>(ncol, "nca");
+    job.column_width = zorvs::workspace<int>(ncol, "nca");
+    job.line = zorvs::workspace<char>(lc_line_buffer, "line");
+    char *use = zorvs::workspace<char>(ncol, "nca");
+    if (!job.conv || !job.cell_format || !job.field || !job.cell_limit || !job.column_width || !job.line || !use)
         return;
-    }
     scan_format(format, letters, &max_width, &n_conv, &n_w, job.conv);
 
     // A matrix without rows or columns has no elements to move, and `a` may
@@ -1039,13 +1031,6 @@ void l_write_matrix(const char *title, int n_rows, int n_columns, T *a, int lda,
         if constexpr (std::is_same_v<T, double>) zorvs_d_m1ran(lda, n_rows, a, a);
         if constexpr (std::is_same_v<T, int>) zorvs_i_m1ran(lda, n_rows, a, a);
     }
-    std::free(job.conv);
-    std::free(job.cell_format);
-    std::free(job.field);
-    std::free(job.cell_limit);
-    std::free(job.column_width);
-    std::free(job.line);
-    std::free(use);
 }
 
 // Keyword reading of the public forms.

@@ -253,16 +253,11 @@ void l_rngam(int n, T a, T r[]) {
 
 template <class T>
 void l_random_gamma(int n, T a, va_list *list) {
+    zorvs::OutputPair<T> result(lv_gamma<T>);
     zorvs::KeywordReader kw(list, 2);
-    bool user = false;
-    for (int k = kw.keyword(); k != 0; k = kw.keyword()) {
-        switch (k) {
-        case ZORVS_RETURN_USER:
-            lv_gamma<T> = kw.pointer<T>();
-            user = true;
-            break;
-        default: kw.unknown(k); lv_gamma<T> = nullptr; return;
-        }
+    if (!zorvs::read_return_user(kw, result)) {
+        result.drop();
+        return;
     }
     int arg = 0;
     zorvs_c1iarg(n, "n_random", 1, 0, &arg);
@@ -270,16 +265,9 @@ void l_random_gamma(int n, T a, va_list *list) {
         zorvs_e1std(1, static_cast<double>(a));
         zorvs_ermes(5, 11036);
     }
-    if (zorvs_n1rcd(0) != 0) {
-        if (!user) lv_gamma<T> = nullptr;
-        return;
-    }
-    if (!user) {
-        lv_gamma<T> = zorvs::allocate<T>(static_cast<std::size_t>(n));
-        if (!lv_gamma<T>) return;
-    }
-    l_rngam<T>(n, a, lv_gamma<T>);
-    zorvs::exit_test(lv_gamma<T>, user);
+    if (zorvs_n1rcd(0) != 0) return;
+    if (!result.obtain(static_cast<std::size_t>(n))) return;
+    l_rngam<T>(n, a, result.data());
 }
 
 }  // namespace

@@ -151,31 +151,20 @@ void transpose(int nra, int nca, T a[]) {
 
 template <class T>
 void l_random_normal_multivariate(int n_vectors, int l_vectors, const T covariance[], va_list *list) {
+    zorvs::OutputPair<T> vectors(lv_normal_multivariate<T>);
     zorvs::KeywordReader kw(list, 3);
-    bool user = false;
-    for (int k = kw.keyword(); k != 0; k = kw.keyword()) {
-        switch (k) {
-        case ZORVS_RETURN_USER:
-            lv_normal_multivariate<T> = kw.pointer<T>();
-            user = true;
-            break;
-        default: kw.unknown(k); lv_normal_multivariate<T> = nullptr; return;
-        }
+    if (!zorvs::read_return_user(kw, vectors)) {
+        vectors.drop();
+        return;
     }
     int arg = 0;
     zorvs_c1iarg(n_vectors, "n_vectors", 1, 0, &arg);
     zorvs_c1iarg(l_vectors, "l_vectors", 1, 0, &arg);
-    if (zorvs_n1rcd(0) != 0) {
-        if (!user) lv_normal_multivariate<T> = nullptr;
-        return;
-    }
-    if (!user) {
-        lv_normal_multivariate<T> = zorvs::allocate<T>(n_vectors, "n_vectors", l_vectors, "l_vectors");
-        if (!lv_normal_multivariate<T>) return;
-    }
-    T *result = lv_normal_multivariate<T>;
+    if (zorvs_n1rcd(0) != 0) return;
+    if (!vectors.obtain(n_vectors, "n_vectors", l_vectors, "l_vectors")) return;
+    T *result = vectors.data();
     const std::size_t l = static_cast<std::size_t>(l_vectors);
-    T *factor = static_cast<T *>(zorvs::raw_allocate(l * l * sizeof(T)));
+    T *factor = static_cast<T *>(zorvs::workspace_block(l * l * sizeof(T)));
     if (!factor) {
         zorvs_e1sti(1, l_vectors);
         zorvs_e1stl(1, "l_vectors");
@@ -193,9 +182,7 @@ void l_random_normal_multivariate(int n_vectors, int l_vectors, const T covarian
             // n_vectors: transpose it to the caller's row-major layout.
             transpose<T>(l_vectors, n_vectors, result);
         }
-        zorvs::release(factor);
     }
-    zorvs::exit_test(lv_normal_multivariate<T>, user);
 }
 
 }  // namespace

@@ -683,7 +683,7 @@ void median_rows(Summary<T> &s, bool with_scale) {
     }
     T *values = nullptr;
     if (largest > std::numeric_limits<int>::max() ||
-        !(values = zorvs::allocate<T>(static_cast<std::size_t>(largest)))) {
+        !(values = zorvs::workspace<T>(static_cast<std::size_t>(largest)))) {
         if (largest > std::numeric_limits<int>::max()) zorvs_ermes(5, 200);
         return;
     }
@@ -715,7 +715,6 @@ void median_rows(Summary<T> &s, bool with_scale) {
         s.cell(MAD, j) = mad;
         s.cell(ROBUST_SCALE, j) = zorvs::is_missing(mad) ? nan : mad / scale_divisor;
     }
-    zorvs::release(values);
 }
 
 template <class T>
@@ -723,8 +722,9 @@ T *lv_simple_statistics = nullptr;
 
 template <class T>
 void l_simple_statistics(int n_observations, int n_variables, T *x, va_list *list) {
+    // A WARNING_IMMEDIATE does not cost the table; anything else above 3 does.
+    zorvs::OutputPair<T> table(lv_simple_statistics<T>, zorvs::Failure::above_warning_but_immediate);
     zorvs::KeywordReader kw(list, 3);
-    bool user = false;
     T confidence_means = T(95), confidence_variances = T(95);
     const T *frequencies = nullptr;
     const T *weights = nullptr;
@@ -760,10 +760,7 @@ void l_simple_statistics(int n_observations, int n_variables, T *x, va_list *lis
             case ZORVS_MISSING_ELEMENTWISE: listwise = false; break;
             case ZORVS_X_COL_DIM: x_col_dim = kw.integer(); break;
             case ZORVS_STAT_COL_DIM: stat_col_dim = kw.integer(); break;
-            case ZORVS_RETURN_USER:
-                lv_simple_statistics<T> = kw.pointer<T>();
-                user = true;
-                break;
+            case ZORVS_RETURN_USER: table.take_user(kw.pointer<T>()); break;
             default: kw.unknown(k); return;
         }
     }
@@ -812,7 +809,7 @@ void l_simple_statistics(int n_observations, int n_variables, T *x, va_list *lis
 
     const int per_variable = Summary<T>::R_SLOTS + (weights ? 1 : 0);
     T *work = n_variables <= std::numeric_limits<int>::max() / per_variable
-                  ? zorvs::allocate<T>(per_variable * n_variables, "n_variables")
+                  ? zorvs::workspace<T>(per_variable * n_variables, "n_variables")
                   : nullptr;
     if (!work) {
         if (n_variables > std::numeric_limits<int>::max() / per_variable) {
@@ -824,12 +821,8 @@ void l_simple_statistics(int n_observations, int n_variables, T *x, va_list *lis
     }
     s.running = work;
     s.weight_sum = weights ? work + static_cast<long>(Summary<T>::R_SLOTS) * n_variables : nullptr;
-    if (!user) lv_simple_statistics<T> = zorvs::allocate<T>(n_rows, "n_variables", stat_col_dim, "stat_col_dim");
-    s.table = lv_simple_statistics<T>;
-    if (!s.table) {
-        zorvs::release(work);
-        return;
-    }
+    if (!table.obtain(n_rows, "n_variables", stat_col_dim, "stat_col_dim") || !table.data()) return;
+    s.table = table.data();
 
     // Cells that no step writes stay NaN.
     const T nan = zorvs::missing<T>();
@@ -848,10 +841,6 @@ void l_simple_statistics(int n_observations, int n_variables, T *x, va_list *lis
         finish(s);
         if (median_keywords) median_rows(s, with_scale);
     }
-    zorvs::release(work);
-    // A WARNING_IMMEDIATE does not cost the table; anything else above 3 does.
-    type = zorvs_error_type();
-    if (type > 3 && type != 6 && !user) zorvs::release(lv_simple_statistics<T>);
 }
 
 }  // namespace

@@ -209,8 +209,8 @@ void l_owfrq(const int *n_observations, const T *x, const int *n_intervals, cons
 
 template <class T>
 void l_table_oneway(int n_observations, T *x, int n_intervals, va_list *list) {
+    zorvs::OutputPair<T> table(lv_table<T>);
     zorvs::KeywordReader kw(list, 3);
-    bool user = false;
     int modes = 0, iopt = 0;
     T *min_out = nullptr, *max_out = nullptr;
     T lower = 0, upper = 0, half = 0;
@@ -240,57 +240,41 @@ void l_table_oneway(int n_observations, T *x, int n_intervals, va_list *list) {
             ++modes;
             break;
         case ZORVS_RETURN_USER:
-            lv_table<T> = kw.pointer<T>();
-            user = true;
+            table.take_user(kw.pointer<T>());
             break;
         default:
             kw.unknown(key);
             return;
         }
     }
+    // From here on the pop frees the marks and, after a failure, the table.
     T *marks = nullptr;
     if (modes > 1) {
         zorvs_ermes(5, 20022);
-        zorvs::exit_test(lv_table<T>, user);
         return;
     }
     int arg_no = 0;
     zorvs_c1iarg(n_intervals, "n_intervals", 1, 0, &arg_no);
-    if (zorvs_error_n1rty[0] > 3) {
-        zorvs::exit_test(lv_table<T>, user);
-        return;
-    }
-    if (!user) {
-        lv_table<T> = zorvs::allocate<T>(n_intervals, "n_intervals");
-        if (!lv_table<T>) {
-            zorvs::exit_test(lv_table<T>, user);
-            return;
-        }
-    }
+    if (zorvs_error_n1rty[0] > 3) return;
+    if (!table.obtain(n_intervals, "n_intervals")) return;
     if (iopt >= 2) {
         if (n_intervals < 2) {
             zorvs_e1sti(1, n_intervals);
             zorvs_e1stl(1, iopt == 2 ? "ZORVS_CUTPOINTS" : "ZORVS_CLASS_MARKS");
             zorvs_ermes(5, 20020);
-            zorvs::exit_test(lv_table<T>, user);
             return;
         }
         if (iopt == 3) half = (given[1] - given[0]) / static_cast<T>(2);
         marks = given;
     } else {
-        marks = zorvs::allocate<T>(n_intervals, "n_intervals");
-        if (!marks) {
-            zorvs::exit_test(lv_table<T>, user);
-            return;
-        }
+        marks = zorvs::workspace<T>(n_intervals, "n_intervals");
+        if (!marks) return;
     }
-    l_owfrq<T>(&n_observations, x, &n_intervals, &iopt, &lower, &upper, &half, marks, lv_table<T>);
+    l_owfrq<T>(&n_observations, x, &n_intervals, &iopt, &lower, &upper, &half, marks, table.data());
     if (zorvs_error_n1rty[0] < 4 && iopt == 0 && min_out && max_out) {
         *min_out = x[index_min(n_observations, x) - 1];
         *max_out = x[index_max(n_observations, x) - 1];
     }
-    zorvs::exit_test(lv_table<T>, user);
-    if (iopt < 2) zorvs::release(marks);
 }
 
 }  // namespace
