@@ -15,7 +15,6 @@
 // zorvs_binom(n, m): n! / (m! (n - m)!), by the product formula in extended
 // precision.
 #include <cmath>
-#include <limits>
 
 #include "dist/discrete.h"
 #include "dist/discrete_terms.hpp"
@@ -87,7 +86,7 @@ T l_binom(int n, int m) {
     // runs at most that long; in extended precision its 2j roundings stay
     // below one ulp of the result.  The loop ends once the partial product,
     // which only grows, has passed the largest number of the type.
-    const long double limit = static_cast<long double>(std::numeric_limits<T>::max());
+    const long double limit = static_cast<long double>(zorvs::largest<T>());
     long double value = 1;
     for (int i = 1; i <= j; ++i) {
         value = value * static_cast<long double>(n - j + i) / static_cast<long double>(i);

@@ -8,7 +8,6 @@
 // (C. Loader 2000, "Fast and accurate computation of binomial
 // probabilities"); the inner terms follow by t_j = t_{j-1} theta / j.
 #include <cmath>
-#include <limits>
 
 #include "dist/discrete.h"
 #include "dist/discrete_terms.hpp"
@@ -30,8 +29,8 @@ T l_poisson_cdf(int k, T theta_in) {
         zorvs_ermes(1, 9054);
         return T(0);
     }
-    if (theta <= static_cast<double>(std::numeric_limits<T>::epsilon())) return T(1);
-    if (theta == std::numeric_limits<double>::infinity()) return T(0);
+    if (theta <= static_cast<double>(zorvs::epsilon<T>())) return T(1);
+    if (theta == zorvs::infinity<double>()) return T(0);
 
     using zorvs::discrete::log_poisson_term;
     zorvs::discrete::TwoEndedSum<T> summation;

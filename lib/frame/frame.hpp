@@ -28,7 +28,6 @@
 #ifndef ZORVS_FRAME_HPP
 #define ZORVS_FRAME_HPP
 
-#include <bit>
 #include <cmath>
 #include <csetjmp>
 #include <cstdarg>
@@ -38,6 +37,7 @@
 
 #include "frame/error_stack.hpp"
 #include "frame/services.h"
+#include "frame/twin.hpp"
 
 namespace zorvs {
 
@@ -142,6 +142,16 @@ auto value_routine(const char *name, Body &&body) {
     return value;
 }
 
+// Short routine: push, run, pop; no bracket and no result.  The short
+// routines that take their numbers by pointer (zorvs_chfac, zorvs_e2csf, ...)
+// have this shape.
+template <class Body>
+void framed(const char *name, Body &&body) {
+    zorvs_e1psh(name);
+    body();
+    zorvs_e1pop(name);
+}
+
 // Call a user's function from a body.  For the length of the call the
 // routine's frame is marked as user level, so that a library routine the
 // user's function calls reports and stops as if called from the top.
@@ -219,31 +229,6 @@ template <class T>
 void release(T *&p) {
     std::free(p);
     p = nullptr;
-}
-
-// The routine name of a twin: by_type<T>("zorvs_f_x", "zorvs_d_x").
-template <class T>
-constexpr const char *by_type(const char *single, const char *dbl, const char *integer = nullptr) {
-    if constexpr (std::is_same_v<T, float>)
-        return single;
-    else if constexpr (std::is_same_v<T, double>)
-        return dbl;
-    else
-        return integer;
-}
-
-// The library's missing value and the NaN test, widened to double.
-// It has all mantissa bits set, as zorvs_f_machine(6) and zorvs_d_machine(6).
-template <class T>
-constexpr T missing() {
-    if constexpr (std::is_same_v<T, float>)
-        return std::bit_cast<float>(0x7FFFFFFFu);
-    else
-        return std::bit_cast<double>(0x7FFFFFFFFFFFFFFFull);
-}
-template <class T>
-bool is_missing(T x) {
-    return std::isnan(static_cast<double>(x));
 }
 
 }  // namespace zorvs

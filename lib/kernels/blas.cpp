@@ -19,27 +19,20 @@
 
 #include <cmath>
 #include <cstring>
-#include <type_traits>
 
-#include "frame/machine.h"
 #include "frame/services.h"
+#include "frame/twin.hpp"
 #include "kernels/kernels.h"
 
 namespace {
 
 template <class T>
-T zero() {
-    if constexpr (std::is_same_v<T, float>)
-        return zorvs_F_NUMBER[0];
-    else
-        return zorvs_D_NUMBER[0];
+constexpr T zero() {
+    return T(0);
 }
 template <class T>
-T one() {
-    if constexpr (std::is_same_v<T, float>)
-        return zorvs_F_NUMBER[1];
-    else
-        return zorvs_D_NUMBER[1];
+constexpr T one() {
+    return T(1);
 }
 
 // Offset of element 1 under the far-end rule.
@@ -176,17 +169,7 @@ void l_hprod(int n, const T *x, int incx, const T *y, int incy, T *z, int incz) 
 // as they are.  The square roots of the constants are taken in double.
 template <class T>
 T l_nrm2(int n, const T *x) {
-    const int base = 0;
-    T s, b, e;
-    if constexpr (std::is_same_v<T, float>) {
-        s = zorvs_machine.f[base + 0];
-        b = zorvs_machine.f[base + 1];
-        e = zorvs_machine.f[base + 3];
-    } else {
-        s = zorvs_machine.d[base + 0];
-        b = zorvs_machine.d[base + 1];
-        e = zorvs_machine.d[base + 3];
-    }
+    const T s = zorvs::smallest<T>(), b = zorvs::largest<T>(), e = zorvs::epsilon<T>();
     const T cutlo = static_cast<T>(std::sqrt(static_cast<double>(s / e)));
     const T cuthi = static_cast<T>(std::sqrt(static_cast<double>(b * e)));
     const T small = one<T>() / (cutlo * e);

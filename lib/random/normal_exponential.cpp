@@ -6,23 +6,17 @@
 // aligned between the single and the double routines.
 #include <cmath>
 
+#include "dist/dist.hpp"
 #include "frame/checks.h"
 #include "frame/frame.hpp"
 #include "random/random.h"
+#include "random/random.hpp"
 #include "zorvstat.h"
 
 namespace {
 
 template <class T> T *lv_normal = nullptr;
 template <class T> T *lv_exponential = nullptr;
-
-template <class T>
-void uniforms(int n, T r[]) {
-    if constexpr (std::is_same_v<T, float>)
-        zorvs_f_r1uni(n, r);
-    else
-        zorvs_d_r1uni(n, r);
-}
 
 // Keyword list, check of n, allocation and uniforms; false when nothing to do.
 template <class T>
@@ -48,7 +42,7 @@ bool prepare(int n, va_list *list, T *&result, bool &user) {
         result = zorvs::allocate<T>(static_cast<std::size_t>(n));
         if (!result) return false;
     }
-    uniforms<T>(n, result);
+    zorvs::random::uniforms(n, result);
     return true;
 }
 
@@ -57,12 +51,7 @@ void l_random_normal(int n, va_list *list) {
     bool user;
     if (!prepare<T>(n, list, lv_normal<T>, user)) return;
     T *r = lv_normal<T>;
-    for (int i = 0; i < n; ++i) {
-        if constexpr (std::is_same_v<T, float>)
-            r[i] = zorvs_f_normal_inverse_cdf(r[i]);
-        else
-            r[i] = zorvs_d_normal_inverse_cdf(r[i]);
-    }
+    for (int i = 0; i < n; ++i) r[i] = zorvs::dist::normal_inverse_cdf(r[i]);
     zorvs::exit_test(lv_normal<T>, user);
 }
 
