@@ -127,21 +127,9 @@ T l_beta(T a, T b) {
 
 }  // namespace
 
-extern "C" float zorvs_alnrel(float x) {
-    return zorvs::value_routine("zorvs_alnrel", [&] { return alnrel_value(x, lv_alnrel_bounds<float>); });
-}
-extern "C" double zorvs_dalnrel(double x) {
-    return zorvs::value_routine("zorvs_dalnrel", [&] { return alnrel_value(x, lv_alnrel_bounds<double>); });
-}
-extern "C" float zorvs_f_beta(float a, float b) {
-    return zorvs::value_routine("zorvs_f_beta", [&] { return l_beta(a, b); });
-}
-extern "C" double zorvs_d_beta(double a, double b) {
-    return zorvs::value_routine("zorvs_d_beta", [&] { return l_beta(a, b); });
-}
-extern "C" float zorvs_f_log_beta(float a, float b) {
-    return zorvs::value_routine("zorvs_f_log_beta", [&] { return l_log_beta(a, b); });
-}
-extern "C" double zorvs_d_log_beta(double a, double b) {
-    return zorvs::value_routine("zorvs_d_log_beta", [&] { return l_log_beta(a, b); });
-}
+extern "C" float zorvs_alnrel(float x) { ZORVS_VALUE_ENTRY(alnrel_value(x, lv_alnrel_bounds<float>)); }
+extern "C" double zorvs_dalnrel(double x) { ZORVS_VALUE_ENTRY(alnrel_value(x, lv_alnrel_bounds<double>)); }
+extern "C" float zorvs_f_beta(float a, float b) { ZORVS_VALUE_ENTRY(l_beta(a, b)); }
+extern "C" double zorvs_d_beta(double a, double b) { ZORVS_VALUE_ENTRY(l_beta(a, b)); }
+extern "C" float zorvs_f_log_beta(float a, float b) { ZORVS_VALUE_ENTRY(l_log_beta(a, b)); }
+extern "C" double zorvs_d_log_beta(double a, double b) { ZORVS_VALUE_ENTRY(l_log_beta(a, b)); }

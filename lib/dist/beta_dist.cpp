@@ -236,18 +236,10 @@ template double betin_with_complement<double>(double, double, double, double *);
 
 extern "C" {
 
-float zorvs_f_beta_cdf(float x, float pin, float qin) {
-    return zorvs::value_routine("zorvs_f_beta_cdf", [&] { return l_beta_cdf<float>(x, pin, qin); });
-}
-double zorvs_d_beta_cdf(double x, double pin, double qin) {
-    return zorvs::value_routine("zorvs_d_beta_cdf", [&] { return l_beta_cdf<double>(x, pin, qin); });
-}
-float zorvs_f_beta_inverse_cdf(float p, float pin, float qin) {
-    return zorvs::value_routine("zorvs_f_beta_inverse_cdf", [&] { return l_betin<float>(p, pin, qin); });
-}
-double zorvs_d_beta_inverse_cdf(double p, double pin, double qin) {
-    return zorvs::value_routine("zorvs_d_beta_inverse_cdf", [&] { return l_betin<double>(p, pin, qin); });
-}
+float zorvs_f_beta_cdf(float x, float pin, float qin) { ZORVS_VALUE_ENTRY(l_beta_cdf<float>(x, pin, qin)); }
+double zorvs_d_beta_cdf(double x, double pin, double qin) { ZORVS_VALUE_ENTRY(l_beta_cdf<double>(x, pin, qin)); }
+float zorvs_f_beta_inverse_cdf(float p, float pin, float qin) { ZORVS_VALUE_ENTRY(l_betin<float>(p, pin, qin)); }
+double zorvs_d_beta_inverse_cdf(double p, double pin, double qin) { ZORVS_VALUE_ENTRY(l_betin<double>(p, pin, qin)); }
 float zorvs_betin(float p, float pin, float qin) {
     return zorvs::continuous::betin_with_complement<float>(p, pin, qin, nullptr);
 }

@@ -413,11 +413,7 @@ template double beta_ratio<double>(double, double, double, double, bool);
 
 extern "C" {
 
-float zorvs_f_beta_incomplete(float x, float a, float b) {
-    return zorvs::value_routine("zorvs_f_beta_incomplete", [&] { return l_beta_incomplete<float>(x, a, b); });
-}
-double zorvs_d_beta_incomplete(double x, double a, double b) {
-    return zorvs::value_routine("zorvs_d_beta_incomplete", [&] { return l_beta_incomplete<double>(x, a, b); });
-}
+float zorvs_f_beta_incomplete(float x, float a, float b) { ZORVS_VALUE_ENTRY(l_beta_incomplete<float>(x, a, b)); }
+double zorvs_d_beta_incomplete(double x, double a, double b) { ZORVS_VALUE_ENTRY(l_beta_incomplete<double>(x, a, b)); }
 
 }  // extern "C"

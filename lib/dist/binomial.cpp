@@ -63,11 +63,7 @@ T l_binomial_cdf(int k, int n, T p_in) {
 
 extern "C" {
 
-float zorvs_f_binomial_cdf(int k, int n, float p) {
-    return zorvs::value_routine("zorvs_f_binomial_cdf", [&] { return l_binomial_cdf<float>(k, n, p); });
-}
-double zorvs_d_binomial_cdf(int k, int n, double p) {
-    return zorvs::value_routine("zorvs_d_binomial_cdf", [&] { return l_binomial_cdf<double>(k, n, p); });
-}
+float zorvs_f_binomial_cdf(int k, int n, float p) { ZORVS_VALUE_ENTRY(l_binomial_cdf<float>(k, n, p)); }
+double zorvs_d_binomial_cdf(int k, int n, double p) { ZORVS_VALUE_ENTRY(l_binomial_cdf<double>(k, n, p)); }
 
 }  // extern "C"

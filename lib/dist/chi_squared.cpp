@@ -194,20 +194,14 @@ T l_chi_squared_inverse_cdf(T p, T df) {
 extern "C" {
 
 float zorvs_f_chi_squared_cdf(float chi_squared, float df) {
-    return zorvs::value_routine("zorvs_f_chi_squared_cdf",
-                                [&] { return l_chi_squared_cdf<float>(chi_squared, df); });
+    ZORVS_VALUE_ENTRY(l_chi_squared_cdf<float>(chi_squared, df));
 }
 double zorvs_d_chi_squared_cdf(double chi_squared, double df) {
-    return zorvs::value_routine("zorvs_d_chi_squared_cdf",
-                                [&] { return l_chi_squared_cdf<double>(chi_squared, df); });
+    ZORVS_VALUE_ENTRY(l_chi_squared_cdf<double>(chi_squared, df));
 }
-float zorvs_f_chi_squared_inverse_cdf(float p, float df) {
-    return zorvs::value_routine("zorvs_f_chi_squared_inverse_cdf",
-                                [&] { return l_chi_squared_inverse_cdf<float>(p, df); });
-}
+float zorvs_f_chi_squared_inverse_cdf(float p, float df) { ZORVS_VALUE_ENTRY(l_chi_squared_inverse_cdf<float>(p, df)); }
 double zorvs_d_chi_squared_inverse_cdf(double p, double df) {
-    return zorvs::value_routine("zorvs_d_chi_squared_inverse_cdf",
-                                [&] { return l_chi_squared_inverse_cdf<double>(p, df); });
+    ZORVS_VALUE_ENTRY(l_chi_squared_inverse_cdf<double>(p, df));
 }
 
 }  // extern "C"

@@ -104,17 +104,11 @@ template double F_tail<double>(double, double, double, bool);
 
 extern "C" {
 
-float zorvs_f_F_cdf(float f, float df1, float df2) {
-    return zorvs::value_routine("zorvs_f_F_cdf", [&] { return l_F_cdf<float>(f, df1, df2); });
-}
-double zorvs_d_F_cdf(double f, double df1, double df2) {
-    return zorvs::value_routine("zorvs_d_F_cdf", [&] { return l_F_cdf<double>(f, df1, df2); });
-}
-float zorvs_f_F_inverse_cdf(float p, float df1, float df2) {
-    return zorvs::value_routine("zorvs_f_F_inverse_cdf", [&] { return l_F_inverse_cdf<float>(p, df1, df2); });
-}
+float zorvs_f_F_cdf(float f, float df1, float df2) { ZORVS_VALUE_ENTRY(l_F_cdf<float>(f, df1, df2)); }
+double zorvs_d_F_cdf(double f, double df1, double df2) { ZORVS_VALUE_ENTRY(l_F_cdf<double>(f, df1, df2)); }
+float zorvs_f_F_inverse_cdf(float p, float df1, float df2) { ZORVS_VALUE_ENTRY(l_F_inverse_cdf<float>(p, df1, df2)); }
 double zorvs_d_F_inverse_cdf(double p, double df1, double df2) {
-    return zorvs::value_routine("zorvs_d_F_inverse_cdf", [&] { return l_F_inverse_cdf<double>(p, df1, df2); });
+    ZORVS_VALUE_ENTRY(l_F_inverse_cdf<double>(p, df1, df2));
 }
 
 }  // extern "C"

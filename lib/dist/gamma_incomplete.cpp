@@ -208,17 +208,9 @@ T l_gamma_cdf(T x, T a) {
 
 extern "C" {
 
-float zorvs_f_gamma_incomplete(float a, float x) {
-    return zorvs::value_routine("zorvs_f_gamma_incomplete", [&] { return l_gamma_incomplete<float>(a, x); });
-}
-double zorvs_d_gamma_incomplete(double a, double x) {
-    return zorvs::value_routine("zorvs_d_gamma_incomplete", [&] { return l_gamma_incomplete<double>(a, x); });
-}
-float zorvs_f_gamma_cdf(float x, float a) {
-    return zorvs::value_routine("zorvs_f_gamma_cdf", [&] { return l_gamma_cdf<float>(x, a); });
-}
-double zorvs_d_gamma_cdf(double x, double a) {
-    return zorvs::value_routine("zorvs_d_gamma_cdf", [&] { return l_gamma_cdf<double>(x, a); });
-}
+float zorvs_f_gamma_incomplete(float a, float x) { ZORVS_VALUE_ENTRY(l_gamma_incomplete<float>(a, x)); }
+double zorvs_d_gamma_incomplete(double a, double x) { ZORVS_VALUE_ENTRY(l_gamma_incomplete<double>(a, x)); }
+float zorvs_f_gamma_cdf(float x, float a) { ZORVS_VALUE_ENTRY(l_gamma_cdf<float>(x, a)); }
+double zorvs_d_gamma_cdf(double x, double a) { ZORVS_VALUE_ENTRY(l_gamma_cdf<double>(x, a)); }
 
 }  // extern "C"

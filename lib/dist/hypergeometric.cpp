@@ -107,18 +107,12 @@ T l_binom(int n, int m) {
 extern "C" {
 
 float zorvs_f_hypergeometric_cdf(int k, int n, int m, int l) {
-    return zorvs::value_routine("zorvs_f_hypergeometric_cdf",
-                                [&] { return l_hypergeometric_cdf<float>(k, n, m, l); });
+    ZORVS_VALUE_ENTRY(l_hypergeometric_cdf<float>(k, n, m, l));
 }
 double zorvs_d_hypergeometric_cdf(int k, int n, int m, int l) {
-    return zorvs::value_routine("zorvs_d_hypergeometric_cdf",
-                                [&] { return l_hypergeometric_cdf<double>(k, n, m, l); });
+    ZORVS_VALUE_ENTRY(l_hypergeometric_cdf<double>(k, n, m, l));
 }
-float zorvs_binom(int n, int m) {
-    return zorvs::value_routine("zorvs_binom", [&] { return l_binom<float>(n, m); });
-}
-double zorvs_dbinom(int n, int m) {
-    return zorvs::value_routine("zorvs_dbinom", [&] { return l_binom<double>(n, m); });
-}
+float zorvs_binom(int n, int m) { ZORVS_VALUE_ENTRY(l_binom<float>(n, m)); }
+double zorvs_dbinom(int n, int m) { ZORVS_VALUE_ENTRY(l_binom<double>(n, m)); }
 
 }  // extern "C"

@@ -44,11 +44,7 @@ T l_poisson_cdf(int k, T theta_in) {
 
 extern "C" {
 
-float zorvs_f_poisson_cdf(int k, float theta) {
-    return zorvs::value_routine("zorvs_f_poisson_cdf", [&] { return l_poisson_cdf<float>(k, theta); });
-}
-double zorvs_d_poisson_cdf(int k, double theta) {
-    return zorvs::value_routine("zorvs_d_poisson_cdf", [&] { return l_poisson_cdf<double>(k, theta); });
-}
+float zorvs_f_poisson_cdf(int k, float theta) { ZORVS_VALUE_ENTRY(l_poisson_cdf<float>(k, theta)); }
+double zorvs_d_poisson_cdf(int k, double theta) { ZORVS_VALUE_ENTRY(l_poisson_cdf<double>(k, theta)); }
 
 }  // extern "C"

@@ -298,17 +298,9 @@ T l_srin(T p_in, T nu_in, T k_in) {
 
 extern "C" {
 
-float zorvs_srdf(float q, float n_means, float df) {
-    return zorvs::value_routine("zorvs_srdf", [&] { return l_srdf<float>(q, n_means, df); });
-}
-double zorvs_dsrdf(double q, double n_means, double df) {
-    return zorvs::value_routine("zorvs_dsrdf", [&] { return l_srdf<double>(q, n_means, df); });
-}
-float zorvs_srin(float p, float df, float n_means) {
-    return zorvs::value_routine("zorvs_srin", [&] { return l_srin<float>(p, df, n_means); });
-}
-double zorvs_dsrin(double p, double df, double n_means) {
-    return zorvs::value_routine("zorvs_dsrin", [&] { return l_srin<double>(p, df, n_means); });
-}
+float zorvs_srdf(float q, float n_means, float df) { ZORVS_VALUE_ENTRY(l_srdf<float>(q, n_means, df)); }
+double zorvs_dsrdf(double q, double n_means, double df) { ZORVS_VALUE_ENTRY(l_srdf<double>(q, n_means, df)); }
+float zorvs_srin(float p, float df, float n_means) { ZORVS_VALUE_ENTRY(l_srin<float>(p, df, n_means)); }
+double zorvs_dsrin(double p, double df, double n_means) { ZORVS_VALUE_ENTRY(l_srin<double>(p, df, n_means)); }
 
 }  // extern "C"

@@ -157,15 +157,9 @@ T l_t_inverse_cdf(T p, T df) {
 
 extern "C" {
 
-float zorvs_f_t_cdf(float t, float df) {
-    return zorvs::value_routine("zorvs_f_t_cdf", [&] { return l_t_cdf<float>(t, df); });
-}
-double zorvs_d_t_cdf(double t, double df) {
-    return zorvs::value_routine("zorvs_d_t_cdf", [&] { return l_t_cdf<double>(t, df); });
-}
-float zorvs_f_t_inverse_cdf(float p, float df) {
-    return zorvs::value_routine("zorvs_f_t_inverse_cdf", [&] { return l_t_inverse_cdf<float>(p, df); });
-}
+float zorvs_f_t_cdf(float t, float df) { ZORVS_VALUE_ENTRY(l_t_cdf<float>(t, df)); }
+double zorvs_d_t_cdf(double t, double df) { ZORVS_VALUE_ENTRY(l_t_cdf<double>(t, df)); }
+float zorvs_f_t_inverse_cdf(float p, float df) { ZORVS_VALUE_ENTRY(l_t_inverse_cdf<float>(p, df)); }
 // The double twin reports under its historical name.
 double zorvs_d_t_inverse_cdf(double p, double df) {
     return zorvs::value_routine("zorvs_d_t_inverse", [&] { return l_t_inverse_cdf<double>(p, df); });

@@ -242,4 +242,8 @@ void release(T *&p) {
     va_end(list);                                                                         \
     return zorvs_result_
 
+// The whole body of a value routine's extern "C" entry point: the body
+// expression computed in a value frame that bears the entry point's own name.
+#define ZORVS_VALUE_ENTRY(body_call) return zorvs::value_routine(__func__, [&] { return body_call; })
+
 #endif  // ZORVS_FRAME_HPP

@@ -5,16 +5,15 @@
 #ifndef ZORVS_KERNELS_SORT_HPP
 #define ZORVS_KERNELS_SORT_HPP
 
+#include "frame/twin.hpp"
 #include "kernels/kernels.h"
 
 namespace zorvs::sort {
 
 // Sort ra into rb (rb may be ra).
-inline void svrgn(int n, const float ra[], float rb[]) { zorvs_svrgn(n, ra, rb); }
-inline void svrgn(int n, const double ra[], double rb[]) { zorvs_dsvrgn(n, ra, rb); }
+inline constexpr Twins<zorvs_svrgn, zorvs_dsvrgn> svrgn{};
 // The same, moving iperm with the keys.
-inline void svrgp(int n, const float ra[], float rb[], int iperm[]) { zorvs_svrgp(n, ra, rb, iperm); }
-inline void svrgp(int n, const double ra[], double rb[], int iperm[]) { zorvs_dsvrgp(n, ra, rb, iperm); }
+inline constexpr Twins<zorvs_svrgp, zorvs_dsvrgp> svrgp{};
 // By absolute value.
 inline void svrbn(int n, const float ra[], float rb[]) { zorvs_svrbn(&n, ra, rb); }
 inline void svrbn(int n, const double ra[], double rb[]) { zorvs_dsvrbn(&n, ra, rb); }

@@ -5,14 +5,14 @@
 #ifndef ZORVS_RANDOM_RANDOM_HPP
 #define ZORVS_RANDOM_RANDOM_HPP
 
+#include "frame/twin.hpp"
 #include "random/random.h"
 #include "zorvstat.h"
 
 namespace zorvs::random {
 
 // n uniforms into r, without the keyword frame (n >= 1).
-inline void uniforms(int n, float r[]) { zorvs_f_r1uni(n, r); }
-inline void uniforms(int n, double r[]) { zorvs_d_r1uni(n, r); }
+inline constexpr Twins<zorvs_f_r1uni, zorvs_d_r1uni> uniforms{};
 
 // n standard normal deviates into the caller's r, through the public
 // routine and its frame (ZORVS_RETURN_USER).
