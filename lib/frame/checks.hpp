@@ -12,18 +12,20 @@
 namespace zorvs::check {
 
 inline constexpr Twins<zorvs_c1ge0, zorvs_dc1ge0> c1ge0{};
-inline constexpr Twins<zorvs_c1cip, zorvs_dc1cip> c1cip{};
-inline constexpr Twins<zorvs_c1r, zorvs_dc1r> c1r{};
-inline constexpr Twins<zorvs_c1div, zorvs_dc1div> c1div{};
-inline constexpr Twins<zorvs_c1wfr, zorvs_dc1wfr> c1wfr{};
 
-// The quotient of c1div as a value.
+// a / b with NaN, infinities and 0 where a plain division would trap or
+// mislead; divide gives the quotient as a value.
+inline constexpr Twins<zorvs_c1div, zorvs_dc1div> c1div{};
 template <class T>
 T divide(T a, T b) {
     T result;
     c1div(a, b, &result);
     return result;
 }
+
+inline constexpr Twins<zorvs_c1cip, zorvs_dc1cip> c1cip{};
+inline constexpr Twins<zorvs_c1r, zorvs_dc1r> c1r{};
+inline constexpr Twins<zorvs_c1wfr, zorvs_dc1wfr> c1wfr{};
 
 }  // namespace zorvs::check
 

@@ -12,8 +12,14 @@
 
 namespace zorvs::blas {
 
-// Level 1, the rotations, the rank-one update and the triangular solve,
-// with the C routines' own parameters.
+// Level 1: the Hadamard product takes its numbers by value here, by
+// pointer in the C routines; the others their C parameters.
+inline void hprod(int n, const float x[], int incx, const float y[], int incy, float z[], int incz) {
+    zorvs_shprod(&n, x, &incx, y, &incy, z, &incz);
+}
+inline void hprod(int n, const double x[], int incx, const double y[], int incy, double z[], int incz) {
+    zorvs_dshprod(&n, x, &incx, y, &incy, z, &incz);
+}
 inline constexpr Twins<zorvs_sset, zorvs_dset> set{};
 inline constexpr Twins<zorvs_sadd, zorvs_dadd> add{};
 inline constexpr Twins<zorvs_sscal, zorvs_dscal> scal{};
@@ -27,6 +33,8 @@ inline constexpr Twins<zorvs_sxyz, zorvs_dxyz> xyz{};
 inline constexpr Twins<zorvs_snrm2, zorvs_dnrm2> nrm2{};
 inline constexpr Twins<zorvs_isamax, zorvs_idamax> iamax{};
 inline constexpr Twins<zorvs_isanan, zorvs_idanan> ianan{};  // index from 1 of the first NaN, 0 if none
+
+// Rotations, the rank-one update and the triangular solve.
 inline constexpr Twins<zorvs_srot, zorvs_drot> rot{};
 inline constexpr Twins<zorvs_srotg, zorvs_drotg> rotg{};
 inline constexpr Twins<zorvs_srotm, zorvs_drotm> rotm{};
@@ -34,14 +42,8 @@ inline constexpr Twins<zorvs_srotmg, zorvs_drotmg> rotmg{};
 inline constexpr Twins<zorvs_sger, zorvs_dger> ger{};
 inline constexpr Twins<zorvs_strsv, zorvs_dtrsv> trsv{};
 
-// The Hadamard product, the matrix-vector and matrix-matrix products:
-// numbers by value here, by pointer in the C routines.
-inline void hprod(int n, const float x[], int incx, const float y[], int incy, float z[], int incz) {
-    zorvs_shprod(&n, x, &incx, y, &incy, z, &incz);
-}
-inline void hprod(int n, const double x[], int incx, const double y[], int incy, double z[], int incz) {
-    zorvs_dshprod(&n, x, &incx, y, &incy, z, &incz);
-}
+// The matrix-vector and matrix-matrix products: numbers by value here, by
+// pointer in the C routines.
 inline void gemv(const char *trans, int m, int n, float alpha, const float a[], int lda, const float x[], int incx,
                  float beta, float y[], int incy) {
     zorvs_sgemv(trans, 1, &m, &n, &alpha, a, &lda, x, &incx, &beta, y, &incy);
