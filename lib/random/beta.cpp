@@ -233,16 +233,8 @@ void l_rnbet(int n, T pin, T qin, T r[]) {
 template <class T>
 void l_random_beta(int n, T pin, T qin, va_list *list) {
     zorvs::KeywordReader kw(list, 3);
-    bool user = false;
-    for (int k = kw.keyword(); k != 0; k = kw.keyword()) {
-        switch (k) {
-        case ZORVS_RETURN_USER:
-            lv_beta<T> = kw.pointer<T>();
-            user = true;
-            break;
-        default: kw.unknown(k); lv_beta<T> = nullptr; return;
-        }
-    }
+    bool user;
+    if (!zorvs::random::read_keywords(kw, lv_beta<T>, user)) return;
     // A NaN shape is refused with the non-positive ones.
     if (!(pin > 0)) zorvs_ermes(5, 11033);
     if (!(qin > 0)) zorvs_ermes(5, 11034);

@@ -228,16 +228,8 @@ void l_rngam(int n, T a, T r[]) {
 template <class T>
 void l_random_gamma(int n, T a, va_list *list) {
     zorvs::KeywordReader kw(list, 2);
-    bool user = false;
-    for (int k = kw.keyword(); k != 0; k = kw.keyword()) {
-        switch (k) {
-        case ZORVS_RETURN_USER:
-            lv_gamma<T> = kw.pointer<T>();
-            user = true;
-            break;
-        default: kw.unknown(k); lv_gamma<T> = nullptr; return;
-        }
-    }
+    bool user;
+    if (!zorvs::random::read_keywords(kw, lv_gamma<T>, user)) return;
     int arg = 0;
     zorvs_c1iarg(n, "n_random", 1, 0, &arg);
     if (!(a > 0)) {

@@ -23,6 +23,7 @@
 #include "kernels/blas.hpp"
 #include "kernels/linalg.hpp"
 #include "random/random.h"
+#include "random/random.hpp"
 #include "random/stream.hpp"
 #include "zorvstat.h"
 
@@ -132,16 +133,8 @@ void l_rnmvn(int n_vectors, int l_vectors, const T r[], int ldr, T result[], int
 template <class T>
 void l_random_normal_multivariate(int n_vectors, int l_vectors, const T covariance[], va_list *list) {
     zorvs::KeywordReader kw(list, 3);
-    bool user = false;
-    for (int k = kw.keyword(); k != 0; k = kw.keyword()) {
-        switch (k) {
-        case ZORVS_RETURN_USER:
-            lv_normal_multivariate<T> = kw.pointer<T>();
-            user = true;
-            break;
-        default: kw.unknown(k); lv_normal_multivariate<T> = nullptr; return;
-        }
-    }
+    bool user;
+    if (!zorvs::random::read_keywords(kw, lv_normal_multivariate<T>, user)) return;
     int arg = 0;
     zorvs_c1iarg(n_vectors, "n_vectors", 1, 0, &arg);
     zorvs_c1iarg(l_vectors, "l_vectors", 1, 0, &arg);

@@ -22,16 +22,7 @@ template <class T> T *lv_exponential = nullptr;
 template <class T>
 bool prepare(int n, va_list *list, T *&result, bool &user) {
     zorvs::KeywordReader kw(list, 1);
-    user = false;
-    for (int k = kw.keyword(); k != 0; k = kw.keyword()) {
-        switch (k) {
-        case ZORVS_RETURN_USER:
-            result = kw.pointer<T>();
-            user = true;
-            break;
-        default: kw.unknown(k); result = nullptr; return false;
-        }
-    }
+    if (!zorvs::random::read_keywords(kw, result, user)) return false;
     int arg = 0;
     zorvs_c1iarg(n, "n_random", 1, 0, &arg);
     if (zorvs_n1rcd(0) != 0) {

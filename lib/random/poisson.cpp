@@ -16,6 +16,7 @@
 #include "frame/checks.h"
 #include "frame/frame.hpp"
 #include "random/random.h"
+#include "random/random.hpp"
 #include "random/stream.hpp"
 #include "zorvstat.h"
 
@@ -165,16 +166,8 @@ void l_rnpoi(int n, float theta, int r[]) {
 
 void l_random_poisson(int n, float theta, va_list *list) {
     zorvs::KeywordReader kw(list, 2);
-    bool user = false;
-    for (int k = kw.keyword(); k != 0; k = kw.keyword()) {
-        switch (k) {
-        case ZORVS_RETURN_USER:
-            lv_poisson = kw.pointer<int>();
-            user = true;
-            break;
-        default: kw.unknown(k); lv_poisson = nullptr; return;
-        }
-    }
+    bool user;
+    if (!zorvs::random::read_keywords(kw, lv_poisson, user)) return;
     int arg = 0;
     zorvs_c1iarg(n, "n_random", 1, 0, &arg);
     if (!(theta > 0)) {
