@@ -386,7 +386,7 @@ T l_beta_incomplete(T x, T a, T b) {
     bool bad = false;
     if (!std::isnan(x) && !(x >= 0 && x <= 1)) {
         zorvs_e1stl(1, "x");
-        zorvs::raise(5, 120, 0, 1, x);
+        zorvs::raise(5, 120, T(0), T(1), x);
         bad = true;
     }
     if (!(a > 0) || !(b > 0)) {

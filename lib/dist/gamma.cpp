@@ -156,7 +156,7 @@ T r9lgmc_core(T x) {
     lgmc_first_use<T>();
     const LgmcBounds<T> &c = lv_lgmc_bounds<T>;
     if (x < 10) {
-        raise(4, 60002, x, 10);
+        raise(4, 60002, x, T(10));
         return zorvs::missing<T>();
     }
     if (x >= c.xmax) {

@@ -26,6 +26,7 @@
 #include "frame/checks.h"
 #include "frame/checks.hpp"
 #include "frame/frame.hpp"
+#include "frame/raise.hpp"
 #include "kernels/blas.hpp"
 #include "kernels/linalg.h"
 
@@ -48,14 +49,11 @@ inline const T &at(const T *a, int lda, int i, int j) {
 template <class T>
 void l_c1trg(int n, T *a, int lda) {
     if (n < 1) {
-        zorvs_e1sti(1, n);
-        zorvs_ermes(5, 2025);
+        zorvs::raise(5, 2025, n);
         return;
     }
     if (n > lda) {
-        zorvs_e1sti(1, n);
-        zorvs_e1sti(2, lda);
-        zorvs_ermes(5, 2026);
+        zorvs::raise(5, 2026, n, lda);
         return;
     }
     for (int j = 1; j < n; ++j)
@@ -170,9 +168,7 @@ void l_girts(int n, const T *r, int ldr, int nb, const T *b, int ldb, int ipath,
                     // on the scale of the terms that formed it.
                     const T scale = std::fabs(bk[i - 1]) + zorvs::blas::a1ot(i - 1, ri, 1, xk, 1);
                     if (std::fabs(t) > T(100) * T(n) * eps * scale) {
-                        zorvs_e1sti(1, i);
-                        zorvs_e1sti(2, k);
-                        zorvs_ermes(3, 11059);
+                        zorvs::raise(3, 11059, i, k);
                     }
                     xk[i - 1] = 0;
                 }
@@ -281,21 +277,13 @@ void l_gswep(int krow, int n, T *a, int lda, int irev, T tol, const T *d, T *isw
 template <class T>
 void l_mxtxf(int nra, int nca, const T *a, int lda, int nb, T *b, int ldb) {
     if (nra <= 0 || nca <= 0) {
-        zorvs_e1sti(1, nra);
-        zorvs_e1sti(2, nca);
-        zorvs_ermes(5, 20136);
+        zorvs::raise(5, 20136, nra, nca);
     } else if (nra > lda) {
-        zorvs_e1sti(1, nra);
-        zorvs_e1sti(2, lda);
-        zorvs_ermes(5, 20137);
+        zorvs::raise(5, 20137, nra, lda);
     } else if (nb != nca) {
-        zorvs_e1sti(1, nb);
-        zorvs_e1sti(2, nca);
-        zorvs_ermes(5, 11278);
+        zorvs::raise(5, 11278, nb, nca);
     } else if (nb > ldb) {
-        zorvs_e1sti(1, ldb);
-        zorvs_e1sti(2, nb);
-        zorvs_ermes(5, 11279);
+        zorvs::raise(5, 11279, ldb, nb);
     } else {
         zorvs::blas::gemm("T", "N", nca, nca, nra, T(1), a, lda, a, lda, T(0), b, ldb);  // B = A'A
     }
@@ -304,9 +292,7 @@ void l_mxtxf(int nra, int nca, const T *a, int lda, int nb, T *b, int ldb) {
 template <class T>
 void l_crgrg(int n, const T *a, int lda, T *b, int ldb) {
     if (lda < n || ldb < n) {
-        zorvs_e1sti(1, lda < n ? lda : ldb);
-        zorvs_e1sti(2, n);
-        zorvs_ermes(5, lda < n ? 11280 : 11281);
+        zorvs::raise(5, lda < n ? 11280 : 11281, lda < n ? lda : ldb, n);
         return;
     }
     for (int j = 1; j <= n; ++j) {
@@ -319,12 +305,9 @@ void l_crgrg(int n, const T *a, int lda, T *b, int ldb) {
 template <class T>
 void l_csfrg(int n, T *a, int lda) {
     if (n < 1) {
-        zorvs_e1sti(1, n);
-        zorvs_ermes(5, 2025);
+        zorvs::raise(5, 2025, n);
     } else if (n > lda) {
-        zorvs_e1sti(1, n);
-        zorvs_e1sti(2, lda);
-        zorvs_ermes(5, 2026);
+        zorvs::raise(5, 2026, n, lda);
     } else {
         for (int j = 2; j <= n; ++j)
             for (int i = 1; i < j; ++i) at(a, lda, j, i) = at(a, lda, i, j);
@@ -334,17 +317,13 @@ void l_csfrg(int n, T *a, int lda) {
 template <class T>
 void l_nr1rr(int nra, int nca, const T *a, int lda, T *anorm) {
     if (nra > lda) {
-        zorvs_e1sti(1, nra);
-        zorvs_e1sti(2, lda);
-        zorvs_ermes(5, 20137);
+        zorvs::raise(5, 20137, nra, lda);
     }
     if (nra < 1) {
-        zorvs_e1sti(1, nra);
-        zorvs_ermes(5, 620);
+        zorvs::raise(5, 620, nra);
     }
     if (nca < 1) {
-        zorvs_e1sti(1, nca);
-        zorvs_ermes(5, 621);
+        zorvs::raise(5, 621, nca);
     }
     if (failed()) return;
     T norm = 0;

@@ -27,6 +27,7 @@
 
 #include "frame/checks.h"
 #include "frame/frame.hpp"
+#include "frame/raise.hpp"
 #include "kernels/blas.hpp"
 #include "kernels/linalg.h"
 #include "kernels/sort.hpp"
@@ -262,20 +263,15 @@ bool l_e4csf(int first, int last, T *d, T *e, int nv, T *v, int ld, int limit) {
 template <class T>
 void l_e2csf(int n, const T *a, int lda, T *eval, T *evec, int ldevec, T *work) {
     if (n < 1) {
-        zorvs_e1sti(1, n);
-        zorvs_ermes(5, 20407);
+        zorvs::raise(5, 20407, n);
         return;
     }
     if (lda < n) {
-        zorvs_e1sti(1, lda);
-        zorvs_e1sti(2, n);
-        zorvs_ermes(5, 20408);
+        zorvs::raise(5, 20408, lda, n);
         return;
     }
     if (ldevec < n) {
-        zorvs_e1sti(1, ldevec);
-        zorvs_e1sti(2, n);
-        zorvs_ermes(5, 20409);
+        zorvs::raise(5, 20409, ldevec, n);
         return;
     }
     for (int j = 0; j < n; ++j) std::memcpy(&el(evec, ldevec, 0, j), &a[static_cast<std::size_t>(j) * lda], sizeof(T) * n);
