@@ -26,15 +26,8 @@ namespace zc = zorvs::continuous;
 
 template <class T>
 T l_beta_cdf(T x, T pin, T qin) {
-    bool bad = false;
-    if (!(pin > 0)) {
-        zorvs::raise(5, 11033, pin);
-        bad = true;
-    }
-    if (!(qin > 0)) {
-        zorvs::raise(5, 11034, qin);
-        bad = true;
-    }
+    bool bad = zc::refused(pin > 0, 11033, pin);
+    bad |= zc::refused(qin > 0, 11034, qin);
     if (bad) return zorvs::missing<T>();
     if (std::isnan(x)) return x;  // a missing x stays missing
     if (x <= 0) {
@@ -85,19 +78,9 @@ T l_betin(T p, T pin, T qin, T *complement = nullptr) {
     T unused;
     T &cx = complement ? *complement : unused;
     const T e = zorvs::epsilon<T>();
-    bool bad = false;
-    if (!(pin > 0)) {
-        zorvs::raise(5, 9044, pin);
-        bad = true;
-    }
-    if (!(qin > 0)) {
-        zorvs::raise(5, 9045, qin);
-        bad = true;
-    }
-    if (!(p > 0 && p < 1)) {
-        zorvs::raise(5, 9046, p);
-        bad = true;
-    }
+    bool bad = zc::refused(pin > 0, 9044, pin);
+    bad |= zc::refused(qin > 0, 9045, qin);
+    bad |= zc::refused(p > 0 && p < 1, 9046, p);
     if (bad) return cx = zorvs::missing<T>();
 
     // Two comparable shapes above 1: a few halvings on I_x bracket the root.

@@ -14,6 +14,15 @@
 
 namespace zorvs::continuous {
 
+// An argument check: unless ok, raise (5, code) with the value as r1.
+// True when the argument is refused, so that a routine runs all its checks
+// in order and then tests once.
+template <class T>
+bool refused(bool ok, int code, T value) {
+    if (!ok) zorvs::raise(5, code, value);
+    return !ok;
+}
+
 // Severity of the latest event at this level.
 inline int current_type() { return zorvs_error_n1rty[0]; }
 

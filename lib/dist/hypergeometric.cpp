@@ -19,6 +19,7 @@
 #include "dist/discrete.h"
 #include "dist/discrete_terms.hpp"
 #include "frame/frame.hpp"
+#include "frame/raise.hpp"
 #include "zorvstat.h"
 
 namespace {
@@ -27,28 +28,21 @@ template <class T>
 T l_hypergeometric_cdf(int k, int n, int m, int l) {
     bool bad = false;
     if (n < 1 || n > l) {
-        zorvs_e1sti(1, n);
-        zorvs_e1sti(2, l);
-        zorvs_ermes(5, 9061);
+        zorvs::raise(5, 9061, n, l);
         bad = true;
     }
     if (m < 0 || m > l) {
-        zorvs_e1sti(1, m);
-        zorvs_e1sti(2, l);
-        zorvs_ermes(5, 9062);
+        zorvs::raise(5, 9062, m, l);
         bad = true;
     }
     if (bad) return zorvs::missing<T>();
     if (k < 0) {
-        zorvs_e1sti(1, k);
-        zorvs_ermes(1, 9054);
+        zorvs::raise(1, 9054, k);
         return T(0);
     }
     const int top = n < m ? n : m;
     if (k > top) {
-        zorvs_e1sti(1, k);
-        zorvs_e1sti(2, top);
-        zorvs_ermes(1, 9063);
+        zorvs::raise(1, 9063, k, top);
         return T(1);
     }
     if (k == top) return T(1);
@@ -75,9 +69,7 @@ T l_hypergeometric_cdf(int k, int n, int m, int l) {
 template <class T>
 T l_binom(int n, int m) {
     if (n < 0 || m < 0 || m > n) {
-        zorvs_e1sti(1, n);
-        zorvs_e1sti(2, m);
-        zorvs_ermes(5, 600);
+        zorvs::raise(5, 600, n, m);
         return zorvs::missing<T>();
     }
     const int j = m < n - m ? m : n - m;
@@ -91,9 +83,7 @@ T l_binom(int n, int m) {
     for (int i = 1; i <= j; ++i) {
         value = value * static_cast<long double>(n - j + i) / static_cast<long double>(i);
         if (value > limit) {
-            zorvs_e1sti(1, n);
-            zorvs_e1sti(2, m);
-            zorvs_ermes(5, 20402);
+            zorvs::raise(5, 20402, n, m);
             return zorvs::missing<T>();
         }
     }

@@ -12,6 +12,7 @@
 #include "dist/discrete.h"
 #include "dist/discrete_terms.hpp"
 #include "frame/frame.hpp"
+#include "frame/raise.hpp"
 #include "zorvstat.h"
 
 namespace {
@@ -25,8 +26,7 @@ T l_poisson_cdf(int k, T theta_in) {
         return zorvs::missing<T>();
     }
     if (k < 0) {
-        zorvs_e1sti(1, k);
-        zorvs_ermes(1, 9054);
+        zorvs::raise(1, 9054, k);
         return T(0);
     }
     if (theta <= static_cast<double>(zorvs::epsilon<T>())) return T(1);
