@@ -242,6 +242,13 @@ void release(T *&p) {
     va_end(list);                                                                         \
     return zorvs_result_
 
+// The same for a keyword routine that returns nothing.
+#define ZORVS_KEYWORD_ENTRY_VOID(last_fixed, name, body_call)       \
+    va_list list;                                                  \
+    va_start(list, last_fixed);                                    \
+    zorvs::keyword_routine(name, [&] { body_call; });              \
+    va_end(list)
+
 // The whole body of a value routine's extern "C" entry point: the body
 // expression computed in a value frame that bears the entry point's own name.
 #define ZORVS_VALUE_ENTRY(body_call) return zorvs::value_routine(__func__, [&] { return body_call; })
