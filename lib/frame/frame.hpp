@@ -243,10 +243,10 @@ void release(T *&p) {
     return zorvs_result_
 
 // The same for a keyword routine that returns nothing.
-#define ZORVS_KEYWORD_ENTRY_VOID(last_fixed, name, body_call)       \
-    va_list list;                                                  \
-    va_start(list, last_fixed);                                    \
-    zorvs::keyword_routine(name, [&] { body_call; });              \
+#define ZORVS_KEYWORD_ENTRY_VOID(last_fixed, name, body_call) \
+    va_list list;                                            \
+    va_start(list, last_fixed);                              \
+    zorvs::keyword_routine(name, [&] { body_call; });        \
     va_end(list)
 
 // The whole body of a value routine's extern "C" entry point: the body

@@ -6,10 +6,11 @@
 // smallest positive normal number, 2 the largest finite one, 3 half the
 // spacing above 1, 4 that spacing, 6 the missing value, 7 infinity), worked
 // out at compile time from std::numeric_limits, so that a body reads them
-// without a call and without a frame.  The missing value is
-// the one exception: it is the library's own NaN with every mantissa bit set
-// (0x7FFFFFFF, 0x7FFFFFFFFFFFFFFF), not the quiet NaN of numeric_limits, so
-// that results keep the bit pattern the machine table gives out.
+// without a call and without a frame; machine.cpp checks them against its
+// table.  The missing value is the one exception: it is the library's own
+// NaN with every mantissa bit set (0x7FFFFFFF, 0x7FFFFFFFFFFFFFFF), not the
+// quiet NaN of numeric_limits, so that results keep the bit pattern the
+// machine table gives out.
 #ifndef ZORVS_FRAME_TWIN_HPP
 #define ZORVS_FRAME_TWIN_HPP
 
