@@ -20,19 +20,23 @@
 #include <cmath>
 #include <cstring>
 
+#include "frame/machine.h"
 #include "frame/services.h"
 #include "frame/twin.hpp"
 #include "kernels/kernels.h"
 
 namespace {
 
+// 0 and 1 of the twin, read from the table of small numbers (machine.h).
+inline const float *small_numbers(float) { return zorvs_F_NUMBER; }
+inline const double *small_numbers(double) { return zorvs_D_NUMBER; }
 template <class T>
-constexpr T zero() {
-    return T(0);
+T zero() {
+    return small_numbers(T{})[0];
 }
 template <class T>
-constexpr T one() {
-    return T(1);
+T one() {
+    return small_numbers(T{})[1];
 }
 
 // Offset of element 1 under the far-end rule.
