@@ -588,10 +588,7 @@ int zorvs_error_code(void) { return lv_stack.n1rcd[1]; }
 void zorvs_set_at_checksum(void (*f)(int, int, const char *)) { lv_stack.at_checksum = f; }
 
 void zorvs_error_options(int keyword, ...) {
-    va_list list;
-    va_start(list, keyword);
-    zorvs::keyword_routine("zorvs_error_options", [&] { l_error_options(keyword, &list); });
-    va_end(list);
+    ZORVS_KEYWORD_ENTRY_VOID(keyword, "zorvs_error_options", l_error_options(keyword, &list));
 }
 
 }  // extern "C"

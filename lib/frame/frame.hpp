@@ -33,7 +33,6 @@
 #ifndef ZORVS_FRAME_HPP
 #define ZORVS_FRAME_HPP
 
-#include <bit>
 #include <cmath>
 #include <csetjmp>
 #include <cstdarg>
@@ -43,6 +42,7 @@
 
 #include "frame/error_stack.hpp"
 #include "frame/services.h"
+#include "frame/twin.hpp"
 #include "zorvstat.h"
 
 namespace zorvs {
@@ -146,6 +146,16 @@ auto value_routine(const char *name, Body &&body) {
     auto value = body();
     pop_value_frame(name);
     return value;
+}
+
+// Short routine: push, run, pop; no bracket and no result.  The short
+// routines that take their numbers by pointer (zorvs_chfac, zorvs_e2csf, ...)
+// have this shape.
+template <class Body>
+void framed(const char *name, Body &&body) {
+    zorvs_e1psh(name);
+    body();
+    zorvs_e1pop(name);
 }
 
 // Call a user's function from a body.  For the length of the call the
@@ -339,31 +349,6 @@ bool read_return_user(KeywordReader &kw, OutputPair<T> &result) {
     return true;
 }
 
-// The routine name of a twin: by_type<T>("zorvs_f_x", "zorvs_d_x").
-template <class T>
-constexpr const char *by_type(const char *single, const char *dbl, const char *integer = nullptr) {
-    if constexpr (std::is_same_v<T, float>)
-        return single;
-    else if constexpr (std::is_same_v<T, double>)
-        return dbl;
-    else
-        return integer;
-}
-
-// The library's missing value and the NaN test, widened to double.
-// It has all mantissa bits set, as zorvs_f_machine(6) and zorvs_d_machine(6).
-template <class T>
-constexpr T missing() {
-    if constexpr (std::is_same_v<T, float>)
-        return std::bit_cast<float>(0x7FFFFFFFu);
-    else
-        return std::bit_cast<double>(0x7FFFFFFFFFFFFFFFull);
-}
-template <class T>
-bool is_missing(T x) {
-    return std::isnan(static_cast<double>(x));
-}
-
 }  // namespace zorvs
 
 // The whole body of a keyword routine's extern "C" entry point: the list is
@@ -374,5 +359,16 @@ bool is_missing(T x) {
     auto zorvs_result_ = zorvs::keyword_routine(name, static_result, [&] { body_call; }); \
     va_end(list);                                                                         \
     return zorvs_result_
+
+// The same for a keyword routine that returns nothing.
+#define ZORVS_KEYWORD_ENTRY_VOID(last_fixed, name, body_call) \
+    va_list list;                                            \
+    va_start(list, last_fixed);                              \
+    zorvs::keyword_routine(name, [&] { body_call; });        \
+    va_end(list)
+
+// The whole body of a value routine's extern "C" entry point: the body
+// expression computed in a value frame that bears the entry point's own name.
+#define ZORVS_VALUE_ENTRY(body_call) return zorvs::value_routine(__func__, [&] { return body_call; })
 
 #endif  // ZORVS_FRAME_HPP

@@ -24,6 +24,7 @@
 #include "frame/checks.h"
 #include "frame/frame.hpp"
 #include "frame/machine.h"
+#include "kernels/linalg.hpp"
 #include "output/output.h"
 #include "zorvstat.h"
 
@@ -146,7 +147,7 @@ bool scan_format(const char *format, const char *letters, int *max_width, int *n
 template <class T>
 constexpr int significant_limit() {
     // Decimal digits the type carries: 7 in float, 15 in double.
-    return std::is_same_v<T, float> ? 7 : 15;
+    return zorvs::by_type<T>(7, 15, 15);
 }
 
 // Format for a value of size |x|: fixed with enough decimals for `digits`
@@ -947,9 +948,7 @@ void l_write_matrix(const char *title, int n_rows, int n_columns, T *a, int lda,
     // be null.
     transpose = transpose && n_rows > 0 && n_columns > 0;
     if (transpose) {
-        if constexpr (std::is_same_v<T, float>) zorvs_f_m1ran(n_rows, lda, a, a);
-        if constexpr (std::is_same_v<T, double>) zorvs_d_m1ran(n_rows, lda, a, a);
-        if constexpr (std::is_same_v<T, int>) zorvs_i_m1ran(n_rows, lda, a, a);
+        zorvs::linalg::m1ran(n_rows, lda, a, a);
         job.lda = n_rows > 0 ? n_rows : 1;
     } else {
         job.lda = lda;
@@ -1027,9 +1026,7 @@ void l_write_matrix(const char *title, int n_rows, int n_columns, T *a, int lda,
     print_blocks(job);
 
     if (transpose) {
-        if constexpr (std::is_same_v<T, float>) zorvs_f_m1ran(lda, n_rows, a, a);
-        if constexpr (std::is_same_v<T, double>) zorvs_d_m1ran(lda, n_rows, a, a);
-        if constexpr (std::is_same_v<T, int>) zorvs_i_m1ran(lda, n_rows, a, a);
+        zorvs::linalg::m1ran(lda, n_rows, a, a);
     }
 }
 

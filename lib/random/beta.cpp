@@ -31,6 +31,7 @@
 #include "frame/checks.h"
 #include "frame/frame.hpp"
 #include "random/random.h"
+#include "random/random.hpp"
 #include "random/stream.hpp"
 #include "zorvstat.h"
 
@@ -39,14 +40,6 @@ namespace {
 template <class T> T *lv_beta = nullptr;
 
 constexpr int max_rounds = 1000;
-
-template <class T>
-void uniforms(int n, T r[]) {
-    if constexpr (std::is_same_v<T, float>)
-        zorvs_f_r1uni(n, r);
-    else
-        zorvs_d_r1uni(n, r);
-}
 
 // Two uniforms of the twin's stream, widened.
 template <class T>
@@ -207,7 +200,7 @@ template <class T>
 void l_rnbet(int n, T pin, T qin, T r[]) {
     const double p = pin, q = qin;
     if (p == 1.0 || q == 1.0) {
-        uniforms<T>(n, r);
+        zorvs::random::uniforms(n, r);
         if (q == 1.0) {
             const double rp = 1.0 / p;
             for (int i = 0; i < n; ++i) r[i] = static_cast<T>(std::pow(static_cast<double>(r[i]), rp));

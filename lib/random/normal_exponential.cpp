@@ -6,23 +6,17 @@
 // aligned between the single and the double routines.
 #include <cmath>
 
+#include "dist/dist.hpp"
 #include "frame/checks.h"
 #include "frame/frame.hpp"
 #include "random/random.h"
+#include "random/random.hpp"
 #include "zorvstat.h"
 
 namespace {
 
 template <class T> T *lv_normal = nullptr;
 template <class T> T *lv_exponential = nullptr;
-
-template <class T>
-void uniforms(int n, T r[]) {
-    if constexpr (std::is_same_v<T, float>)
-        zorvs_f_r1uni(n, r);
-    else
-        zorvs_d_r1uni(n, r);
-}
 
 // Keyword list, check of n, storage and uniforms; null when nothing to do.
 template <class T>
@@ -40,7 +34,7 @@ T *prepare(int n, va_list *list, T *&static_result) {
         return nullptr;
     }
     if (!result.obtain(static_cast<std::size_t>(n))) return nullptr;
-    uniforms<T>(n, result.data());
+    zorvs::random::uniforms(n, result.data());
     return result.data();
 }
 
@@ -48,12 +42,7 @@ template <class T>
 void l_random_normal(int n, va_list *list) {
     T *r = prepare<T>(n, list, lv_normal<T>);
     if (!r) return;
-    for (int i = 0; i < n; ++i) {
-        if constexpr (std::is_same_v<T, float>)
-            r[i] = zorvs_f_normal_inverse_cdf(r[i]);
-        else
-            r[i] = zorvs_d_normal_inverse_cdf(r[i]);
-    }
+    for (int i = 0; i < n; ++i) r[i] = zorvs::dist::normal_inverse_cdf(r[i]);
 }
 
 template <class T>

@@ -26,51 +26,17 @@
 
 #include <cmath>
 #include <cstdarg>
-#include <type_traits>
 
 #include "frame/checks.h"
 #include "frame/frame.hpp"
-#include "frame/machine.h"
-#include "kernels/kernels.h"
-#include "util/util.h"
+#include "kernels/blas.hpp"
+#include "util/extrema.hpp"
 #include "zorvstat.h"
 
 namespace {
 
 template <class T>
 T *lv_table = nullptr;
-
-template <class T>
-T epsilon() {
-    if constexpr (std::is_same_v<T, float>)
-        return zorvs_machine.f[3];
-    else
-        return zorvs_machine.d[3];
-}
-
-template <class T>
-int first_nan(int n, const T *x) {
-    if constexpr (std::is_same_v<T, float>)
-        return zorvs_isanan(n, x, 1);
-    else
-        return zorvs_idanan(n, x, 1);
-}
-
-template <class T>
-int index_min(int n, const T *x) {
-    if constexpr (std::is_same_v<T, float>)
-        return zorvs_ismin(n, x, 1);
-    else
-        return zorvs_dismin(n, x, 1);
-}
-
-template <class T>
-int index_max(int n, const T *x) {
-    if constexpr (std::is_same_v<T, float>)
-        return zorvs_ismax(n, x, 1);
-    else
-        return zorvs_dismax(n, x, 1);
-}
 
 // Validate and count.  iopt is the mode; lower, upper belong to mode 1, half
 // to mode 3; class_marks is filled in modes 0 and 1, read in modes 2 and 3.
@@ -118,7 +84,7 @@ void l_owfrq(const int *n_observations, const T *x, const int *n_intervals, cons
         zorvs_e1sti(1, k);
         zorvs_ermes(5, 20025);
     }
-    if (n > 0 && first_nan(n, x) != 0) zorvs_ermes(5, 20026);
+    if (n > 0 && zorvs::blas::ianan(n, x, 1) != 0) zorvs_ermes(5, 20026);
     if (zorvs_n1rcd(0) != 0) {
         zorvs_e1pop(name);
         return;
@@ -128,10 +94,10 @@ void l_owfrq(const int *n_observations, const T *x, const int *n_intervals, cons
     for (int j = 0; j < k; ++j) table[j] = static_cast<T>(0);
     switch (mode) {
     case 0: {
-        const T xmin = x[index_min(n, x) - 1];
-        const T xmax = x[index_max(n, x) - 1];
+        const T xmin = x[zorvs::util::ismin(n, x, 1) - 1];
+        const T xmax = x[zorvs::util::ismax(n, x, 1) - 1];
         const T w = (xmax - xmin) / static_cast<T>(k);
-        const T fuzz = (static_cast<T>(10) * epsilon<T>()) * w;
+        const T fuzz = (static_cast<T>(10) * zorvs::epsilon<T>()) * w;
         for (int i = 0; i < n; ++i) {
             const T d = x[i] - xmin;
             int cell = k - 1;
@@ -272,8 +238,8 @@ void l_table_oneway(int n_observations, T *x, int n_intervals, va_list *list) {
     }
     l_owfrq<T>(&n_observations, x, &n_intervals, &iopt, &lower, &upper, &half, marks, table.data());
     if (zorvs_error_n1rty[0] < 4 && iopt == 0 && min_out && max_out) {
-        *min_out = x[index_min(n_observations, x) - 1];
-        *max_out = x[index_max(n_observations, x) - 1];
+        *min_out = x[zorvs::util::ismin(n_observations, x, 1) - 1];
+        *max_out = x[zorvs::util::ismax(n_observations, x, 1) - 1];
     }
 }
 
