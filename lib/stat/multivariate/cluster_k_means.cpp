@@ -453,8 +453,8 @@ void l_cluster_k_means(int n_observations, int n_variables, T *x, int n_clusters
     int max_iterations = 30, x_col_dim = n_variables, seeds_col_dim = n_variables, means_col_dim = n_variables;
     const T *frequencies = nullptr, *weights = nullptr;
     const int *x_columns = nullptr;
-    zorvs::OutputPair<T> means, ssq;
-    zorvs::OutputPair<int> counts;
+    zorvs::OptionalOutput<T> means, ssq;
+    zorvs::OptionalOutput<int> counts;
     for (int key = kw.keyword(); key != 0; key = kw.keyword()) {
         switch (key) {
         case ZORVS_RETURN_USER:

@@ -3,15 +3,15 @@
 // storage.  When neither was given the array is still needed as work space
 // and is freed at the end.  Plain data, no destructor: it may live in a body
 // that a trap leaves by longjmp.
-#ifndef ZORVS_OUTPUT_PAIR_HPP
-#define ZORVS_OUTPUT_PAIR_HPP
+#ifndef ZORVS_OPTIONAL_OUTPUT_HPP
+#define ZORVS_OPTIONAL_OUTPUT_HPP
 
 #include "frame/frame.hpp"
 
 namespace zorvs {
 
 template <class T>
-struct OutputPair {
+struct OptionalOutput {
     T **give = nullptr;  // X: receives the allocated array
     T *user = nullptr;   // X_USER: the caller's storage
     T *data = nullptr;   // where the routine writes
@@ -47,4 +47,4 @@ struct OutputPair {
 
 }  // namespace zorvs
 
-#endif  // ZORVS_OUTPUT_PAIR_HPP
+#endif  // ZORVS_OPTIONAL_OUTPUT_HPP

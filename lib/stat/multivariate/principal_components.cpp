@@ -175,7 +175,7 @@ void l_principal_components(int n_variables, T *covariances, va_list *list) {
     zorvs::KeywordReader kw(list, 2);
     bool user = false;
     int cov_col_dim = n_variables, type = 0, df = 100;
-    zorvs::OutputPair<T> vectors, correlations, cumulative, std_errors;
+    zorvs::OptionalOutput<T> vectors, correlations, cumulative, std_errors;
     for (int k = kw.keyword(); k != 0; k = kw.keyword()) {
         switch (k) {
         case ZORVS_RETURN_USER:
