@@ -1,0 +1,264 @@
+// Tests of ARMA estimation.  Method of moments against the moment equations
+// solved in 50 digits by mpmath; least squares against the best minimum of
+// the same backcast sum of squares that scipy finds, with R's CSS estimates
+// beside them (tests/data/stat/series/make_arma.py).  Then the outputs, the
+// keyword conflicts, bad series and starts, caller storage and the stop.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "frame/services.h"
+#include "support/capture.hpp"
+#include "zorvstat.h"
+
+namespace {
+
+#include "data/stat/series/arma_ref.inc"
+
+template <class T>
+class ArmaTwin : public ::testing::Test {};
+using Reals = ::testing::Types<float, double>;
+TYPED_TEST_SUITE(ArmaTwin, Reals);
+
+template <class T, class... Args>
+T *arma(int n, T *z, int p, int q, Args... args) {
+    if constexpr (std::is_same_v<T, float>)
+        return zorvs_f_arma(n, z, p, q, args...);
+    else
+        return zorvs_d_arma(n, z, p, q, args...);
+}
+
+template <class T>
+constexpr bool single = std::is_same_v<T, float>;
+
+TYPED_TEST(ArmaTwin, MomentsSolveTheMomentEquations) {
+    using T = TypeParam;
+    zorvs_test::Quiet q;
+    // double: the bar of the estimates; float: the rounding of sums of a few
+    // hundred single-precision products
+    const double rel = single<T> ? 2e-3 : 1e-6;
+    for (const MomentsCase &c : moments_cases) {
+        SCOPED_TRACE(std::string(c.name) + " p=" + std::to_string(c.p) + " q=" + std::to_string(c.q));
+        std::vector<T> z(c.z, c.z + c.n), acv(c.p + c.q + 2, -1);
+        T mean = std::numeric_limits<T>::quiet_NaN();
+        T *x = arma<T>(c.n, z.data(), c.p, c.q, ZORVS_AUTOCOV_USER, acv.data(), ZORVS_MEAN_ESTIMATE, &mean, 0);
+        ASSERT_NE(x, nullptr);
+        EXPECT_EQ(zorvs_n1rty(1), c.solved ? 0 : 3);
+        if (!c.solved) {
+            EXPECT_EQ(zorvs_error_code(), 11235);
+        }
+        EXPECT_NEAR(mean, c.mean, rel * std::fabs(c.mean));
+        for (int k = 0; k < c.p + c.q + 2; ++k) EXPECT_NEAR(acv[k], c.acv[k], rel * c.acv[0]) << "lag " << k;
+        const int checked = c.solved ? c.p + c.q + 1 : c.p + 1;
+        for (int i = 0; i < checked; ++i)
+            EXPECT_NEAR(x[i], c.est[i], rel * std::fmax(std::fabs(c.est[i]), single<T> ? 1.0 : 1e-6)) << i;
+        std::free(x);
+    }
+}
+
+// The sum of squares at the library's estimate is no more than 1e-8 (float:
+// 1e-4) above the best minimum scipy finds; the estimates agree to 1e-4.
+TYPED_TEST(ArmaTwin, LeastSquaresReachTheMinimum) {
+    using T = TypeParam;
+    zorvs_test::Quiet q;
+    const double ss_rel = single<T> ? 1e-4 : 1e-8, par = single<T> ? 2e-2 : 1e-4;
+    for (const LeastSquaresCase &c : least_squares_cases) {
+        const std::string label = std::string(c.name) + " p=" + std::to_string(c.p) + " q=" + std::to_string(c.q) +
+                                  " L=" + std::to_string(c.length);
+        SCOPED_TRACE(label);
+        std::vector<T> z(c.z, c.z + c.n);
+        int ar_lags[3] = {c.lags[0], c.lags[1], c.lags[2]};
+        int *ma_lags = ar_lags + c.p;
+        T ss = -1;
+        T *x = c.constant
+                   ? arma<T>(c.n, z.data(), c.p, c.q, ZORVS_LEAST_SQUARES, ZORVS_BACKCASTING, c.length, 0.0,
+                             ZORVS_AR_LAGS, ar_lags, ZORVS_MA_LAGS, ma_lags, ZORVS_SS_RESIDUAL, &ss, 0)
+                   : arma<T>(c.n, z.data(), c.p, c.q, ZORVS_LEAST_SQUARES, ZORVS_NO_CONSTANT, ZORVS_BACKCASTING,
+                             c.length, 0.0, ZORVS_AR_LAGS, ar_lags, ZORVS_SS_RESIDUAL, &ss, 0);
+        ASSERT_NE(x, nullptr);
+        EXPECT_EQ(zorvs_n1rty(1), 0);
+        EXPECT_LE(ss, c.ss * (1 + ss_rel));
+        EXPECT_GE(ss, c.ss * (1 - ss_rel));
+        for (int i = 0; i < c.p + c.q + 1; ++i)
+            EXPECT_NEAR(x[i], c.est[i], par * std::fmax(1.0, std::fabs(c.est[i]))) << i;
+        if (!single<T>) {
+            // beside R's arima(method = "CSS"), for information
+            std::printf("    %-10s p=%d q=%d L=%2d  SS - ref %+.2e (rel)", c.name, c.p, c.q, c.length,
+                        (static_cast<double>(ss) - c.ss) / c.ss);
+            if (c.has_r) {
+                double dmax = 0;
+                for (int i = 0; i < c.p + c.q + 1; ++i) dmax = std::fmax(dmax, std::fabs(x[i] - c.r_css[i]));
+                std::printf("  R CSS: SS - R %+.2e (rel), max |param - R| %.1e", (ss - c.r_css[c.p + c.q + 1]) /
+                            c.r_css[c.p + c.q + 1], dmax);
+            }
+            std::printf("\n");
+        }
+        std::free(x);
+    }
+}
+
+// Residuals, covariance, record and caller storage agree with each other.
+TYPED_TEST(ArmaTwin, OutputsOfTheLeastSquaresFit) {
+    using T = TypeParam;
+    const LeastSquaresCase &c = least_squares_cases[0];  // lh ARMA(1,1), 10 backcasts
+    std::vector<T> z(c.z, c.z + c.n);
+    T *resid = nullptr, *cov = nullptr, *acv = nullptr, ss = 0, constant = 0, ar = 0, ma = 0;
+    void *info = nullptr;
+    T *x = arma<T>(c.n, z.data(), 1, 1, ZORVS_LEAST_SQUARES, ZORVS_RESIDUAL, &resid, ZORVS_PARAM_EST_COV, &cov,
+                   ZORVS_AUTOCOV, &acv, ZORVS_SS_RESIDUAL, &ss, ZORVS_ARMA_INFO, &info, ZORVS_RETURN_USER, &constant,
+                   &ar, &ma, 0);
+    ASSERT_EQ(x, &constant);
+    ASSERT_NE(resid, nullptr);
+    ASSERT_NE(cov, nullptr);
+    ASSERT_NE(acv, nullptr);
+    ASSERT_NE(info, nullptr);
+    const int m = c.n + 10 - 1;
+    T sum = 0;
+    for (int i = 0; i < m; ++i) sum += resid[i] * resid[i];
+    EXPECT_NEAR(sum, ss, 1e-5 * ss);
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_GT(cov[i * 3 + i], 0);
+        for (int j = 0; j < 3; ++j) EXPECT_NEAR(cov[i * 3 + j], cov[j * 3 + i], 1e-4 * std::fabs(cov[i * 3 + j]));
+    }
+    // standard error of phi about sqrt((1 - phi^2) / n) for a near-AR(1) fit
+    EXPECT_GT(std::sqrt(cov[4]), 0.05);
+    EXPECT_LT(std::sqrt(cov[4]), 0.5);
+    const auto *rec = static_cast<zorvs_arma_info *>(info);
+    EXPECT_EQ(rec->p, 1);
+    EXPECT_EQ(rec->q, 1);
+    EXPECT_EQ(rec->method, ZORVS_LEAST_SQUARES);
+    EXPECT_EQ(rec->ar[0], static_cast<double>(ar));
+    EXPECT_EQ(rec->ma[0], static_cast<double>(ma));
+    EXPECT_EQ(rec->constant, static_cast<double>(constant));
+    EXPECT_EQ(rec->ar_lags[0], 1);
+    EXPECT_EQ(rec->last_observations[0], static_cast<double>(z[c.n - 1]));
+    EXPECT_EQ(rec->last_residuals[0], static_cast<double>(resid[m - 1]));
+    EXPECT_NEAR(rec->innovation_variance, ss / (m - 3), 1e-5 * ss);
+    std::free(resid);
+    std::free(cov);
+    std::free(acv);
+    std::free(info);
+    // p = 0, q = 1: two reals; the moments record has no residuals
+    info = nullptr;
+    zorvs_test::Quiet quiet;  // the MA(1) moment equations of lh have no solution: a warning
+    T *y = arma<T>(c.n, z.data(), 0, 1, ZORVS_ARMA_INFO, &info, 0);
+    ASSERT_NE(y, nullptr);
+    ASSERT_NE(info, nullptr);
+    EXPECT_EQ(static_cast<zorvs_arma_info *>(info)->n_last_residuals, 0);
+    std::free(y);
+    std::free(info);
+}
+
+// Starts outside the stationary or invertible region: the search still ends
+// at the minimum, or refuses a start whose residuals overflow.
+TYPED_TEST(ArmaTwin, StartsOutsideTheRegion) {
+    using T = TypeParam;
+    zorvs_test::Quiet quiet;
+    const LeastSquaresCase &c = least_squares_cases[1];  // lh AR(1), CSS
+    std::vector<T> z(c.z, c.z + c.n);
+    T ar = 1.5, ma = 0, ss = 0;
+    T *x = arma<T>(c.n, z.data(), 1, 0, ZORVS_LEAST_SQUARES, ZORVS_INITIAL_ESTIMATES, &ar, &ma, ZORVS_BACKCASTING,
+                   0, 0.0, ZORVS_SS_RESIDUAL, &ss, 0);
+    ASSERT_NE(x, nullptr);
+    EXPECT_NEAR(x[1], c.est[1], single<T> ? 1e-2 : 1e-4);
+    EXPECT_LE(ss, c.ss * (1 + (single<T> ? 1e-4 : 1e-8)));
+    std::free(x);
+    // an MA parameter of 1e4 on 400 values overflows every residual
+    const LeastSquaresCase &m = least_squares_cases[7];
+    std::vector<T> w(m.z, m.z + m.n);
+    T big = 1e4;
+    EXPECT_EQ(arma<T>(m.n, w.data(), 0, 1, ZORVS_LEAST_SQUARES, ZORVS_INITIAL_ESTIMATES, &ar, &big, 0), nullptr);
+    EXPECT_EQ(zorvs_error_code(), 11237);
+}
+
+// Refusals: (type, code) and parameters; nothing written through the outputs.
+TYPED_TEST(ArmaTwin, BadInput) {
+    using T = TypeParam;
+    zorvs_test::Quiet quiet;
+    std::vector<T> z(series_lh, series_lh + 48);
+    const int n = static_cast<int>(z.size());
+    T ar = 0.5, ma = 0.1, ss = -7;
+    T *resid = nullptr;
+    struct Row {
+        const char *what;
+        int code;
+        const char *l1;
+        T *(*call)(std::vector<T> &, T &, T *&, T &, T &);
+    };
+    using V = std::vector<T>;
+    const Row rows[] = {
+        {"MoM with residuals", 11117, "ZORVS_METHOD_OF_MOMENTS and argument(s) used exclusively with ZORVS_LEAST_SQUARES",
+         [](V &z, T &ss, T *&r, T &, T &) {
+             return arma<T>(48, z.data(), 1, 0, ZORVS_METHOD_OF_MOMENTS, ZORVS_RESIDUAL, &r, ZORVS_SS_RESIDUAL, &ss, 0);
+         }},
+        {"default method with backcasting", 11117,
+         "ZORVS_METHOD_OF_MOMENTS and argument(s) used exclusively with ZORVS_LEAST_SQUARES",
+         [](V &z, T &, T *&, T &, T &) { return arma<T>(48, z.data(), 1, 0, ZORVS_BACKCASTING, 5, 0.0, 0); }},
+        {"MoM and constant", 11117, "ZORVS_METHOD_OF_MOMENTS and argument(s) used exclusively with ZORVS_LEAST_SQUARES",
+         [](V &z, T &, T *&, T &, T &) { return arma<T>(48, z.data(), 1, 0, ZORVS_METHOD_OF_MOMENTS, ZORVS_CONSTANT, 0); }},
+        {"both constants", 11117, "ZORVS_NO_CONSTANT and ZORVS_CONSTANT",
+         [](V &z, T &, T *&, T &, T &) {
+             return arma<T>(48, z.data(), 1, 0, ZORVS_LEAST_SQUARES, ZORVS_CONSTANT, ZORVS_NO_CONSTANT, 0);
+         }},
+        {"both methods", 11117, "ZORVS_METHOD_OF_MOMENTS and ZORVS_LEAST_SQUARES",
+         [](V &z, T &, T *&, T &, T &) {
+             return arma<T>(48, z.data(), 1, 0, ZORVS_LEAST_SQUARES, ZORVS_METHOD_OF_MOMENTS, 0);
+         }},
+        {"MoM with starting values", 11117, "ZORVS_METHOD_OF_MOMENTS and ZORVS_INITIAL_ESTIMATES",
+         [](V &z, T &, T *&, T &a, T &m) { return arma<T>(48, z.data(), 1, 1, ZORVS_INITIAL_ESTIMATES, &a, &m, 0); }},
+        {"p negative", 11257, nullptr, [](V &z, T &, T *&, T &, T &) { return arma<T>(48, z.data(), -1, 1, 0); }},
+        {"p and q 0", 11257, nullptr, [](V &z, T &, T *&, T &, T &) { return arma<T>(48, z.data(), 0, 0, 0); }},
+        {"one observation", 11083, nullptr, [](V &z, T &, T *&, T &, T &) { return arma<T>(1, z.data(), 1, 0, 0); }},
+        {"too many lags", 11226, nullptr, [](V &z, T &, T *&, T &, T &) { return arma<T>(5, z.data(), 2, 2, 0); }},
+        {"NaN", 11227, nullptr,
+         [](V &z, T &, T *&, T &, T &) {
+             V w(z);
+             w[17] = std::numeric_limits<T>::quiet_NaN();
+             return arma<T>(48, w.data(), 1, 0, 0);
+         }},
+        {"lag beyond the series", 11233, "ZORVS_AR_LAGS",
+         [](V &z, T &, T *&, T &, T &) {
+             int lag = 48;
+             return arma<T>(48, z.data(), 1, 0, ZORVS_LEAST_SQUARES, ZORVS_AR_LAGS, &lag, 0);
+         }},
+        {"constant series, moments", 11232, nullptr,
+         [](V &, T &, T *&, T &, T &) {
+             V w(30, static_cast<T>(2.5));
+             return arma<T>(30, w.data(), 1, 1, 0);
+         }},
+        {"constant series, least squares", 11230, nullptr,
+         [](V &, T &, T *&, T &a, T &m) {
+             V w(30, static_cast<T>(2.5));
+             return arma<T>(30, w.data(), 1, 1, ZORVS_LEAST_SQUARES, ZORVS_INITIAL_ESTIMATES, &a, &m, 0);
+         }},
+        {"unknown keyword", 11001, nullptr,
+         [](V &z, T &ss, T *&, T &, T &) { return arma<T>(48, z.data(), 1, 0, ZORVS_SS_RESIDUAL, &ss, 777, 0); }},
+    };
+    for (const Row &r : rows) {
+        SCOPED_TRACE(r.what);
+        ss = -7;
+        resid = nullptr;
+        EXPECT_EQ(r.call(z, ss, resid, ar, ma), nullptr);
+        EXPECT_EQ(zorvs_n1rty(1), 5);
+        EXPECT_EQ(zorvs_error_code(), r.code);
+        if (r.l1) {
+            EXPECT_STREQ(zorvs_error_param.l[1], r.l1);
+        }
+        EXPECT_EQ(ss, -7);
+        EXPECT_EQ(resid, nullptr);
+    }
+    EXPECT_EQ(zorvs_error_param.i[1], 777);
+    EXPECT_EQ(zorvs_error_param.i[2], 7);  // four fixed arguments, the keyword, its pointer, then 777
+    (void)n;
+}
+
+TEST(ArmaStop, TerminalErrorStopsTheProcess) {
+    double z[4] = {1, 2, 3, 4};
+    EXPECT_EXIT(zorvs_d_arma(4, z, 0, 0, 0), ::testing::ExitedWithCode(5), "zorvs_d_arma");
+}
+
+}  // namespace
