@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "frame/frame.hpp"
 #include "frame/services.h"
 #include "support/capture.hpp"
 #include "zorvstat.h"
@@ -254,6 +255,86 @@ TYPED_TEST(ArmaTwin, BadInput) {
     EXPECT_EQ(zorvs_error_param.i[1], 777);
     EXPECT_EQ(zorvs_error_param.i[2], 7);  // four fixed arguments, the keyword, its pointer, then 777
     (void)n;
+}
+
+// Warnings and fatal errors of the estimators, and keyword forms that must
+// agree: the _ADR twins, the backcast threshold.
+TYPED_TEST(ArmaTwin, EstimatorMessagesAndKeywordForms) {
+    using T = TypeParam;
+    zorvs_test::Quiet quiet;
+    // lag-1 autocovariance exactly 0: the ARMA(1,1) Yule-Walker equation is 0 = c_2
+    std::vector<T> cycle;
+    for (int i = 0; i < 40; ++i) cycle.push_back(static_cast<T>(i % 4 == 0 ? 1 : i % 4 == 2 ? -1 : 0));
+    EXPECT_EQ(arma<T>(40, cycle.data(), 1, 1, 0), nullptr);
+    EXPECT_EQ(zorvs_error_code(), 11234);
+    EXPECT_EQ(zorvs_n1rty(1), 4);
+    // one iteration is not enough: a warning, and the last point
+    const LeastSquaresCase &c = least_squares_cases[4];  // sunspot ARMA(2,1)
+    std::vector<T> z(c.z, c.z + c.n);
+    T ss1 = 0;
+    T *x = arma<T>(c.n, z.data(), 2, 1, ZORVS_LEAST_SQUARES, ZORVS_MAX_ITERATIONS, 1, ZORVS_SS_RESIDUAL, &ss1, 0);
+    ASSERT_NE(x, nullptr);
+    EXPECT_EQ(zorvs_error_code(), 11236);
+    EXPECT_EQ(zorvs_n1rty(1), 3);
+    std::free(x);
+    // the forms by pointer read the caller's real of the routine's type
+    T ss2 = 0, ss3 = 0, thr = 0, tol = static_cast<T>(1e-6), rel = static_cast<T>(1e-10);
+    T *a = arma<T>(c.n, z.data(), 2, 1, ZORVS_LEAST_SQUARES, ZORVS_BACKCASTING, 4, 0.0, ZORVS_CONVERGENCE_TOLERANCE,
+                   static_cast<double>(tol), ZORVS_RELATIVE_ERROR, static_cast<double>(rel), ZORVS_SS_RESIDUAL, &ss2, 0);
+    T *b = arma<T>(c.n, z.data(), 2, 1, ZORVS_LEAST_SQUARES, ZORVS_BACKCASTING_ADR, 4, &thr,
+                   ZORVS_CONVERGENCE_TOLERANCE_ADR, &tol, ZORVS_RELATIVE_ERROR_ADR, &rel, ZORVS_SS_RESIDUAL, &ss3, 0);
+    ASSERT_NE(a, nullptr);
+    ASSERT_NE(b, nullptr);
+    EXPECT_EQ(ss2, ss3);
+    for (int i = 0; i < 4; ++i) EXPECT_EQ(a[i], b[i]);
+    std::free(a);
+    std::free(b);
+    // a threshold that ends backcasting at once: the backcasts behind the
+    // first are the process mean, so the sum differs from the full one
+    T *r1 = nullptr, *r2 = nullptr;
+    T start_ar[2] = {1.4f, -0.7f}, start_ma = 0.1f;
+    a = arma<T>(c.n, z.data(), 2, 1, ZORVS_LEAST_SQUARES, ZORVS_INITIAL_ESTIMATES, start_ar, &start_ma,
+                ZORVS_BACKCASTING, 6, 1.0e30, ZORVS_MAX_ITERATIONS, 1, ZORVS_RESIDUAL, &r1, 0);
+    b = arma<T>(c.n, z.data(), 2, 1, ZORVS_LEAST_SQUARES, ZORVS_INITIAL_ESTIMATES, start_ar, &start_ma,
+                ZORVS_BACKCASTING, 6, 0.0, ZORVS_MAX_ITERATIONS, 1, ZORVS_RESIDUAL, &r2, 0);
+    ASSERT_NE(r1, nullptr);
+    ASSERT_NE(r2, nullptr);
+    EXPECT_NE(r1[0], r2[0]);
+    EXPECT_EQ(r1[c.n + 6 - 2 - 1] == r2[c.n + 6 - 2 - 1], false);
+    for (T *v : {a, b, r1, r2}) std::free(v);
+}
+
+// Every allocation of a full least-squares call made to fail in turn:
+// a null result, (5, 200..202), nothing handed over (the sanitizer build
+// checks that nothing leaks).
+TYPED_TEST(ArmaTwin, AllocationFailures) {
+    using T = TypeParam;
+    zorvs_test::Quiet quiet;
+    zorvs_test::CodeLog log;
+    const LeastSquaresCase &c = least_squares_cases[0];
+    std::vector<T> z(c.z, c.z + c.n);
+    bool succeeded = false;
+    for (int k = 1; k < 40 && !succeeded; ++k) {
+        T *resid = nullptr, *cov = nullptr, *acv = nullptr;
+        void *info = nullptr;
+        log.clear();
+        zorvs::allocation_failure_countdown = k;
+        T *x = arma<T>(c.n, z.data(), 1, 1, ZORVS_LEAST_SQUARES, ZORVS_RESIDUAL, &resid, ZORVS_PARAM_EST_COV, &cov,
+                       ZORVS_AUTOCOV, &acv, ZORVS_ARMA_INFO, &info, 0);
+        zorvs::allocation_failure_countdown = 0;
+        succeeded = x != nullptr;
+        if (!succeeded) {
+            EXPECT_TRUE(log.has(5, 200) || log.has(5, 201) || log.has(5, 202)) << k;
+            EXPECT_EQ(resid, nullptr);
+            EXPECT_EQ(cov, nullptr);
+            EXPECT_EQ(acv, nullptr);
+            EXPECT_EQ(info, nullptr);
+        }
+        for (void *v : {static_cast<void *>(x), static_cast<void *>(resid), static_cast<void *>(cov),
+                        static_cast<void *>(acv), info})
+            std::free(v);
+    }
+    EXPECT_TRUE(succeeded);
 }
 
 TEST(ArmaStop, TerminalErrorStopsTheProcess) {
