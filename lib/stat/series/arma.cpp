@@ -222,9 +222,10 @@ void zorvs_m6mme(int q, const T *tau, T *jac) {
 
 // One dogleg step of Powell's hybrid method inside the radius delta: the
 // Newton step newton (already solved) if it fits, else the combination of it
-// and the Cauchy step along -J'f.  jac is the Jacobian, f the residual.
+// and the Cauchy step along -J'f.  jac is the Jacobian, f the residual;
+// work: 2n reals.
 template <class T>
-void zorvs_n5qnf(int n, const T *jac, const T *f, const T *newton, T delta, T *step) {
+void zorvs_n5qnf(int n, const T *jac, const T *f, const T *newton, T delta, T *step, T *work) {
     T gn = 0;
     for (int i = 0; i < n; ++i) gn += newton[i] * newton[i];
     gn = std::sqrt(gn);
@@ -234,7 +235,7 @@ void zorvs_n5qnf(int n, const T *jac, const T *f, const T *newton, T delta, T *s
     }
     // gradient of 0.5 |f|^2 and the length of the Cauchy step
     T g2 = 0, jg2 = 0;
-    T grad[16];
+    T *grad = work, *c = work + n;
     for (int j = 0; j < n; ++j) {
         T s = 0;
         for (int k = 0; k < n; ++k) s += at(const_cast<T *>(jac), n, k, j) * f[k];
@@ -254,7 +255,7 @@ void zorvs_n5qnf(int n, const T *jac, const T *f, const T *newton, T delta, T *s
         return;
     }
     // the point of the dogleg path at distance delta
-    T c[16], cn = 0, dd = 0, cd = 0;
+    T cn = 0, dd = 0, cd = 0;
     for (int i = 0; i < n; ++i) {
         c[i] = -alpha * grad[i];
         const T d = newton[i] - c[i];
@@ -268,13 +269,13 @@ void zorvs_n5qnf(int n, const T *jac, const T *f, const T *newton, T delta, T *s
 }
 
 // Solve the moving-average equations from tau = (sqrt(g_0), 0, ..., 0).
-// False if they are not met to rounding.  q is at most 15 (checked by the
-// caller); work: 5 (q + 1) + (q + 1)^2 reals.
+// False if they are not met to rounding.  work: 5 (q + 1) + 2 (q + 1)^2
+// reals (the dogleg's 2 (q + 1) share the factored copy of the Jacobian).
 template <class T>
 bool zorvs_m4mme(int q, const T *g, T *tau, T *work) {
     const int n = q + 1;
     T *f = work, *newton = f + n, *step = newton + n, *trial = step + n, *ftrial = trial + n, *jac = ftrial + n;
-    T *lu = jac;  // the Jacobian is rebuilt before each use
+    T *lu = jac + n * n, *dogleg = lu;  // lu: the Jacobian, rebuilt before each use
     for (int i = 0; i < n; ++i) tau[i] = 0;
     tau[0] = std::sqrt(g[0]);
     const T target = 64 * eps<T> * g[0];
@@ -298,7 +299,7 @@ bool zorvs_m4mme(int q, const T *g, T *tau, T *work) {
             if (tries == 0 && solved)
                 for (int i = 0; i < n; ++i) step[i] = newton[i];
             else
-                zorvs_n5qnf(n, jac, f, newton, delta, step);
+                zorvs_n5qnf(n, jac, f, newton, delta, step, dogleg);
             T snorm = std::sqrt(sum_of_squares<T>(n, step));
             for (int i = 0; i < n; ++i) trial[i] = tau[i] + step[i];
             zorvs_m5mme(q, g, trial, ftrial);
@@ -355,7 +356,7 @@ bool zorvs_m2mme(int p, int q, const T *acv, const T *phi, T *theta, T *sigma2, 
 }
 
 // The moments estimate: x = (constant, phi_1..phi_p, theta_1..theta_q).
-// acv holds c_0..c_(p+q).  work: p*p + 7(q+1) + (q+1)^2 reals.
+// acv holds c_0..c_(p+q).  work: p*p + 7(q+1) + 2(q+1)^2 reals.
 template <class T>
 void l_n2pe(int n, const T *z, int p, int q, T mean, const T *acv, T *x, T *sigma2, T *work) {
     static const char *const name = "l_n2pe";
@@ -532,7 +533,7 @@ void zorvs_l2rrr(long m, int k, T *a, T *b, T *rk, T *qtb) {
 
 // The Levenberg-Marquardt step for one lambda: minimise
 // |R d + qtr|^2 + lambda |D d|^2 by the QR of the 2k x k stack.
-// work: 2k(k + 1) reals.
+// work: 3k^2 + 3k reals.
 template <class T>
 void zorvs_u5lsf(int k, const T *r, const T *qtr, const T *diag, T lambda, T *step, T *work) {
     const int m = 2 * k;
@@ -543,7 +544,7 @@ void zorvs_u5lsf(int k, const T *r, const T *qtr, const T *diag, T lambda, T *st
         for (int i = 0; i < k; ++i) at(a, m, k + i, j) = i == j ? root * diag[j] : T(0);
     }
     for (int i = 0; i < k; ++i) b[i] = -qtr[i], b[k + i] = 0;
-    T rr[16 * 16], qb[16];
+    T *rr = b + m, *qb = rr + k * k;
     zorvs_l2rrr<T>(m, k, a, b, rr, qb);
     for (int i = k - 1; i >= 0; --i) {
         T s = qb[i];
@@ -660,13 +661,13 @@ void l_n2lse(const Model<T> &md, T *x, const SearchControl &ctl, T zscale, T *r,
     T *big = nullptr, *small = nullptr;
     ResidualWork<T> w{};
     const std::size_t nbig = static_cast<std::size_t>(md.length) + 2u * md.n + 1u + static_cast<std::size_t>(m) * (k + 1);
-    if ((big = zorvs::allocate<T>(nbig)) && (small = zorvs::allocate<T>(static_cast<std::size_t>(k) * (4 * k + 8) + 8))) {
+    if ((big = zorvs::allocate<T>(nbig)) && (small = zorvs::allocate<T>(static_cast<std::size_t>(k) * (4 * k + 10) + 8))) {
         w.ext = big;
         w.e = big + md.length + md.n;
-        w.full = small + static_cast<std::size_t>(k) * (3 * k + 6);
+        w.full = small + static_cast<std::size_t>(k) * (4 * k + 7);
         T *trial_r = w.e + md.n;
         T *jac = trial_r + m;
-        T scale[16];
+        T *scale = w.full + k + 1;
         for (int j = 0; j < k; ++j) scale[j] = (md.constant && j == 0) ? zscale : T(1);
         l_n3lse(md, x, scale, ctl, w, r, trial_r, jac, ss, small);
         if (zorvs_error_n1rty[0] < 4) {
@@ -839,11 +840,6 @@ void l_arma(int n, T *z, int p, int q, va_list *list) {
         zorvs_e1sti(2, p + q + 1);
         zorvs_ermes(5, 11226);
     }
-    if (p + q > 15) {  // the small dense work of the searches holds 16 parameters
-        zorvs_e1sti(1, p);
-        zorvs_e1sti(2, q);
-        zorvs_ermes(5, 11257);
-    }
     if (zorvs_error_n1rty[0] > 3) {
         zorvs::exit_test(lv_arma<T>, user);
         return;
@@ -897,7 +893,7 @@ void l_arma(int n, T *z, int p, int q, va_list *list) {
 
     // allocation: results and work
     const int n_acv = p + q + 2;
-    const int mom_work = p * p + 7 * (q + 1) + (q + 1) * (q + 1);
+    const int mom_work = p * p + 7 * (q + 1) + 2 * (q + 1) * (q + 1);
     T *x = nullptr, *acv = nullptr, *mom = nullptr, *resid = nullptr, *cov = nullptr;
     T *acv_alloc = nullptr, *resid_alloc = nullptr, *cov_alloc = nullptr;
     zorvs_arma_info *info = nullptr;

@@ -302,6 +302,13 @@ TYPED_TEST(ArmaTwin, EstimatorMessagesAndKeywordForms) {
     EXPECT_NE(r1[0], r2[0]);
     EXPECT_EQ(r1[c.n + 6 - 2 - 1] == r2[c.n + 6 - 2 - 1], false);
     for (T *v : {a, b, r1, r2}) std::free(v);
+    // many parameters: no fixed bound on the orders
+    const LeastSquaresCase &big = least_squares_cases[6];
+    std::vector<T> y(big.z, big.z + big.n);
+    x = arma<T>(big.n, y.data(), 3, 17, ZORVS_LEAST_SQUARES, ZORVS_MAX_ITERATIONS, 3, 0);
+    ASSERT_NE(x, nullptr);
+    for (int i = 0; i < 21; ++i) EXPECT_TRUE(std::isfinite(x[i])) << i;
+    std::free(x);
 }
 
 // Every allocation of a full least-squares call made to fail in turn:
