@@ -55,8 +55,12 @@ TYPED_TEST(ArmaTwin, MomentsSolveTheMomentEquations) {
         EXPECT_NEAR(mean, c.mean, rel * std::fabs(c.mean));
         for (int k = 0; k < c.p + c.q + 2; ++k) EXPECT_NEAR(acv[k], c.acv[k], rel * c.acv[0]) << "lag " << k;
         const int checked = c.solved ? c.p + c.q + 1 : c.p + 1;
-        for (int i = 0; i < checked; ++i)
+        double worst = 0;
+        for (int i = 0; i < checked; ++i) {
             EXPECT_NEAR(x[i], c.est[i], rel * std::fmax(std::fabs(c.est[i]), single<T> ? 1.0 : 1e-6)) << i;
+            if (c.est[i] != 0) worst = std::fmax(worst, std::fabs(x[i] / c.est[i] - 1));
+        }
+        if (!single<T>) std::printf("    %-10s p=%d q=%d  largest relative difference %.1e\n", c.name, c.p, c.q, worst);
         std::free(x);
     }
 }
