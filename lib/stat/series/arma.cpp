@@ -79,7 +79,15 @@
 //  - ZORVS_PARAM_EST_COV is k x k, k the number of parameters estimated
 //    (the constant first when it is estimated); ZORVS_RESIDUAL has
 //    n + L - P values; ZORVS_RETURN_USER returns the caller's `constant`.
-//  - arma_info: one malloc block, fields in zorvstat.h.
+//  - arma_info: one malloc block, fields in zorvstat.h; after the moments
+//    estimate it holds no residuals.
+//  - The moments estimate uses the lags 1..p and 1..q (the lag lists serve
+//    least squares only).  Its moving-average equations are met when every
+//    equation is within 64 eps g_0; the hybrid makes at most 200 steps.
+//  - A trial step of the search whose residuals overflow counts as a step
+//    that does not reduce SS (the damping grows).  A Jacobian of lower rank
+//    than the parameters gives a covariance table of NaN.
+//  - The search works in the routine's real type, float in the float twin.
 
 #include <algorithm>
 #include <cmath>
