@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "frame/frame.hpp"
 #include "frame/services.h"
 #include "support/capture.hpp"
 #include "zorvstat.h"
@@ -172,6 +173,22 @@ TYPED_TEST(DifferenceTwin, BadInput) {
     // a null orders array
     EXPECT_EQ(difference<T>(3, w.data(), 1, &one, ZORVS_ORDERS, static_cast<int *>(nullptr), 0), nullptr);
     EXPECT_EQ(zorvs_error_code(), 150);
+}
+
+// Each allocation failing in turn: (5, 200) or (5, 201), a null result, no
+// lost count written; the sanitizer build checks that nothing leaks.
+TEST(DifferenceMemory, AllocationFailures) {
+    zorvs_test::Quiet q;
+    double z[4] = {1, 2, 4, 8};
+    int one = 1, lost = -1;
+    for (int k = 1; k <= 3; ++k) {
+        zorvs::allocation_failure_countdown = k;
+        double *w = zorvs_d_difference(4, z, 1, &one, ZORVS_NUM_LOST, &lost, 0);
+        zorvs::allocation_failure_countdown = 0;
+        EXPECT_EQ(w, nullptr) << k;
+        EXPECT_TRUE(zorvs_error_code() == 200 || zorvs_error_code() == 201) << k;
+        EXPECT_EQ(lost, -1);
+    }
 }
 
 TEST(DifferenceStop, FatalErrorStopsTheProcess) {
