@@ -71,6 +71,8 @@
 //  - ZORVS_CONSTANT given without any method keyword is accepted (the
 //    moments estimate has a constant); every other least-squares keyword
 //    without ZORVS_LEAST_SQUARES is the conflict with the method of moments.
+//  - An infinite value in the series: (5, 11238); autocovariances that
+//    overflow (or a mean given as infinity): (5, 11239).
 //  - Singular Yule-Walker equations: (4, 11234).  Moving-average equations
 //    that have no real solution: the point of least residual is kept with
 //    the warning (3, 11235).  Residuals that are not finite at the start of
@@ -842,6 +844,14 @@ void l_arma(int n, T *z, int p, int q, va_list *list) {
     } else if (int at_nan = first_nan(n, z); at_nan != 0) {
         zorvs_e1sti(1, at_nan - 1);
         zorvs_ermes(5, 11227);
+    } else {
+        for (int i = 0; i < n; ++i)
+            if (!std::isfinite(static_cast<double>(z[i]))) {
+                zorvs_e1sti(1, i);
+                zorvs_e1std(1, static_cast<double>(z[i]));
+                zorvs_ermes(5, 11238);
+                break;
+            }
     }
     if (n >= 2 && p + q + 1 >= n) {
         zorvs_e1sti(1, n);
@@ -922,9 +932,17 @@ void l_arma(int n, T *z, int p, int q, va_list *list) {
         // 5. mean and autocovariances
         mean = (out.mean && !zorvs::is_missing(*out.mean)) ? *out.mean : series_mean(n, z);
         zorvs_acf(n, z, p + q + 1, mean, acv);
+        for (int i = 0; i < n_acv; ++i)
+            if (!std::isfinite(static_cast<double>(acv[i]))) {
+                zorvs_e1sti(1, i);
+                zorvs_ermes(5, 11239);
+                break;
+            }
         // 6. starting point
         for (int i = 0; i < p + q + 1; ++i) x[i] = 0;
-        if (lsq && n_initial) {
+        if (zorvs_error_n1rty[0] > 3) {
+            // no estimate from autocovariances that overflow
+        } else if (lsq && n_initial) {
             if (p > 0) std::memcpy(x + 1, init_ar, p * sizeof(T));
             if (q > 0) std::memcpy(x + 1 + p, init_ma, q * sizeof(T));
             T s = 0;

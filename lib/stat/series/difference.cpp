@@ -17,6 +17,8 @@
 //    would only write NaN: the passes stop there and the lost count is still
 //    summed over all operators.  A lost count beyond the range of int is
 //    reported as the largest int.
+//  - Only a NaN in the series is refused; infinite values are differenced
+//    by IEEE arithmetic (infinity less infinity is NaN).
 //  - ZORVS_ORDERS with a null array, or a null series or period array, is
 //    refused with (5, 150).
 

@@ -6,7 +6,9 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <algorithm>
 #include <cstdio>
+#include <random>
 #include <cstdlib>
 #include <string>
 #include <vector>
@@ -225,6 +227,18 @@ TYPED_TEST(ArmaTwin, BadInput) {
              w[17] = std::numeric_limits<T>::quiet_NaN();
              return arma<T>(48, w.data(), 1, 0, 0);
          }},
+        {"infinity", 11238, nullptr,
+         [](V &z, T &, T *&, T &, T &) {
+             V w(z);
+             w[5] = -std::numeric_limits<T>::infinity();
+             return arma<T>(48, w.data(), 1, 0, 0);
+         }},
+        {"autocovariances overflow", 11239, nullptr,
+         [](V &, T &, T *&, T &, T &) {
+             V w(20);
+             for (int i = 0; i < 20; ++i) w[i] = (i % 3 ? 2 : -2) * std::sqrt(std::numeric_limits<T>::max());
+             return arma<T>(20, w.data(), 1, 0, ZORVS_LEAST_SQUARES, 0);
+         }},
         {"lag beyond the series", 11233, "ZORVS_AR_LAGS",
          [](V &z, T &, T *&, T &, T &) {
              int lag = 48;
@@ -351,6 +365,80 @@ TYPED_TEST(ArmaTwin, AllocationFailures) {
 TEST(ArmaStop, TerminalErrorStopsTheProcess) {
     double z[4] = {1, 2, 3, 4};
     EXPECT_EXIT(zorvs_d_arma(4, z, 0, 0, 0), ::testing::ExitedWithCode(5), "zorvs_d_arma");
+}
+
+}  // namespace
+
+namespace {
+
+// Random calls of both routines as a careless caller makes them: awkward
+// series (infinite, huge, subnormal, constant stretches), orders, lags,
+// backcasts and tolerances.  What must hold: the call returns, a missing
+// result comes with a message of type 4 or above, and a result that is not
+// finite comes with a message of type 3 or above.
+TEST(SeriesRandomCalls, AnyArgumentsGiveAResultOrAMessage) {
+    zorvs_test::Quiet quiet;
+    zorvs_test::CodeLog log;
+    std::mt19937_64 bits(25);
+    auto pick = [&](int n) { return static_cast<int>(bits() % static_cast<unsigned>(n)); };
+    auto unit = [&] { return static_cast<double>(bits() >> 11) * 0x1p-53; };
+    static const double awkward[] = {INFINITY, -INFINITY, 0.0, 1e-310, 1e300, -1e300, 1e38, 3e9, 1.0};
+    auto highest = [&] {
+        int t = 0;
+        for (const auto &e : log.entries()) t = std::max(t, e.first);
+        return t;
+    };
+    for (int call = 0; call < 3000; ++call) {
+        log.clear();
+        const int n = pick(4) == 0 ? pick(6) : 5 + pick(120);
+        double z[130];
+        for (int i = 0; i < 130; ++i) z[i] = pick(40) == 0 ? awkward[pick(9)] : (pick(8) == 0 ? 2.0 : unit() * 10);
+        int p = pick(4), q = pick(4), lags[8];
+        if (pick(10) == 0) p = -1;
+        for (int &l : lags) l = pick(6) == 0 ? pick(200) - 10 : 1 + pick(12);
+        const int length = pick(5) == 0 ? pick(30) - 3 : 10;
+        const double tol = pick(3) == 0 ? awkward[pick(9)] : 1e-8, thr = pick(3) == 0 ? unit() : 0.0;
+        SCOPED_TRACE(::testing::Message() << "call " << call << ": n " << n << ", p " << p << ", q " << q);
+        double *x = nullptr;
+        int k = p + q + 1;
+        switch (pick(4)) {
+            case 0: x = zorvs_d_arma(n, z, p, q, 0); break;
+            case 1:
+                x = zorvs_d_arma(n, z, p, q, ZORVS_LEAST_SQUARES, ZORVS_AR_LAGS, lags, ZORVS_MA_LAGS, lags + 4,
+                                 ZORVS_BACKCASTING, length, thr, ZORVS_CONVERGENCE_TOLERANCE, tol, ZORVS_MAX_ITERATIONS,
+                                 20, 0);
+                break;
+            case 2: {
+                double ar[4] = {unit() * 4 - 2, 0.1, 0.1, 0.1}, ma[4] = {unit() * 4 - 2, 0, 0, 0};
+                x = zorvs_d_arma(n, z, p, q, ZORVS_LEAST_SQUARES, ZORVS_INITIAL_ESTIMATES, ar, ma, ZORVS_NO_CONSTANT,
+                                 ZORVS_MAX_ITERATIONS, 20, 0);
+                break;
+            }
+            default: {
+                int periods[2] = {lags[0], lags[1]}, orders[2] = {pick(4) - 1, pick(3)};
+                k = n > 0 && n <= 130 ? n : 0;
+                x = zorvs_d_difference(n, z, 2, periods, ZORVS_ORDERS, orders, 0);
+                if (x) {
+                    EXPECT_LT(highest(), 4);
+                    std::free(x);
+                } else {
+                    EXPECT_GE(highest(), 4) << "difference: no result and no error";
+                }
+                continue;
+            }
+        }
+        if (!x) {
+            EXPECT_GE(highest(), 4) << "arma: no result and no error";
+            continue;
+        }
+        for (int i = 0; i < k; ++i)
+            if (!std::isfinite(x[i])) {
+                EXPECT_GE(highest(), 3) << "arma[" << i << "] = " << x[i] << " with no message";
+                break;
+            }
+        std::free(x);
+        quiet.errors.take();
+    }
 }
 
 }  // namespace
