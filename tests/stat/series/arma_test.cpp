@@ -149,6 +149,16 @@ TYPED_TEST(ArmaTwin, OutputsOfTheLeastSquaresFit) {
     std::free(cov);
     std::free(acv);
     std::free(info);
+    // a mean given is used, not replaced: the autocovariances are about it
+    T given = 2, acv2[3];
+    T *g = arma<T>(c.n, z.data(), 1, 0, ZORVS_MEAN_ESTIMATE, &given, ZORVS_AUTOCOV_USER, acv2, 0);
+    ASSERT_NE(g, nullptr);
+    EXPECT_EQ(given, 2);
+    double c0 = 0;
+    for (int t = 0; t < c.n; ++t) c0 += (c.z[t] - 2) * (c.z[t] - 2) / c.n;
+    EXPECT_NEAR(acv2[0], c0, 1e-5 * c0);
+    EXPECT_NEAR(g[0], 2 * (1 - g[1]), 1e-6);
+    std::free(g);
     // p = 0, q = 1: two reals; the moments record has no residuals
     info = nullptr;
     zorvs_test::Quiet quiet;  // the MA(1) moment equations of lh have no solution: a warning
