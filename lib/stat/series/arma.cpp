@@ -135,6 +135,10 @@ template <class T>
 T &at(T *a, int ld, int i, int j) {
     return a[static_cast<std::size_t>(j) * ld + i];
 }
+template <class T>
+const T &at(const T *a, int ld, int i, int j) {
+    return a[static_cast<std::size_t>(j) * ld + i];
+}
 
 template <class T>
 T sum_of_squares(long n, const T *x) {
@@ -248,13 +252,13 @@ void zorvs_n5qnf(int n, const T *jac, const T *f, const T *newton, T delta, T *s
     T *grad = work, *c = work + n;
     for (int j = 0; j < n; ++j) {
         T s = 0;
-        for (int k = 0; k < n; ++k) s += at(const_cast<T *>(jac), n, k, j) * f[k];
+        for (int k = 0; k < n; ++k) s += at(jac, n, k, j) * f[k];
         grad[j] = s;
         g2 += s * s;
     }
     for (int k = 0; k < n; ++k) {
         T s = 0;
-        for (int j = 0; j < n; ++j) s += at(const_cast<T *>(jac), n, k, j) * grad[j];
+        for (int j = 0; j < n; ++j) s += at(jac, n, k, j) * grad[j];
         jg2 += s * s;
     }
     const T alpha = jg2 > 0 ? g2 / jg2 : T(0);
@@ -550,7 +554,7 @@ void zorvs_u5lsf(int k, const T *r, const T *qtr, const T *diag, T lambda, T *st
     T *a = work, *b = work + static_cast<std::size_t>(m) * k;
     const T root = std::sqrt(lambda);
     for (int j = 0; j < k; ++j) {
-        for (int i = 0; i < k; ++i) at(a, m, i, j) = at(const_cast<T *>(r), k, i, j);
+        for (int i = 0; i < k; ++i) at(a, m, i, j) = at(r, k, i, j);
         for (int i = 0; i < k; ++i) at(a, m, k + i, j) = i == j ? root * diag[j] : T(0);
     }
     for (int i = 0; i < k; ++i) b[i] = -qtr[i], b[k + i] = 0;
