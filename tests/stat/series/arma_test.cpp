@@ -1,7 +1,8 @@
 // Tests of ARMA estimation.  Method of moments against the moment equations
 // solved in 50 digits by mpmath; least squares against the best minimum of
 // the same backcast sum of squares that scipy finds, with R's CSS estimates
-// beside them (tests/data/stat/series/make_arma.py).  Then the outputs, the
+// beside them, and the covariance of the estimates against the reference's
+// own Jacobian (tests/data/stat/series/make_arma.py).  Then the outputs, the
 // keyword conflicts, bad series and starts, caller storage and the stop.
 #include <gtest/gtest.h>
 
@@ -81,12 +82,22 @@ TYPED_TEST(ArmaTwin, LeastSquaresReachTheMinimum) {
         int ar_lags[3] = {c.lags[0], c.lags[1], c.lags[2]};
         int *ma_lags = ar_lags + c.p;
         T ss = -1;
+        const int k = c.p + c.q + c.constant;
+        std::vector<T> cov(k * k);
         T *x = c.constant
                    ? arma<T>(c.n, z.data(), c.p, c.q, ZORVS_LEAST_SQUARES, ZORVS_BACKCASTING, c.length, 0.0,
-                             ZORVS_AR_LAGS, ar_lags, ZORVS_MA_LAGS, ma_lags, ZORVS_SS_RESIDUAL, &ss, 0)
+                             ZORVS_AR_LAGS, ar_lags, ZORVS_MA_LAGS, ma_lags, ZORVS_SS_RESIDUAL, &ss,
+                             ZORVS_PARAM_EST_COV_USER, cov.data(), 0)
                    : arma<T>(c.n, z.data(), c.p, c.q, ZORVS_LEAST_SQUARES, ZORVS_NO_CONSTANT, ZORVS_BACKCASTING,
-                             c.length, 0.0, ZORVS_AR_LAGS, ar_lags, ZORVS_SS_RESIDUAL, &ss, 0);
+                             c.length, 0.0, ZORVS_AR_LAGS, ar_lags, ZORVS_SS_RESIDUAL, &ss, ZORVS_PARAM_EST_COV_USER,
+                             cov.data(), 0);
         ASSERT_NE(x, nullptr);
+        // the covariance s^2 (J'J)^-1, against the reference's own Jacobian
+        for (int i = 0; i < k; ++i)
+            for (int j = 0; j < k; ++j)
+                EXPECT_NEAR(cov[i * k + j], c.cov[i * k + j],
+                            (single<T> ? 5e-2 : 1e-3) * std::sqrt(c.cov[i * k + i] * c.cov[j * k + j]))
+                    << i << "," << j;
         EXPECT_EQ(zorvs_n1rty(1), 0);
         EXPECT_LE(ss, c.ss * (1 + ss_rel));
         EXPECT_GE(ss, c.ss * (1 - ss_rel));

@@ -8,7 +8,8 @@ solved in 50-digit arithmetic with mpmath (Newton from tau = (sqrt(g0), 0,
 Least squares: the sum of squares of the backcast residuals, written out
 here on its own from its definition, minimised by scipy's least_squares
 (trust-region reflective and Levenberg-Marquardt, tolerances 1e-15) from
-the moments estimate and from perturbed starts; the best point is kept.
+the moments estimate and from perturbed starts; the best point is kept,
+with s^2 (J'J)^-1 there from a central-difference Jacobian.
 R's arima(method = "CSS") is reported beside it for information.
 
     /usr/bin/python3 make_arma.py > arma_ref.inc
@@ -189,14 +190,21 @@ for i, (name, p, q, constant, L, al, ml) in enumerate(ls_cases):
     start, _, _, _ = moments(z, p, q)
     est, ss = least_squares_fit(z, p, q, constant, L, al, ml, start)
     emit(f"ls_est_{i}", est)
+    # covariance s^2 (J'J)^-1 at the minimum, J by central differences
+    xs = np.array(est if constant else est[1:])
+    fun = lambda x: residuals(x, z, p, q, constant, L, al, ml)
+    jac = np.column_stack([(fun(xs + h * e) - fun(xs - h * e)) / (2 * h)
+                           for e, h in ((np.eye(len(xs))[j], 1e-6 * max(1.0, abs(xs[j]))) for j in range(len(xs)))])
+    m = len(fun(xs))
+    emit(f"ls_cov_{i}", (ss / (m - len(xs)) * np.linalg.inv(jac.T @ jac)).ravel())
     r = r_css(name, p, q, constant) if L == 0 and al == list(range(1, p + 1)) else None
     emit(f"ls_r_{i}", r if r else [0.0] * (p + q + 2))
     lags = ", ".join(str(v) for v in (al + ml + [0, 0, 0])[:3])
     rows.append(f'    {{"{name}", series_{name}, {len(z)}, {p}, {q}, {int(constant)}, {L}, {{{lags}}}, '
-                f"ls_est_{i}, {ss!r}, ls_r_{i}, {int(r is not None)}}},")
+                f"ls_est_{i}, {ss!r}, ls_r_{i}, {int(r is not None)}, ls_cov_{i}}},")
     print(f"// case {i} {name} ({p},{q}) L={L}: SS {ss!r}", file=sys.stderr)
 print("struct LeastSquaresCase { const char *name; const double *z; int n; int p; int q; int constant;"
-      " int length; int lags[3]; const double *est; double ss; const double *r_css; int has_r; };")
+      " int length; int lags[3]; const double *est; double ss; const double *r_css; int has_r; const double *cov; };")
 print("const LeastSquaresCase least_squares_cases[] = {")
 print("\n".join(rows))
 print("};")
