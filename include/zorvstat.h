@@ -460,6 +460,52 @@ float *zorvs_f_principal_components(int n_variables, float covariances[], ...);
 double *zorvs_d_principal_components(int n_variables, double covariances[], ...);
 /* @@end multivariate */
 
+/* ------------------------------------------------------------------------ */
+/* Time series                                                              */
+/* ------------------------------------------------------------------------ */
+/* @@section series */
+/* Differencing: the operators (1 - B^periods[k])^orders[k], applied from the
+ * last to the first.  Keywords: ZORVS_RETURN_USER (float w[]), ZORVS_ORDERS
+ * (int orders[]), ZORVS_NUM_LOST (int *), ZORVS_EXCLUDE_FIRST,
+ * ZORVS_SET_FIRST_TO_NAN.  The double twin takes double arrays. */
+float *zorvs_f_difference(int n_observations, float z[], int n_differences, int periods[], ...);
+double *zorvs_d_difference(int n_observations, double z[], int n_differences, int periods[], ...);
+/* ARMA(p, q) estimation by the method of moments (default) or by least
+ * squares with backcasting (ZORVS_LEAST_SQUARES).  The result holds the
+ * constant, the p autoregressive and the q moving-average parameters, the
+ * latter with Box and Jenkins' sign: z(t) = c + sum phi_i z(t - l_i) + a(t)
+ * - sum theta_j a(t - m_j).  Keywords: ZORVS_CONSTANT, ZORVS_NO_CONSTANT,
+ * ZORVS_METHOD_OF_MOMENTS, ZORVS_LEAST_SQUARES, ZORVS_INITIAL_ESTIMATES
+ * (float ar[], float ma[]), ZORVS_AR_LAGS (int []), ZORVS_MA_LAGS (int []),
+ * ZORVS_BACKCASTING (int length, double threshold), ZORVS_BACKCASTING_ADR
+ * (int, float *), ZORVS_CONVERGENCE_TOLERANCE (double) and _ADR (float *),
+ * ZORVS_RELATIVE_ERROR (double) and _ADR, ZORVS_MAX_ITERATIONS (int),
+ * ZORVS_MEAN_ESTIMATE (float *: NaN asks for the sample mean),
+ * ZORVS_RESIDUAL (float **) and _USER (n + length - largest AR lag values),
+ * ZORVS_PARAM_EST_COV (float **) and _USER (k x k, k parameters estimated),
+ * ZORVS_AUTOCOV (float **) and _USER (lags 0 to p + q + 1),
+ * ZORVS_SS_RESIDUAL (float *), ZORVS_RETURN_USER (float *constant, float
+ * ar[], float ma[]), ZORVS_ARMA_INFO (void **: a zorvs_arma_info the caller
+ * frees).  The double twin takes double arrays and pointers. */
+typedef struct zorvs_arma_info {
+    int p, q;                    /* orders */
+    int has_constant;            /* 1 if the constant was estimated */
+    int method;                  /* ZORVS_METHOD_OF_MOMENTS or ZORVS_LEAST_SQUARES */
+    int n_observations;          /* length of the series */
+    int *ar_lags, *ma_lags;      /* p and q lags */
+    double mean;                 /* mean of the series used by the estimate */
+    double constant;             /* c */
+    double *ar, *ma;             /* phi_1..phi_p, theta_1..theta_q */
+    double innovation_variance;  /* moments: sigma^2 of the equations; least squares: SS / (residuals - k) */
+    int n_last_observations;     /* the largest AR lag */
+    double *last_observations;   /* the last observations of the series, oldest first */
+    int n_last_residuals;        /* the largest MA lag (least squares), else 0 */
+    double *last_residuals;      /* the last residuals, oldest first */
+} zorvs_arma_info;
+float *zorvs_f_arma(int n_observations, float z[], int p, int q, ...);
+double *zorvs_d_arma(int n_observations, double z[], int p, int q, ...);
+/* @@end series */
+
 #ifdef __cplusplus
 }
 #endif

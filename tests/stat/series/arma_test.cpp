@@ -1,0 +1,465 @@
+// Tests of ARMA estimation.  Method of moments against the moment equations
+// solved in 50 digits by mpmath; least squares against the best minimum of
+// the same backcast sum of squares that scipy finds, with R's CSS estimates
+// beside them, and the covariance of the estimates against the reference's
+// own Jacobian (tests/data/stat/series/make_arma.py).  Then the outputs, the
+// keyword conflicts, bad series and starts, caller storage and the stop.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <algorithm>
+#include <cstdio>
+#include <random>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "frame/frame.hpp"
+#include "frame/services.h"
+#include "support/capture.hpp"
+#include "zorvstat.h"
+
+namespace {
+
+#include "data/stat/series/arma_ref.inc"
+
+template <class T>
+class ArmaTwin : public ::testing::Test {};
+using Reals = ::testing::Types<float, double>;
+TYPED_TEST_SUITE(ArmaTwin, Reals);
+
+template <class T, class... Args>
+T *arma(int n, T *z, int p, int q, Args... args) {
+    if constexpr (std::is_same_v<T, float>)
+        return zorvs_f_arma(n, z, p, q, args...);
+    else
+        return zorvs_d_arma(n, z, p, q, args...);
+}
+
+template <class T>
+constexpr bool single = std::is_same_v<T, float>;
+
+TYPED_TEST(ArmaTwin, MomentsSolveTheMomentEquations) {
+    using T = TypeParam;
+    zorvs_test::Quiet q;
+    // double: the bar of the estimates; float: the rounding of sums of a few
+    // hundred single-precision products
+    const double rel = single<T> ? 2e-3 : 1e-6;
+    for (const MomentsCase &c : moments_cases) {
+        SCOPED_TRACE(std::string(c.name) + " p=" + std::to_string(c.p) + " q=" + std::to_string(c.q));
+        std::vector<T> z(c.z, c.z + c.n), acv(c.p + c.q + 2, -1);
+        T mean = std::numeric_limits<T>::quiet_NaN();
+        T *x = arma<T>(c.n, z.data(), c.p, c.q, ZORVS_AUTOCOV_USER, acv.data(), ZORVS_MEAN_ESTIMATE, &mean, 0);
+        ASSERT_NE(x, nullptr);
+        EXPECT_EQ(zorvs_n1rty(1), c.solved ? 0 : 3);
+        if (!c.solved) {
+            EXPECT_EQ(zorvs_error_code(), 11235);
+        }
+        EXPECT_NEAR(mean, c.mean, rel * std::fabs(c.mean));
+        for (int k = 0; k < c.p + c.q + 2; ++k) EXPECT_NEAR(acv[k], c.acv[k], rel * c.acv[0]) << "lag " << k;
+        const int checked = c.solved ? c.p + c.q + 1 : c.p + 1;
+        double worst = 0;
+        for (int i = 0; i < checked; ++i) {
+            EXPECT_NEAR(x[i], c.est[i], rel * std::fmax(std::fabs(c.est[i]), single<T> ? 1.0 : 1e-6)) << i;
+            if (c.est[i] != 0) worst = std::fmax(worst, std::fabs(x[i] / c.est[i] - 1));
+        }
+        if (!single<T>) std::printf("    %-10s p=%d q=%d  largest relative difference %.1e\n", c.name, c.p, c.q, worst);
+        std::free(x);
+    }
+}
+
+// The sum of squares at the library's estimate is no more than 1e-8 (float:
+// 1e-4) above the best minimum scipy finds; the estimates agree to 1e-4.
+TYPED_TEST(ArmaTwin, LeastSquaresReachTheMinimum) {
+    using T = TypeParam;
+    zorvs_test::Quiet q;
+    const double ss_rel = single<T> ? 1e-4 : 1e-8, par = single<T> ? 2e-2 : 1e-4;
+    for (const LeastSquaresCase &c : least_squares_cases) {
+        const std::string label = std::string(c.name) + " p=" + std::to_string(c.p) + " q=" + std::to_string(c.q) +
+                                  " L=" + std::to_string(c.length);
+        SCOPED_TRACE(label);
+        std::vector<T> z(c.z, c.z + c.n);
+        int ar_lags[3] = {c.lags[0], c.lags[1], c.lags[2]};
+        int *ma_lags = ar_lags + c.p;
+        T ss = -1;
+        const int k = c.p + c.q + c.constant;
+        std::vector<T> cov(k * k);
+        T *x = c.constant
+                   ? arma<T>(c.n, z.data(), c.p, c.q, ZORVS_LEAST_SQUARES, ZORVS_BACKCASTING, c.length, 0.0,
+                             ZORVS_AR_LAGS, ar_lags, ZORVS_MA_LAGS, ma_lags, ZORVS_SS_RESIDUAL, &ss,
+                             ZORVS_PARAM_EST_COV_USER, cov.data(), 0)
+                   : arma<T>(c.n, z.data(), c.p, c.q, ZORVS_LEAST_SQUARES, ZORVS_NO_CONSTANT, ZORVS_BACKCASTING,
+                             c.length, 0.0, ZORVS_AR_LAGS, ar_lags, ZORVS_SS_RESIDUAL, &ss, ZORVS_PARAM_EST_COV_USER,
+                             cov.data(), 0);
+        ASSERT_NE(x, nullptr);
+        // the covariance s^2 (J'J)^-1, against the reference's own Jacobian
+        for (int i = 0; i < k; ++i)
+            for (int j = 0; j < k; ++j)
+                EXPECT_NEAR(cov[i * k + j], c.cov[i * k + j],
+                            (single<T> ? 5e-2 : 1e-3) * std::sqrt(c.cov[i * k + i] * c.cov[j * k + j]))
+                    << i << "," << j;
+        EXPECT_EQ(zorvs_n1rty(1), 0);
+        EXPECT_LE(ss, c.ss * (1 + ss_rel));
+        EXPECT_GE(ss, c.ss * (1 - ss_rel));
+        for (int i = 0; i < c.p + c.q + 1; ++i)
+            EXPECT_NEAR(x[i], c.est[i], par * std::fmax(1.0, std::fabs(c.est[i]))) << i;
+        if (!single<T>) {
+            // beside R's arima(method = "CSS"), for information
+            std::printf("    %-10s p=%d q=%d L=%2d  SS - ref %+.2e (rel)", c.name, c.p, c.q, c.length,
+                        (static_cast<double>(ss) - c.ss) / c.ss);
+            if (c.has_r) {
+                double dmax = 0;
+                for (int i = 0; i < c.p + c.q + 1; ++i) dmax = std::fmax(dmax, std::fabs(x[i] - c.r_css[i]));
+                std::printf("  R CSS: SS - R %+.2e (rel), max |param - R| %.1e", (ss - c.r_css[c.p + c.q + 1]) /
+                            c.r_css[c.p + c.q + 1], dmax);
+            }
+            std::printf("\n");
+        }
+        std::free(x);
+    }
+}
+
+// Residuals, covariance, record and caller storage agree with each other.
+TYPED_TEST(ArmaTwin, OutputsOfTheLeastSquaresFit) {
+    using T = TypeParam;
+    const LeastSquaresCase &c = least_squares_cases[0];  // lh ARMA(1,1), 10 backcasts
+    std::vector<T> z(c.z, c.z + c.n);
+    T *resid = nullptr, *cov = nullptr, *acv = nullptr, ss = 0, constant = 0, ar = 0, ma = 0;
+    void *info = nullptr;
+    T *x = arma<T>(c.n, z.data(), 1, 1, ZORVS_LEAST_SQUARES, ZORVS_RESIDUAL, &resid, ZORVS_PARAM_EST_COV, &cov,
+                   ZORVS_AUTOCOV, &acv, ZORVS_SS_RESIDUAL, &ss, ZORVS_ARMA_INFO, &info, ZORVS_RETURN_USER, &constant,
+                   &ar, &ma, 0);
+    ASSERT_EQ(x, &constant);
+    ASSERT_NE(resid, nullptr);
+    ASSERT_NE(cov, nullptr);
+    ASSERT_NE(acv, nullptr);
+    ASSERT_NE(info, nullptr);
+    const int m = c.n + 10 - 1;
+    T sum = 0;
+    for (int i = 0; i < m; ++i) sum += resid[i] * resid[i];
+    EXPECT_NEAR(sum, ss, 1e-5 * ss);
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_GT(cov[i * 3 + i], 0);
+        for (int j = 0; j < 3; ++j) EXPECT_NEAR(cov[i * 3 + j], cov[j * 3 + i], 1e-4 * std::fabs(cov[i * 3 + j]));
+    }
+    // standard error of phi about sqrt((1 - phi^2) / n) for a near-AR(1) fit
+    EXPECT_GT(std::sqrt(cov[4]), 0.05);
+    EXPECT_LT(std::sqrt(cov[4]), 0.5);
+    const auto *rec = static_cast<zorvs_arma_info *>(info);
+    EXPECT_EQ(rec->p, 1);
+    EXPECT_EQ(rec->q, 1);
+    EXPECT_EQ(rec->method, ZORVS_LEAST_SQUARES);
+    EXPECT_EQ(rec->ar[0], static_cast<double>(ar));
+    EXPECT_EQ(rec->ma[0], static_cast<double>(ma));
+    EXPECT_EQ(rec->constant, static_cast<double>(constant));
+    EXPECT_EQ(rec->ar_lags[0], 1);
+    EXPECT_EQ(rec->last_observations[0], static_cast<double>(z[c.n - 1]));
+    EXPECT_EQ(rec->last_residuals[0], static_cast<double>(resid[m - 1]));
+    EXPECT_NEAR(rec->innovation_variance, ss / (m - 3), 1e-5 * ss);
+    std::free(resid);
+    std::free(cov);
+    std::free(acv);
+    std::free(info);
+    // a mean given is used, not replaced: the autocovariances are about it
+    T given = 2, acv2[3];
+    T *g = arma<T>(c.n, z.data(), 1, 0, ZORVS_MEAN_ESTIMATE, &given, ZORVS_AUTOCOV_USER, acv2, 0);
+    ASSERT_NE(g, nullptr);
+    EXPECT_EQ(given, 2);
+    double c0 = 0;
+    for (int t = 0; t < c.n; ++t) c0 += (c.z[t] - 2) * (c.z[t] - 2) / c.n;
+    EXPECT_NEAR(acv2[0], c0, 1e-5 * c0);
+    EXPECT_NEAR(g[0], 2 * (1 - g[1]), 1e-6);
+    std::free(g);
+    // p = 0, q = 1: two reals; the moments record has no residuals
+    info = nullptr;
+    zorvs_test::Quiet quiet;  // the MA(1) moment equations of lh have no solution: a warning
+    T *y = arma<T>(c.n, z.data(), 0, 1, ZORVS_ARMA_INFO, &info, 0);
+    ASSERT_NE(y, nullptr);
+    ASSERT_NE(info, nullptr);
+    EXPECT_EQ(static_cast<zorvs_arma_info *>(info)->n_last_residuals, 0);
+    std::free(y);
+    std::free(info);
+}
+
+// Starts outside the stationary or invertible region: the search still ends
+// at the minimum, or refuses a start whose residuals overflow.
+TYPED_TEST(ArmaTwin, StartsOutsideTheRegion) {
+    using T = TypeParam;
+    zorvs_test::Quiet quiet;
+    const LeastSquaresCase &c = least_squares_cases[1];  // lh AR(1), CSS
+    std::vector<T> z(c.z, c.z + c.n);
+    T ar = 1.5, ma = 0, ss = 0;
+    T *x = arma<T>(c.n, z.data(), 1, 0, ZORVS_LEAST_SQUARES, ZORVS_INITIAL_ESTIMATES, &ar, &ma, ZORVS_BACKCASTING,
+                   0, 0.0, ZORVS_SS_RESIDUAL, &ss, 0);
+    ASSERT_NE(x, nullptr);
+    EXPECT_NEAR(x[1], c.est[1], single<T> ? 1e-2 : 1e-4);
+    EXPECT_LE(ss, c.ss * (1 + (single<T> ? 1e-4 : 1e-8)));
+    std::free(x);
+    // an MA parameter of 1e4 on 400 values overflows every residual
+    const LeastSquaresCase &m = least_squares_cases[7];
+    std::vector<T> w(m.z, m.z + m.n);
+    T big = 1e4;
+    EXPECT_EQ(arma<T>(m.n, w.data(), 0, 1, ZORVS_LEAST_SQUARES, ZORVS_INITIAL_ESTIMATES, &ar, &big, 0), nullptr);
+    EXPECT_EQ(zorvs_error_code(), 11237);
+}
+
+// Refusals: (type, code) and parameters; nothing written through the outputs.
+TYPED_TEST(ArmaTwin, BadInput) {
+    using T = TypeParam;
+    zorvs_test::Quiet quiet;
+    std::vector<T> z(series_lh, series_lh + 48);
+    const int n = static_cast<int>(z.size());
+    T ar = 0.5, ma = 0.1, ss = -7;
+    T *resid = nullptr;
+    struct Row {
+        const char *what;
+        int code;
+        const char *l1;
+        T *(*call)(std::vector<T> &, T &, T *&, T &, T &);
+    };
+    using V = std::vector<T>;
+    const Row rows[] = {
+        {"MoM with residuals", 11117, "ZORVS_METHOD_OF_MOMENTS and argument(s) used exclusively with ZORVS_LEAST_SQUARES",
+         [](V &z, T &ss, T *&r, T &, T &) {
+             return arma<T>(48, z.data(), 1, 0, ZORVS_METHOD_OF_MOMENTS, ZORVS_RESIDUAL, &r, ZORVS_SS_RESIDUAL, &ss, 0);
+         }},
+        {"default method with backcasting", 11117,
+         "ZORVS_METHOD_OF_MOMENTS and argument(s) used exclusively with ZORVS_LEAST_SQUARES",
+         [](V &z, T &, T *&, T &, T &) { return arma<T>(48, z.data(), 1, 0, ZORVS_BACKCASTING, 5, 0.0, 0); }},
+        {"MoM and constant", 11117, "ZORVS_METHOD_OF_MOMENTS and argument(s) used exclusively with ZORVS_LEAST_SQUARES",
+         [](V &z, T &, T *&, T &, T &) { return arma<T>(48, z.data(), 1, 0, ZORVS_METHOD_OF_MOMENTS, ZORVS_CONSTANT, 0); }},
+        {"both constants", 11117, "ZORVS_NO_CONSTANT and ZORVS_CONSTANT",
+         [](V &z, T &, T *&, T &, T &) {
+             return arma<T>(48, z.data(), 1, 0, ZORVS_LEAST_SQUARES, ZORVS_CONSTANT, ZORVS_NO_CONSTANT, 0);
+         }},
+        {"both methods", 11117, "ZORVS_METHOD_OF_MOMENTS and ZORVS_LEAST_SQUARES",
+         [](V &z, T &, T *&, T &, T &) {
+             return arma<T>(48, z.data(), 1, 0, ZORVS_LEAST_SQUARES, ZORVS_METHOD_OF_MOMENTS, 0);
+         }},
+        {"MoM with starting values", 11117, "ZORVS_METHOD_OF_MOMENTS and ZORVS_INITIAL_ESTIMATES",
+         [](V &z, T &, T *&, T &a, T &m) { return arma<T>(48, z.data(), 1, 1, ZORVS_INITIAL_ESTIMATES, &a, &m, 0); }},
+        {"p negative", 11257, nullptr, [](V &z, T &, T *&, T &, T &) { return arma<T>(48, z.data(), -1, 1, 0); }},
+        {"p and q 0", 11257, nullptr, [](V &z, T &, T *&, T &, T &) { return arma<T>(48, z.data(), 0, 0, 0); }},
+        {"one observation", 11083, nullptr, [](V &z, T &, T *&, T &, T &) { return arma<T>(1, z.data(), 1, 0, 0); }},
+        {"too many lags", 11226, nullptr, [](V &z, T &, T *&, T &, T &) { return arma<T>(5, z.data(), 2, 2, 0); }},
+        {"NaN", 11227, nullptr,
+         [](V &z, T &, T *&, T &, T &) {
+             V w(z);
+             w[17] = std::numeric_limits<T>::quiet_NaN();
+             return arma<T>(48, w.data(), 1, 0, 0);
+         }},
+        {"infinity", 11238, nullptr,
+         [](V &z, T &, T *&, T &, T &) {
+             V w(z);
+             w[5] = -std::numeric_limits<T>::infinity();
+             return arma<T>(48, w.data(), 1, 0, 0);
+         }},
+        {"autocovariances overflow", 11239, nullptr,
+         [](V &, T &, T *&, T &, T &) {
+             V w(20);
+             for (int i = 0; i < 20; ++i) w[i] = (i % 3 ? 2 : -2) * std::sqrt(std::numeric_limits<T>::max());
+             return arma<T>(20, w.data(), 1, 0, ZORVS_LEAST_SQUARES, 0);
+         }},
+        {"lag beyond the series", 11233, "ZORVS_AR_LAGS",
+         [](V &z, T &, T *&, T &, T &) {
+             int lag = 48;
+             return arma<T>(48, z.data(), 1, 0, ZORVS_LEAST_SQUARES, ZORVS_AR_LAGS, &lag, 0);
+         }},
+        {"constant series, moments", 11232, nullptr,
+         [](V &, T &, T *&, T &, T &) {
+             V w(30, static_cast<T>(2.5));
+             return arma<T>(30, w.data(), 1, 1, 0);
+         }},
+        {"constant series, least squares", 11230, nullptr,
+         [](V &, T &, T *&, T &a, T &m) {
+             V w(30, static_cast<T>(2.5));
+             return arma<T>(30, w.data(), 1, 1, ZORVS_LEAST_SQUARES, ZORVS_INITIAL_ESTIMATES, &a, &m, 0);
+         }},
+        {"unknown keyword", 11001, nullptr,
+         [](V &z, T &ss, T *&, T &, T &) { return arma<T>(48, z.data(), 1, 0, ZORVS_SS_RESIDUAL, &ss, 777, 0); }},
+    };
+    for (const Row &r : rows) {
+        SCOPED_TRACE(r.what);
+        ss = -7;
+        resid = nullptr;
+        EXPECT_EQ(r.call(z, ss, resid, ar, ma), nullptr);
+        EXPECT_EQ(zorvs_n1rty(1), 5);
+        EXPECT_EQ(zorvs_error_code(), r.code);
+        if (r.l1) {
+            EXPECT_STREQ(zorvs_error_param.l[1], r.l1);
+        }
+        EXPECT_EQ(ss, -7);
+        EXPECT_EQ(resid, nullptr);
+    }
+    EXPECT_EQ(zorvs_error_param.i[1], 777);
+    EXPECT_EQ(zorvs_error_param.i[2], 7);  // four fixed arguments, the keyword, its pointer, then 777
+    (void)n;
+}
+
+// Warnings and fatal errors of the estimators, and keyword forms that must
+// agree: the _ADR twins, the backcast threshold.
+TYPED_TEST(ArmaTwin, EstimatorMessagesAndKeywordForms) {
+    using T = TypeParam;
+    zorvs_test::Quiet quiet;
+    // lag-1 autocovariance exactly 0: the ARMA(1,1) Yule-Walker equation is 0 = c_2
+    std::vector<T> cycle;
+    for (int i = 0; i < 40; ++i) cycle.push_back(static_cast<T>(i % 4 == 0 ? 1 : i % 4 == 2 ? -1 : 0));
+    EXPECT_EQ(arma<T>(40, cycle.data(), 1, 1, 0), nullptr);
+    EXPECT_EQ(zorvs_error_code(), 11234);
+    EXPECT_EQ(zorvs_n1rty(1), 4);
+    // one iteration is not enough: a warning, and the last point
+    const LeastSquaresCase &c = least_squares_cases[4];  // sunspot ARMA(2,1)
+    std::vector<T> z(c.z, c.z + c.n);
+    T ss1 = 0;
+    T *x = arma<T>(c.n, z.data(), 2, 1, ZORVS_LEAST_SQUARES, ZORVS_MAX_ITERATIONS, 1, ZORVS_SS_RESIDUAL, &ss1, 0);
+    ASSERT_NE(x, nullptr);
+    EXPECT_EQ(zorvs_error_code(), 11236);
+    EXPECT_EQ(zorvs_n1rty(1), 3);
+    std::free(x);
+    // the forms by pointer read the caller's real of the routine's type
+    T ss2 = 0, ss3 = 0, thr = 0, tol = static_cast<T>(1e-6), rel = static_cast<T>(1e-10);
+    T *a = arma<T>(c.n, z.data(), 2, 1, ZORVS_LEAST_SQUARES, ZORVS_BACKCASTING, 4, 0.0, ZORVS_CONVERGENCE_TOLERANCE,
+                   static_cast<double>(tol), ZORVS_RELATIVE_ERROR, static_cast<double>(rel), ZORVS_SS_RESIDUAL, &ss2, 0);
+    T *b = arma<T>(c.n, z.data(), 2, 1, ZORVS_LEAST_SQUARES, ZORVS_BACKCASTING_ADR, 4, &thr,
+                   ZORVS_CONVERGENCE_TOLERANCE_ADR, &tol, ZORVS_RELATIVE_ERROR_ADR, &rel, ZORVS_SS_RESIDUAL, &ss3, 0);
+    ASSERT_NE(a, nullptr);
+    ASSERT_NE(b, nullptr);
+    EXPECT_EQ(ss2, ss3);
+    for (int i = 0; i < 4; ++i) EXPECT_EQ(a[i], b[i]);
+    std::free(a);
+    std::free(b);
+    // a threshold that ends backcasting at once: the backcasts behind the
+    // first are the process mean, so the sum differs from the full one
+    T *r1 = nullptr, *r2 = nullptr;
+    T start_ar[2] = {1.4f, -0.7f}, start_ma = 0.1f;
+    a = arma<T>(c.n, z.data(), 2, 1, ZORVS_LEAST_SQUARES, ZORVS_INITIAL_ESTIMATES, start_ar, &start_ma,
+                ZORVS_BACKCASTING, 6, 1.0e30, ZORVS_MAX_ITERATIONS, 1, ZORVS_RESIDUAL, &r1, 0);
+    b = arma<T>(c.n, z.data(), 2, 1, ZORVS_LEAST_SQUARES, ZORVS_INITIAL_ESTIMATES, start_ar, &start_ma,
+                ZORVS_BACKCASTING, 6, 0.0, ZORVS_MAX_ITERATIONS, 1, ZORVS_RESIDUAL, &r2, 0);
+    ASSERT_NE(r1, nullptr);
+    ASSERT_NE(r2, nullptr);
+    EXPECT_NE(r1[0], r2[0]);
+    EXPECT_EQ(r1[c.n + 6 - 2 - 1] == r2[c.n + 6 - 2 - 1], false);
+    for (T *v : {a, b, r1, r2}) std::free(v);
+    // many parameters: no fixed bound on the orders
+    const LeastSquaresCase &big = least_squares_cases[6];
+    std::vector<T> y(big.z, big.z + big.n);
+    x = arma<T>(big.n, y.data(), 3, 17, ZORVS_LEAST_SQUARES, ZORVS_MAX_ITERATIONS, 3, 0);
+    ASSERT_NE(x, nullptr);
+    for (int i = 0; i < 21; ++i) EXPECT_TRUE(std::isfinite(x[i])) << i;
+    std::free(x);
+}
+
+// Every allocation of a full least-squares call made to fail in turn:
+// a null result, (5, 200..202), nothing handed over (the sanitizer build
+// checks that nothing leaks).
+TYPED_TEST(ArmaTwin, AllocationFailures) {
+    using T = TypeParam;
+    zorvs_test::Quiet quiet;
+    zorvs_test::CodeLog log;
+    const LeastSquaresCase &c = least_squares_cases[0];
+    std::vector<T> z(c.z, c.z + c.n);
+    bool succeeded = false;
+    for (int k = 1; k < 40 && !succeeded; ++k) {
+        T *resid = nullptr, *cov = nullptr, *acv = nullptr;
+        void *info = nullptr;
+        log.clear();
+        zorvs::allocation_failure_countdown = k;
+        T *x = arma<T>(c.n, z.data(), 1, 1, ZORVS_LEAST_SQUARES, ZORVS_RESIDUAL, &resid, ZORVS_PARAM_EST_COV, &cov,
+                       ZORVS_AUTOCOV, &acv, ZORVS_ARMA_INFO, &info, 0);
+        zorvs::allocation_failure_countdown = 0;
+        succeeded = x != nullptr;
+        if (!succeeded) {
+            EXPECT_TRUE(log.has(5, 200) || log.has(5, 201) || log.has(5, 202)) << k;
+            EXPECT_EQ(resid, nullptr);
+            EXPECT_EQ(cov, nullptr);
+            EXPECT_EQ(acv, nullptr);
+            EXPECT_EQ(info, nullptr);
+        }
+        for (void *v : {static_cast<void *>(x), static_cast<void *>(resid), static_cast<void *>(cov),
+                        static_cast<void *>(acv), info})
+            std::free(v);
+    }
+    EXPECT_TRUE(succeeded);
+}
+
+TEST(ArmaStop, TerminalErrorStopsTheProcess) {
+    double z[4] = {1, 2, 3, 4};
+    EXPECT_EXIT(zorvs_d_arma(4, z, 0, 0, 0), ::testing::ExitedWithCode(5), "zorvs_d_arma");
+}
+
+}  // namespace
+
+namespace {
+
+// Random calls of both routines as a careless caller makes them: awkward
+// series (infinite, huge, subnormal, constant stretches), orders, lags,
+// backcasts and tolerances.  What must hold: the call returns, a missing
+// result comes with a message of type 4 or above, and a result that is not
+// finite comes with a message of type 3 or above.
+TEST(SeriesRandomCalls, AnyArgumentsGiveAResultOrAMessage) {
+    zorvs_test::Quiet quiet;
+    zorvs_test::CodeLog log;
+    std::mt19937_64 bits(25);
+    auto pick = [&](int n) { return static_cast<int>(bits() % static_cast<unsigned>(n)); };
+    auto unit = [&] { return static_cast<double>(bits() >> 11) * 0x1p-53; };
+    static const double awkward[] = {INFINITY, -INFINITY, 0.0, 1e-310, 1e300, -1e300, 1e38, 3e9, 1.0};
+    auto highest = [&] {
+        int t = 0;
+        for (const auto &e : log.entries()) t = std::max(t, e.first);
+        return t;
+    };
+    for (int call = 0; call < 3000; ++call) {
+        log.clear();
+        const int n = pick(4) == 0 ? pick(6) : 5 + pick(120);
+        double z[130];
+        for (int i = 0; i < 130; ++i) z[i] = pick(40) == 0 ? awkward[pick(9)] : (pick(8) == 0 ? 2.0 : unit() * 10);
+        int p = pick(4), q = pick(4), lags[8];
+        if (pick(10) == 0) p = -1;
+        for (int &l : lags) l = pick(6) == 0 ? pick(200) - 10 : 1 + pick(12);
+        const int length = pick(5) == 0 ? pick(30) - 3 : 10;
+        const double tol = pick(3) == 0 ? awkward[pick(9)] : 1e-8, thr = pick(3) == 0 ? unit() : 0.0;
+        SCOPED_TRACE(::testing::Message() << "call " << call << ": n " << n << ", p " << p << ", q " << q);
+        double *x = nullptr;
+        int k = p + q + 1;
+        switch (pick(4)) {
+            case 0: x = zorvs_d_arma(n, z, p, q, 0); break;
+            case 1:
+                x = zorvs_d_arma(n, z, p, q, ZORVS_LEAST_SQUARES, ZORVS_AR_LAGS, lags, ZORVS_MA_LAGS, lags + 4,
+                                 ZORVS_BACKCASTING, length, thr, ZORVS_CONVERGENCE_TOLERANCE, tol, ZORVS_MAX_ITERATIONS,
+                                 20, 0);
+                break;
+            case 2: {
+                double ar[4] = {unit() * 4 - 2, 0.1, 0.1, 0.1}, ma[4] = {unit() * 4 - 2, 0, 0, 0};
+                x = zorvs_d_arma(n, z, p, q, ZORVS_LEAST_SQUARES, ZORVS_INITIAL_ESTIMATES, ar, ma, ZORVS_NO_CONSTANT,
+                                 ZORVS_MAX_ITERATIONS, 20, 0);
+                break;
+            }
+            default: {
+                int periods[2] = {lags[0], lags[1]}, orders[2] = {pick(4) - 1, pick(3)};
+                k = n > 0 && n <= 130 ? n : 0;
+                x = zorvs_d_difference(n, z, 2, periods, ZORVS_ORDERS, orders, 0);
+                if (x) {
+                    EXPECT_LT(highest(), 4);
+                    std::free(x);
+                } else {
+                    EXPECT_GE(highest(), 4) << "difference: no result and no error";
+                }
+                continue;
+            }
+        }
+        if (!x) {
+            EXPECT_GE(highest(), 4) << "arma: no result and no error";
+            continue;
+        }
+        for (int i = 0; i < k; ++i)
+            if (!std::isfinite(x[i])) {
+                EXPECT_GE(highest(), 3) << "arma[" << i << "] = " << x[i] << " with no message";
+                break;
+            }
+        std::free(x);
+        quiet.errors.take();
+    }
+}
+
+}  // namespace

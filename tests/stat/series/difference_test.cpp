@@ -1,0 +1,200 @@
+// Tests of differencing: R's diff() on lh, lynx, AirPassengers and co2
+// (tests/data/stat/series/make_difference.R), exact in double and within
+// the rounding of the single-precision data in float; the lost head as NaN
+// or excluded; orders of 0; lost counts beyond the series; the checks with
+// their parameters; caller storage; the stop.
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cmath>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "frame/frame.hpp"
+#include "frame/services.h"
+#include "support/capture.hpp"
+#include "zorvstat.h"
+
+namespace {
+
+#include "data/stat/series/difference_ref.inc"
+
+template <class T>
+class DifferenceTwin : public ::testing::Test {};
+using Reals = ::testing::Types<float, double>;
+TYPED_TEST_SUITE(DifferenceTwin, Reals);
+
+template <class T, class... Args>
+T *difference(int n, T *z, int k, int *periods, Args... args) {
+    if constexpr (std::is_same_v<T, float>)
+        return zorvs_f_difference(n, z, k, periods, args...);
+    else
+        return zorvs_d_difference(n, z, k, periods, args...);
+}
+
+TYPED_TEST(DifferenceTwin, AgreesWithR) {
+    using T = TypeParam;
+    const double eps = std::is_same_v<T, float> ? 0x1p-23 : 0.0;  // double: exact
+    for (const DiffCase &c : diff_cases) {
+        SCOPED_TRACE(c.name);
+        std::vector<T> z(c.z, c.z + c.n);
+        double zmax = 0;
+        int total_order = 0;
+        for (double v : z) zmax = std::fmax(zmax, std::fabs(v));
+        for (int k = 0; k < c.k; ++k) total_order += c.orders[k];
+        const double tol = 4 * eps * std::ldexp(zmax, total_order);
+        int periods[2] = {c.periods[0], c.periods[1]}, orders[2] = {c.orders[0], c.orders[1]};
+        int lost = -1;
+        // default: the lost head stays in place as NaN
+        T *w = difference<T>(c.n, z.data(), c.k, periods, ZORVS_ORDERS, orders, ZORVS_NUM_LOST, &lost, 0);
+        ASSERT_NE(w, nullptr);
+        EXPECT_EQ(lost, c.n - c.kept);
+        for (int i = 0; i < lost; ++i) EXPECT_TRUE(std::isnan(w[i])) << i;
+        for (int i = 0; i < c.kept; ++i) EXPECT_NEAR(w[lost + i], c.want[i], tol) << i;
+        std::free(w);
+        // excluded head, in place on the series itself
+        T *v = difference<T>(c.n, z.data(), c.k, periods, ZORVS_ORDERS, orders, ZORVS_EXCLUDE_FIRST,
+                             ZORVS_RETURN_USER, z.data(), 0);
+        ASSERT_EQ(v, z.data());
+        for (int i = 0; i < c.kept; ++i) EXPECT_NEAR(z[i], c.want[i], tol) << i;
+        for (int i = c.kept; i < c.n; ++i) EXPECT_TRUE(std::isnan(z[i])) << i;
+    }
+}
+
+// Cases worked by hand on z = 1, 4, 9, 16, 25, 36 (squares).
+TYPED_TEST(DifferenceTwin, HandCases) {
+    using T = TypeParam;
+    const T nan = std::numeric_limits<T>::quiet_NaN();
+    struct Row {
+        int k;
+        int periods[3];
+        int orders[3];  // -9: ZORVS_ORDERS not given
+        bool exclude;
+        int lost;
+        T want[6];
+    } rows[] = {
+        {1, {1}, {-9}, false, 1, {nan, 3, 5, 7, 9, 11}},
+        {1, {1}, {2}, true, 2, {2, 2, 2, 2, nan, nan}},
+        {1, {1}, {3}, false, 3, {nan, nan, nan, 0, 0, 0}},
+        {2, {1, 2}, {0, 1}, false, 2, {nan, nan, 8, 12, 16, 20}},
+        {1, {1}, {0}, false, 0, {1, 4, 9, 16, 25, 36}},
+        {2, {4, 3}, {1, 1}, true, 7, {nan, nan, nan, nan, nan, nan}},
+        {3, {6, 1, 1}, {1, 1, 1}, false, 8, {nan, nan, nan, nan, nan, nan}},
+        {2, {INT_MAX, 2}, {3, 1}, false, INT_MAX, {nan, nan, nan, nan, nan, nan}},
+    };
+    for (const Row &r : rows) {
+        std::vector<T> z{1, 4, 9, 16, 25, 36};
+        int periods[3], orders[3], lost = -1;
+        std::copy(r.periods, r.periods + 3, periods);
+        std::copy(r.orders, r.orders + 3, orders);
+        T *w = r.orders[0] == -9
+                   ? difference<T>(6, z.data(), r.k, periods, ZORVS_NUM_LOST, &lost, 0)
+                   : difference<T>(6, z.data(), r.k, periods, ZORVS_ORDERS, orders, ZORVS_NUM_LOST, &lost,
+                                   r.exclude ? ZORVS_EXCLUDE_FIRST : ZORVS_SET_FIRST_TO_NAN, 0);
+        ASSERT_NE(w, nullptr);
+        EXPECT_EQ(lost, r.lost);
+        for (int i = 0; i < 6; ++i) {
+            if (std::isnan(r.want[i]))
+                EXPECT_TRUE(std::isnan(w[i])) << r.lost << " cell " << i;
+            else
+                EXPECT_EQ(w[i], r.want[i]) << r.lost << " cell " << i;
+        }
+        EXPECT_EQ(z[5], 36);  // the series is not written
+        std::free(w);
+    }
+    // the last of the two head keywords holds
+    std::vector<T> z{1, 4, 9};
+    int one = 1;
+    T *w = difference<T>(3, z.data(), 1, &one, ZORVS_EXCLUDE_FIRST, ZORVS_SET_FIRST_TO_NAN, 0);
+    ASSERT_NE(w, nullptr);
+    EXPECT_TRUE(std::isnan(w[0]));
+    EXPECT_EQ(w[2], 5);
+    std::free(w);
+}
+
+// Errors, with stops off: (type, code), parameters, null or the caller's pointer.
+TYPED_TEST(DifferenceTwin, BadInput) {
+    using T = TypeParam;
+    zorvs_test::Quiet q;
+    zorvs_test::CodeLog log;
+    const T nan = std::numeric_limits<T>::quiet_NaN();
+    struct Row {
+        int n, k;
+        int periods[2], orders[2];
+        int nan_at;  // position of a NaN in z, or -1
+        int type, code, i1, i2;
+    } rows[] = {
+        {0, 1, {1, 1}, {1, 1}, -1, 5, 603, 1, 0},
+        {5, 0, {1, 1}, {1, 1}, -1, 5, 603, 1, 0},
+        {5, 2, {1, 0}, {1, 1}, -1, 4, 20210, 1, 0},
+        {5, 2, {-3, 1}, {1, 1}, -1, 4, 20210, 0, -3},
+        {5, 2, {1, 1}, {1, -1}, -1, 4, 20211, 1, -1},
+        {5, 1, {1, 1}, {1, 1}, 3, 4, 20212, 3, 0},
+        {5, 1, {1, 1}, {1, 1}, 0, 4, 20212, 0, 0},
+    };
+    for (const Row &r : rows) {
+        SCOPED_TRACE(r.code);
+        std::vector<T> z{1, 2, 4, 8, 16};
+        if (r.nan_at >= 0) z[r.nan_at] = nan;
+        int periods[2] = {r.periods[0], r.periods[1]}, orders[2] = {r.orders[0], r.orders[1]};
+        int lost = -7;
+        log.clear();
+        EXPECT_EQ(difference<T>(r.n, z.data(), r.k, periods, ZORVS_ORDERS, orders, ZORVS_NUM_LOST, &lost, 0),
+                  nullptr);
+        EXPECT_EQ(zorvs_n1rty(1), r.type);
+        EXPECT_EQ(zorvs_error_code(), r.code);
+        if (r.code != 603) {
+            EXPECT_EQ(zorvs_error_param.i[1], r.i1);
+            if (r.code != 20212) {
+                EXPECT_EQ(zorvs_error_param.i[2], r.i2);
+            }
+        }
+        EXPECT_EQ(lost, -7);  // nothing written after a fatal error
+    }
+    // the periods and the orders are all checked before the worker ends
+    {
+        std::vector<T> z{1, 2, 4};
+        int periods[2] = {1, 0}, orders[2] = {-1, 1};
+        EXPECT_EQ(difference<T>(3, z.data(), 2, periods, ZORVS_ORDERS, orders, 0), nullptr);
+        EXPECT_EQ(zorvs_error_code(), 20211);
+    }
+    // caller storage: the pointer comes back after the error, untouched
+    std::vector<T> z{1, nan, 3}, w(3, 42);
+    int one = 1;
+    EXPECT_EQ(difference<T>(3, z.data(), 1, &one, ZORVS_RETURN_USER, w.data(), 0), w.data());
+    EXPECT_EQ(zorvs_error_code(), 20212);
+    EXPECT_EQ(w[0], 42);
+    // an unknown keyword: its position counts the four fixed arguments
+    EXPECT_EQ(difference<T>(3, w.data(), 1, &one, ZORVS_NUM_LOST, &one, 4242, 0), nullptr);
+    EXPECT_EQ(zorvs_error_code(), 11001);
+    EXPECT_EQ(zorvs_error_param.i[1], 4242);
+    EXPECT_EQ(zorvs_error_param.i[2], 7);
+    // a null orders array
+    EXPECT_EQ(difference<T>(3, w.data(), 1, &one, ZORVS_ORDERS, static_cast<int *>(nullptr), 0), nullptr);
+    EXPECT_EQ(zorvs_error_code(), 150);
+}
+
+// Each allocation failing in turn: (5, 200) or (5, 201), a null result, no
+// lost count written; the sanitizer build checks that nothing leaks.
+TEST(DifferenceMemory, AllocationFailures) {
+    zorvs_test::Quiet q;
+    double z[4] = {1, 2, 4, 8};
+    int one = 1, lost = -1;
+    for (int k = 1; k <= 3; ++k) {
+        zorvs::allocation_failure_countdown = k;
+        double *w = zorvs_d_difference(4, z, 1, &one, ZORVS_NUM_LOST, &lost, 0);
+        zorvs::allocation_failure_countdown = 0;
+        EXPECT_EQ(w, nullptr) << k;
+        EXPECT_TRUE(zorvs_error_code() == 200 || zorvs_error_code() == 201) << k;
+        EXPECT_EQ(lost, -1);
+    }
+}
+
+TEST(DifferenceStop, FatalErrorStopsTheProcess) {
+    int zero = 0;
+    double z[3] = {1, 2, 3};
+    EXPECT_EXIT(zorvs_d_difference(3, z, 1, &zero, 0), ::testing::ExitedWithCode(4), "zorvs_d_difference");
+}
+
+}  // namespace
