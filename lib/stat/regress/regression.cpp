@@ -39,6 +39,7 @@
 #include <initializer_list>
 #include <limits>
 
+#include "dist/beta_incomplete.hpp"
 #include "frame/checks.h"
 #include "frame/frame.hpp"
 #include "frame/machine.h"
@@ -75,8 +76,14 @@ inline void check_nonnegative(float x, const char *name, int *arg) { zorvs_c1ge0
 inline void check_nonnegative(double x, const char *name, int *arg) { zorvs_dc1ge0(x, name, arg); }
 inline void check_r(int n, const float *r, int ldr, int *arg) { zorvs_c1r(n, r, ldr, arg); }
 inline void check_r(int n, const double *r, int ldr, int *arg) { zorvs_dc1r(n, r, ldr, arg); }
-inline float f_upper_tail(float f, float df1, float df2) { return 1.0f - zorvs_f_F_cdf(f, df1, df2); }
-inline double f_upper_tail(double f, double df1, double df2) { return 1.0 - zorvs_d_F_cdf(f, df1, df2); }
+// 1 - F(f) of the F distribution, summed as the upper tail itself: a small
+// p-value keeps its relative accuracy, where 1 minus the distribution
+// function would keep only its absolute one.
+template <class T>
+T f_upper_tail(T f, T df1, T df2) {
+    if (f <= T(0)) return T(1);
+    return zorvs::continuous::F_tail<T>(f, df1, df2, true);
+}
 inline void frequency_and_weight(const float *row, int ifrq, int iwt, int group, int *nmiss, float *f, float *w,
                                  int *status) {
     zorvs_c1wfr(1, group, row, 1, 1, 1, ifrq, iwt, 0, nmiss, f, w, status);
