@@ -36,7 +36,6 @@
 #include <cmath>
 #include <cstdarg>
 #include <cstring>
-#include <initializer_list>
 #include <limits>
 
 #include "dist/beta_incomplete.hpp"
@@ -414,6 +413,15 @@ struct Output {
     bool user_given = false;
     T *storage = nullptr;  // what is filled
     bool wanted() const { return pointer || user_given; }
+    // Hand an allocated result to the caller, or free it if its worker met
+    // an error above a warning.
+    void deliver(bool ok) {
+        if (!pointer || !storage) return;
+        if (ok)
+            *pointer = storage;
+        else
+            zorvs::release(storage);
+    }
     // Allocate (pointer form) or take the user's array; code on failure.
     bool acquire(long count, int code) {
         if (user_given) {
@@ -577,13 +585,17 @@ void l_regression(int n_rows, int n_independent, T *x, T *y, va_list *list) {
         return;
     }
 
-    // Covariances, table, means, residuals: each on its own.
+    // Covariances, table, means, residuals: each on its own, so that a
+    // failure of one leaves the others standing.  A worker's frame passes its
+    // type to ours at its pop; what stands at this level then is its own.
+    auto worker_ok = [] { return zorvs_error_n1rty[0] < 4 || zorvs_error_n1rty[0] == 6; };
     const T nan = zorvs::missing<T>();
     if (cov.wanted() && cov.acquire(static_cast<long>(p) * cov_col_dim, 11039)) {
         if constexpr (std::is_same_v<T, float>)
             zorvs_rcovb(p, info->r_matrix, p, fit.sse, fit.df_error, cov.storage, cov_col_dim);
         else
             zorvs_drcovb(p, info->r_matrix, p, fit.sse, fit.df_error, cov.storage, cov_col_dim);
+        cov.deliver(worker_ok());
     }
     if (anova.wanted() && anova.acquire(15, 11040)) {
         const T *r = info->r_matrix;
@@ -599,9 +611,12 @@ void l_regression(int n_rows, int n_independent, T *x, T *y, va_list *list) {
             zorvs_g1aov(static_cast<T>(dfr), fit.df_error, fit.sse, fit.total_ss, m, anova.storage);
         else
             zorvs_dg1aov(static_cast<T>(dfr), fit.df_error, fit.sse, fit.total_ss, m, anova.storage);
+        anova.deliver(worker_ok());
     }
-    if (means.wanted() && means.acquire(nv, 11041))
+    if (means.wanted() && means.acquire(nv, 11041)) {
         for (int j = 0; j < nv; ++j) means.storage[j] = fit.mean[fit.intercept + j];
+        means.deliver(true);
+    }
     if (residuals.wanted() && residuals.acquire(n_rows, 11042)) {
         for (long i = 0; i < n_rows; ++i) {
             const T *row = x + i * x_col_dim;
@@ -609,15 +624,7 @@ void l_regression(int n_rows, int n_independent, T *x, T *y, va_list *list) {
             for (int j = 0; j < nv; ++j) s += row[j] * coef[fit.intercept + j];
             residuals.storage[i] = y[i] - s;
         }
-    }
-    type = zorvs_error_type();
-    const bool terminal = type > 3 && type != 6;
-    for (Output<T> *o : {&cov, &anova, &means, &residuals}) {
-        if (!o->pointer || !o->storage) continue;
-        if (terminal)
-            zorvs::release(o->storage);
-        else
-            *o->pointer = o->storage;
+        residuals.deliver(true);
     }
 
     // The record.
@@ -640,7 +647,7 @@ void l_regression(int n_rows, int n_independent, T *x, T *y, va_list *list) {
     *info->y_min = y_min;
     *info->y_max = y_max;
     zorvs::release(fit.work);
-    if (info_out && !terminal)
+    if (info_out)
         *info_out = info;
     else
         zorvs::release(info);

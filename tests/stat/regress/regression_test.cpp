@@ -12,6 +12,7 @@
 #include <cstring>
 #include <vector>
 
+#include "frame/frame.hpp"
 #include "support/capture.hpp"
 #include "zorvstat.h"
 
@@ -370,6 +371,58 @@ TEST(Regression, BadInputIsRefused) {
     EXPECT_EQ(b[1], 0.0);
     EXPECT_DOUBLE_EQ(b[0], 3.5);
     std::free(b);
+}
+
+// The pointer forms give the same numbers as the user forms, the covariance
+// matrix in a wider row stride.
+TEST(Regression, PointerFormsOfTheOutputs) {
+    const LmCase &c = lm_cases[1];  // trees
+    std::vector<double> x(c.x, c.x + c.n * c.nv), y(c.y, c.y + c.n);
+    double *aov = nullptr, *cov = nullptr, *mean = nullptr, *res = nullptr;
+    double coef[3];
+    EXPECT_EQ(zorvs_d_regression(c.n, c.nv, x.data(), y.data(), ZORVS_RETURN_USER, coef, ZORVS_ANOVA_TABLE, &aov,
+                                 ZORVS_COEF_COVARIANCES, &cov, ZORVS_COV_COL_DIM, 4, ZORVS_X_MEAN, &mean,
+                                 ZORVS_RESIDUAL, &res, 0),
+              coef);
+    ASSERT_TRUE(aov && cov && mean && res);
+    for (int k = 0; k < 15; ++k) EXPECT_LE(relative(aov[k], c.aov[k]), 1e-10) << k;
+    for (int i = 0; i < 3; ++i)
+        for (int j = 0; j < 3; ++j) EXPECT_LE(relative(cov[i * 4 + j], c.cov[i * 3 + j]), 1e-10) << i << j;
+    double ss = 0;
+    for (int i = 0; i < c.n; ++i) ss += res[i] * res[i];
+    EXPECT_LE(relative(ss, c.aov[4]), 1e-12);
+    EXPECT_LE(relative(mean[1], 76.0), 1e-15);  // mean height of the trees
+    for (double *p : {aov, cov, mean, res}) std::free(p);
+}
+
+// A failing allocation at each step: the message, and what is delivered.
+TEST(Regression, AllocationFailures) {
+    Quiet q;
+    CodeLog codes;
+    struct Row {
+        int failing, code;
+        bool coefficients;  // the result still comes back
+    } rows[] = {{1, 202, false}, {2, 201, false}, {3, 201, false}, {4, 11039, true},
+                {5, 11040, true}, {6, 11041, true}, {7, 11042, true}};
+    double x[] = {1, 2, 3, 4, 5};
+    double y[] = {1, 3, 2, 5, 4};
+    for (const Row &r : rows) {
+        double *out[4] = {nullptr, nullptr, nullptr, nullptr};
+        zorvs_d_regression_info *info = nullptr;
+        zorvs::allocation_failure_countdown = r.failing;
+        double *b = zorvs_d_regression(5, 1, x, y, ZORVS_COEF_COVARIANCES, &out[0], ZORVS_ANOVA_TABLE, &out[1],
+                                       ZORVS_X_MEAN, &out[2], ZORVS_RESIDUAL, &out[3], ZORVS_REGRESSION_INFO, &info, 0);
+        zorvs::allocation_failure_countdown = 0;
+        EXPECT_TRUE(codes.has(5, r.code)) << r.failing;
+        EXPECT_EQ(b != nullptr, r.coefficients) << r.failing;
+        EXPECT_EQ(info != nullptr, r.coefficients) << r.failing;
+        // The other outputs stand; the failed one is not written.
+        for (int k = 0; k < 4; ++k) EXPECT_EQ(out[k] != nullptr, r.coefficients && k != r.failing - 4) << r.failing;
+        for (double *p : out) std::free(p);
+        std::free(info);
+        std::free(b);
+        codes.clear();
+    }
 }
 
 TEST(Regression, NegativeWeightStopsTheProcess) {
