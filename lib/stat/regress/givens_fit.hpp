@@ -21,9 +21,9 @@ struct GivensFit {
     T *work;            // GivensFit<T>::work_size(p) reals
     // State.
     int p;       // parameters: n_independent + intercept
-    int ld;      // p + 1: the length of a row of rbar and of z
+    int ld;      // p + 1 rounded up to whole vectors: the length of a row of rbar and of z
     T *rbar;     // p rows of ld reals
-    T *d;        // p scales
+    T *d;        // p scales; their reciprocals during the pass (inf: an empty row)
     T *z;        // the row being rotated: p regressors and y
     T *lo, *hi;  // extremes of the p columns and of y; NaN before the first used row
     T *mean;     // weighted means of the p columns and of y (without intercept)
@@ -35,7 +35,10 @@ struct GivensFit {
     int rank;
     bool stopped;  // a negative frequency or weight ended the fit
 
-    static long work_size(int p) { return static_cast<long>(p) * (p + 1) + p + 4L * (p + 1); }
+    // Rows are whole 32-byte vectors; the cells past y stay 0.0.
+    static constexpr int lanes = static_cast<int>(32 / sizeof(T));
+    static int row_length(int p) { return (p + 1 + lanes - 1) / lanes * lanes; }
+    static long work_size(int p) { return static_cast<long>(p) * row_length(p) + p + 4L * row_length(p); }
 };
 
 // The fit by modes: 1 opens, 2 adds n_rows rows of x (row stride ldx) with

@@ -117,6 +117,69 @@ __attribute__((always_inline)) inline void rotate_row(T *__restrict rbar, T *__r
     sse += (t * z[p]) * z[p];
 }
 
+// The same rotation during the pass, with the reciprocals u = 1/t of the
+// row's weight and e[j] = 1/d[j] of the scales (e = inf for a row that holds
+// nothing yet).  Then u at the next row of R is u + e[j] xi^2, a sum that
+// needs no division, and the one division of a step, 1/(u + e[j] xi^2), is
+// off the chain from one step to the next: the steps of a row follow each
+// other at the pace of a multiplication and an addition instead of a
+// division.  cbar = u h, sbar = e[j] xi h and e[j] cbar are Gentleman's
+// d/d', t xi/d' and 1/d', with h = 1/(u + e[j] xi^2).
+template <class T>
+__attribute__((always_inline)) inline void rotate_row_reciprocal(T *__restrict rbar, T *__restrict e,
+                                                                 T *__restrict z, int p, int ld, T u, T &sse) {
+    typedef T V __attribute__((vector_size(32)));
+    constexpr int lanes = zorvs::GivensFit<T>::lanes;
+    const T inf = std::numeric_limits<T>::infinity();
+    for (int j = 0; j < p; ++j) {
+        const T xi = z[j];
+        if (xi == T(0)) continue;
+        T *__restrict r = rbar + static_cast<long>(j) * ld;
+        const T ej = e[j];
+        if (ej == inf) {
+            // An empty row of R takes the whole rest of the row.
+            e[j] = u / (xi * xi);
+            for (int k = j + 1; k <= p; ++k) r[k] = z[k] / xi;
+            return;
+        }
+        const T exi = ej * xi;
+        const T den = u + exi * xi;
+        const T h = T(1) / den;
+        const T cbar = u * h;
+        const T sbar = exi * h;
+        e[j] = ej * cbar;
+        u = den;
+        // Up to the next multiple of the lane count one by one, then whole
+        // vectors: every step reads and writes z in the same 32-byte blocks,
+        // so that a block written by one step is read whole by the next.
+        const int head = (j + lanes) / lanes * lanes;  // j + 1 rounded up
+        for (int k = j + 1; k < head && k <= p; ++k) {
+            const T zk = z[k];
+            z[k] = zk - xi * r[k];
+            r[k] = cbar * r[k] + sbar * zk;
+        }
+        for (int k = head; k < ld; k += lanes) {
+            V zv, rv;
+            __builtin_memcpy(&zv, z + k, sizeof(V));
+            __builtin_memcpy(&rv, r + k, sizeof(V));
+            const V zn = zv - xi * rv;
+            const V rn = cbar * rv + sbar * zv;
+            __builtin_memcpy(z + k, &zn, sizeof(V));
+            __builtin_memcpy(r + k, &rn, sizeof(V));
+        }
+    }
+    sse += (z[p] * z[p]) / u;
+}
+
+// The row to rotate: 1.0 for the intercept, the regressors, y.
+template <class T>
+__attribute__((always_inline)) inline void load_row(T *__restrict z, const T *__restrict row, T y, int c, int nv,
+                                                    int p) {
+    z[0] = T(1);
+    for (int j = 0; j < nv; ++j) z[c + j] = row[j];
+    z[p] = y;
+}
+
 // The pass over rows without frequencies or weights: the common case, with
 // the row's copy, NaN test, extremes and rotation in contiguous loops.
 template <class T>
@@ -137,9 +200,7 @@ __attribute__((always_inline)) inline void plain_rows_body(zorvs::GivensFit<T> &
             ++f.rows_missing;
             continue;
         }
-        z[0] = T(1);
-        for (int j = 0; j < nv; ++j) z[c + j] = row[j];
-        z[p] = y[i];
+        load_row(z, row, y[i], c, nv, p);
         f.df_error += T(1);
         if (!started) {
             for (int k = 0; k <= p; ++k) lo[k] = hi[k] = z[k];
@@ -154,7 +215,7 @@ __attribute__((always_inline)) inline void plain_rows_body(zorvs::GivensFit<T> &
             const T r = T(1) / f.weight_sum;
             for (int k = 0; k <= p; ++k) mean[k] += r * (z[k] - mean[k]);
         }
-        rotate_row(f.rbar, f.d, z, p, ld, 0, T(1), sse);
+        rotate_row_reciprocal(f.rbar, f.d, z, p, ld, T(1), sse);
     }
     f.sse = sse;
 }
@@ -208,9 +269,7 @@ void weighted_rows(zorvs::GivensFit<T> &f, long n, const T *x, long ldx, const T
             ++f.rows_missing;
             continue;
         }
-        z[0] = T(1);
-        for (int j = 0; j < nv; ++j) z[c + j] = row[j];
-        z[p] = y[i];
+        load_row(z, row, y[i], c, nv, p);
         f.df_error += fi;
         const bool first = zorvs::is_missing(f.lo[p]);
         for (int k = 0; k <= p; ++k) {
@@ -224,7 +283,7 @@ void weighted_rows(zorvs::GivensFit<T> &f, long n, const T *x, long ldx, const T
             const T r = t / f.weight_sum;
             for (int k = 0; k <= p; ++k) f.mean[k] += r * (z[k] - f.mean[k]);
         }
-        rotate_row(f.rbar, f.d, z, p, f.ld, 0, t, f.sse);
+        rotate_row_reciprocal(f.rbar, f.d, z, p, f.ld, T(1) / t, f.sse);
     }
 }
 
@@ -234,6 +293,8 @@ void l_r3ivn(zorvs::GivensFit<T> &f, T *coef, T *r) {
     const int p = f.p, ld = f.ld, c0 = f.intercept;
     T *rb = f.rbar, *d = f.d;
     auto at = [&](int j, int k) -> T & { return rb[static_cast<long>(j) * ld + k]; };
+    // The pass kept the reciprocals of the scales.
+    for (int j = 0; j < p; ++j) d[j] = std::isinf(d[j]) ? T(0) : T(1) / d[j];
     f.total_ss = f.sse;
     for (int k = c0; k < p; ++k) f.total_ss += (d[k] * at(k, p)) * at(k, p);
     const T q = f.tolerance * f.tolerance;
@@ -295,7 +356,7 @@ void r2ivn(int ido, GivensFit<T> &f, long n_rows, const T *x, long ldx, const T 
            long first_row, T *coef, T *r) {
     if (ido == 0 || ido == 1) {
         f.p = f.n_independent + f.intercept;
-        f.ld = f.p + 1;
+        f.ld = zorvs::GivensFit<T>::row_length(f.p);
         const long pl = f.ld;
         f.rbar = f.work;
         f.d = f.rbar + f.p * pl;
@@ -306,9 +367,9 @@ void r2ivn(int ido, GivensFit<T> &f, long n_rows, const T *x, long ldx, const T 
         for (long k = 0; k < f.p * pl; ++k) f.rbar[k] = T(0);
         for (long k = 0; k < pl; ++k) {
             f.lo[k] = f.hi[k] = zorvs::missing<T>();
-            f.mean[k] = T(0);
+            f.mean[k] = f.z[k] = T(0);
         }
-        for (int k = 0; k < f.p; ++k) f.d[k] = T(0);
+        for (int k = 0; k < f.p; ++k) f.d[k] = std::numeric_limits<T>::infinity();
         f.weight_sum = f.sse = f.df_error = f.total_ss = T(0);
         f.rows_missing = f.rank = 0;
         f.stopped = false;
