@@ -4,9 +4,10 @@
 // folded into a triangular factor, memory O(p^2) like ours).  Each measures
 // the fit from the caller's row-major data to the coefficients.
 //
-//   build-bench/bench/zorvs_bench --benchmark_filter=Regression \
-//       --benchmark_repetitions=9 --benchmark_enable_random_interleaving=true \
+//   build-bench/bench/zorvs_bench --benchmark_filter=Regression
+//       --benchmark_repetitions=9 --benchmark_enable_random_interleaving=true
 //       --benchmark_report_aggregates_only=true
+// (one command line).
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>

@@ -619,9 +619,15 @@ void l_regression(int n_rows, int n_independent, T *x, T *y, va_list *list) {
     fit.n_independent = n_independent;
     fit.intercept = intercept ? 1 : 0;
     fit.tolerance = tolerance;
-    fit.work = zorvs::allocate<T>(static_cast<int>(zorvs::GivensFit<T>::work_size(p)), "n_independent");
-    if (fit.work && !user) lv_regression<T> = zorvs::allocate<T>(p, "n_independent");
+    // Work space and the coefficients; a failure names n_independent, the
+    // argument that sets both sizes.
+    fit.work = static_cast<T *>(
+        zorvs::raw_allocate(static_cast<std::size_t>(zorvs::GivensFit<T>::work_size(p)) * sizeof(T)));
+    if (fit.work && !user) lv_regression<T> = static_cast<T *>(zorvs::raw_allocate(sizeof(T) * p));
     if (!fit.work || !lv_regression<T>) {
+        zorvs_e1sti(1, n_independent);
+        zorvs_e1stl(1, "n_independent");
+        zorvs_ermes(5, 201);
         zorvs::release(fit.work);
         zorvs::release(info);
         if (!user) lv_regression<T> = nullptr;

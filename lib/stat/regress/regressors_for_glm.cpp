@@ -422,13 +422,17 @@ void l_regressors_for_glm(int n_observations, T *x, int n_class, int n_cont, va_
             out = regressors_user;
             if (ld > n_regressors) transpose(n_observations, ld, out);
         } else {
-            out = zorvs::allocate<T>(n_observations, "n_observations", n_regressors, "n_regressors");
-            if (out && ld > n_regressors) {
-                zorvs::release(out);
-                out = zorvs::allocate<T>(n_observations, "n_observations", ld, "regressors_col_dim");
-                if (out)
-                    for (long c = 0, n = static_cast<long>(n_observations) * ld; c < n; ++c)
-                        out[c] = zorvs::missing<T>();
+            // The rows of the caller's stride; the cells past the regressors
+            // are NaN.
+            out = static_cast<T *>(zorvs::raw_allocate(static_cast<std::size_t>(n_observations) * ld * sizeof(T)));
+            if (!out) {
+                zorvs_e1sti(1, n_observations);
+                zorvs_e1stl(1, "n_observations");
+                zorvs_e1sti(2, n_regressors);
+                zorvs_e1stl(2, "n_regressors");
+                zorvs_ermes(5, 202);
+            } else if (ld > n_regressors) {
+                for (long c = 0, n = static_cast<long>(n_observations) * ld; c < n; ++c) out[c] = zorvs::missing<T>();
             }
             out_allocated = out != nullptr;
         }

@@ -10,6 +10,7 @@
 #include <cstring>
 #include <vector>
 
+#include "frame/frame.hpp"
 #include "support/capture.hpp"
 #include "zorvstat.h"
 
@@ -216,6 +217,39 @@ TEST(Glm, RefusalsLeaveXAndTheCallersPointer) {
     expect_refused(zorvs_d_regressors_for_glm(3, x, 1, 1, ZORVS_REGRESSORS, &reg, ZORVS_REGRESSORS_COL_DIM, 1, 0),
                    5, 601);
     expect_refused(zorvs_d_regressors_for_glm(3, x, 1, 1, 99, 0), 5, 11001);
+}
+
+// Each allocation in turn fails: the call either ends with an out-of-memory
+// message, a count of 0 and the caller's pointer untouched, or (where the
+// transposition falls back to its cycle method) gives the full result; x
+// comes back as it was either way.
+TEST(Glm, EveryFailingAllocationIsCleanedUp) {
+    Quiet q;
+    CodeLog codes;
+    std::vector<double> x(glm_x, glm_x + 4 * n_cars);
+    const std::vector<double> before = x;
+    int refused = 0;
+    for (int failing = 1; failing <= 12; ++failing) {
+        double *reg = nullptr;
+        zorvs::allocation_failure_countdown = failing;
+        const int n = zorvs_d_regressors_for_glm(n_cars, x.data(), 2, 2, ZORVS_X_CLASS_COLUMNS, class_columns,
+                                                 ZORVS_MODEL_ORDER, 2, ZORVS_REGRESSORS, &reg, 0);
+        zorvs::allocation_failure_countdown = 0;
+        const bool out_of_memory = codes.has(5, 200) || codes.has(5, 202);
+        refused += out_of_memory;
+        if (out_of_memory) {
+            EXPECT_EQ(n, 0) << failing;
+            EXPECT_EQ(reg, nullptr) << failing;
+        } else {
+            EXPECT_EQ(n, glm_o2_s1_ncol) << failing;
+            ASSERT_NE(reg, nullptr) << failing;
+            EXPECT_EQ(reg[n_cars * n - 1], glm_o2_s1[n_cars * n - 1]) << failing;
+        }
+        EXPECT_EQ(x, before) << failing;
+        std::free(reg);
+        codes.clear();
+    }
+    EXPECT_GE(refused, 5);
 }
 
 TEST(Glm, TerminalErrorStopsTheProcess) {
