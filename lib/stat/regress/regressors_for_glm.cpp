@@ -141,10 +141,13 @@ void l_grglm(int nobs, int ncol, const T *x, int ldx, int nclvar, const int *ind
              int *nrmiss) {
     (void)ncol;
     const int scheme = idummy < 0 ? -idummy : idummy;
-    // Start of each class variable's run of values.
-    int first_value[64];
-    int *start = nclvar <= 64 ? first_value : zorvs::allocate<int>(static_cast<std::size_t>(nclvar));
+    // Work: the start of each class variable's run of values, and for one
+    // effect the strides and widths of its class columns at their last level.
+    int longest = 0;
+    for (int e = 0; e < nef; ++e) longest = nvef[e] > longest ? nvef[e] : longest;
+    int *start = zorvs::allocate<int>(static_cast<std::size_t>(nclvar) + 2 * static_cast<std::size_t>(longest));
     if (!start) return;
+    int *last_stride = start + nclvar, *last_width = last_stride + longest;
     for (int v = 0, s = 0; v < nclvar; ++v) {
         start[v] = s;
         s += nclval[v];
@@ -162,7 +165,7 @@ void l_grglm(int nobs, int ncol, const T *x, int ldx, int nclvar, const int *ind
     *nreg = count;
     *nrmiss = 0;
     if (idummy < 0) {
-        if (start != first_value) zorvs::release(start);
+        zorvs::release(start);
         return;
     }
     const T nan = zorvs::missing<T>();
@@ -177,8 +180,7 @@ void l_grglm(int nobs, int ncol, const T *x, int ldx, int nclvar, const int *ind
             int width = 1, cell = 0;
             T product = T(1);
             bool missing = false, zero = false;
-            int last_levels = 0;  // scheme 3: strides of the variables at their last level
-            int last_stride[64], last_width[64];
+            int last_levels = 0;  // scheme 3: class columns at their last level
             for (int m = k - 1; m >= 0; --m) {
                 const T value = x[static_cast<long>(cols[m] - 1) * ldx + i];
                 if (zorvs::is_missing(value)) missing = true;
@@ -196,7 +198,7 @@ void l_grglm(int nobs, int ncol, const T *x, int ldx, int nclvar, const int *ind
                         cell += t * width;
                     } else if (scheme == 2) {
                         zero = true;
-                    } else if (last_levels < 64) {
+                    } else {
                         last_stride[last_levels] = width;
                         last_width[last_levels++] = w;
                     }
@@ -230,7 +232,7 @@ void l_grglm(int nobs, int ncol, const T *x, int ldx, int nclvar, const int *ind
         }
         if (row_missing) ++*nrmiss;
     }
-    if (start != first_value) zorvs::release(start);
+    zorvs::release(start);
 }
 
 // A fatal or terminal error stands in the routine's frame.  The frame's own
