@@ -624,14 +624,21 @@ void l_regression(int n_rows, int n_independent, T *x, T *y, va_list *list) {
     fit.work = static_cast<T *>(
         zorvs::raw_allocate(static_cast<std::size_t>(zorvs::GivensFit<T>::work_size(p)) * sizeof(T)));
     if (fit.work && !user) lv_regression<T> = static_cast<T *>(zorvs::raw_allocate(sizeof(T) * p));
+    // The one exit from here on: the work space freed, the record handed over
+    // or freed, and on failure an allocated result freed.
+    auto finish = [&](bool failed) {
+        zorvs::release(fit.work);
+        if (failed && !user) zorvs::release(lv_regression<T>);
+        if (!failed && info_out)
+            *info_out = info;
+        else
+            zorvs::release(info);
+    };
     if (!fit.work || !lv_regression<T>) {
         zorvs_e1sti(1, n_independent);
         zorvs_e1stl(1, "n_independent");
         zorvs_ermes(5, 201);
-        zorvs::release(fit.work);
-        zorvs::release(info);
-        if (!user) lv_regression<T> = nullptr;
-        return;
+        return finish(true);
     }
     T *coef = lv_regression<T>;
 
@@ -645,12 +652,7 @@ void l_regression(int n_rows, int n_independent, T *x, T *y, va_list *list) {
     if (!fit.stopped && rank_out)
         *rank_out = static_cast<int>(static_cast<T>(n_rows - fit.rows_missing) - fit.df_error);
     int type = zorvs_error_type();
-    if (fit.stopped || (type > 3 && type != 6)) {
-        if (!user) zorvs::release(lv_regression<T>);
-        zorvs::release(fit.work);
-        zorvs::release(info);
-        return;
-    }
+    if (fit.stopped || (type > 3 && type != 6)) return finish(true);
 
     // Covariances, table, means, residuals: each on its own, so that a
     // failure of one leaves the others standing.  A worker's frame passes its
@@ -713,11 +715,7 @@ void l_regression(int n_rows, int n_independent, T *x, T *y, va_list *list) {
     *info->y_mean = fit.mean[p];
     *info->y_min = y_min;
     *info->y_max = y_max;
-    zorvs::release(fit.work);
-    if (info_out)
-        *info_out = info;
-    else
-        zorvs::release(info);
+    finish(false);
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "frame/frame.hpp"
+#include "stat/regress/givens_fit.hpp"
 #include "support/capture.hpp"
 #include "zorvstat.h"
 
@@ -371,6 +372,42 @@ TEST(Regression, BadInputIsRefused) {
     EXPECT_EQ(b[1], 0.0);
     EXPECT_DOUBLE_EQ(b[0], 3.5);
     std::free(b);
+}
+
+// The fit by modes: rows added in several calls give the fit of one call,
+// to the bit, with and without weights.
+TYPED_TEST(RegressionTwin, RowsInBlocksGiveTheSameFit) {
+    using T = TypeParam;
+    const LmCase &c = lm_cases[3];  // swiss
+    const int p = c.nv + 1;
+    std::vector<T> x(c.x, c.x + c.n * c.nv), y(c.y, c.y + c.n), w(c.w, c.w + c.n);
+    for (const T *wt : {static_cast<const T *>(nullptr), static_cast<const T *>(w.data())}) {
+        std::vector<T> work[2], coef[2], r[2];
+        zorvs::GivensFit<T> fit[2];
+        for (int k = 0; k < 2; ++k) {
+            work[k].assign(zorvs::GivensFit<T>::work_size(p), T(0));
+            coef[k].assign(p, T(0));
+            r[k].assign(p * p, T(0));
+            fit[k] = zorvs::GivensFit<T>{};
+            fit[k].n_independent = c.nv;
+            fit[k].intercept = 1;
+            fit[k].tolerance = T(1e-5);
+            fit[k].work = work[k].data();
+        }
+        zorvs::r2ivn<T>(0, fit[0], c.n, x.data(), c.nv, y.data(), nullptr, wt, 0, coef[0].data(), r[0].data());
+        zorvs::r2ivn<T>(1, fit[1], 0, nullptr, c.nv, nullptr, nullptr, nullptr, 0, nullptr, nullptr);
+        for (long first : {0L, 10L, 30L}) {
+            const long n = first == 30 ? c.n - 30 : (first == 0 ? 10 : 20);
+            zorvs::r2ivn<T>(2, fit[1], n, x.data() + first * c.nv, c.nv, y.data() + first, nullptr,
+                            wt ? wt + first : nullptr, first, nullptr, nullptr);
+        }
+        zorvs::r2ivn<T>(3, fit[1], 0, nullptr, c.nv, nullptr, nullptr, nullptr, 0, coef[1].data(), r[1].data());
+        EXPECT_EQ(coef[0], coef[1]);
+        EXPECT_EQ(r[0], r[1]);
+        EXPECT_EQ(fit[0].sse, fit[1].sse);
+        EXPECT_EQ(fit[0].df_error, fit[1].df_error);
+        EXPECT_EQ(fit[0].rank, p);
+    }
 }
 
 // The pointer forms give the same numbers as the user forms, the covariance
