@@ -283,7 +283,10 @@ void weighted_rows(zorvs::GivensFit<T> &f, long n, const T *x, long ldx, const T
             const T r = t / f.weight_sum;
             for (int k = 0; k <= p; ++k) f.mean[k] += r * (z[k] - f.mean[k]);
         }
-        rotate_row_reciprocal(f.rbar, f.d, z, p, f.ld, T(1) / t, f.sse);
+        // A weight so small that its reciprocal overflows (a subnormal
+        // product) adds nothing the sums could hold.
+        const T u = T(1) / t;
+        if (!std::isinf(u)) rotate_row_reciprocal(f.rbar, f.d, z, p, f.ld, u, f.sse);
     }
 }
 

@@ -467,6 +467,26 @@ TEST(Regression, AllocationFailures) {
     }
 }
 
+// Subnormal and huge weights: the fit stays finite and equals the fit
+// without the subnormal row, or with the huge one counted alone.
+TEST(Regression, ExtremeWeights) {
+    double x[] = {1, 2, 3, 4, 5};
+    double y[] = {2, 3, 7, 8, 9};
+    double w[] = {4e-320, 1, 1, 1, 1};
+    double *b = zorvs_d_regression(5, 1, x, y, ZORVS_WEIGHTS, w, 0);
+    double *c = zorvs_d_regression(4, 1, x + 1, y + 1, 0);
+    ASSERT_TRUE(b && c);
+    EXPECT_NEAR(b[0], c[0], 1e-13);
+    EXPECT_NEAR(b[1], c[1], 1e-13);
+    w[0] = 1e300;
+    std::free(b);
+    b = zorvs_d_regression(5, 1, x, y, ZORVS_WEIGHTS, w, 0);
+    ASSERT_NE(b, nullptr);
+    EXPECT_NEAR(b[0] + b[1] * x[0], y[0], 1e-12);  // the line goes through the heavy point
+    std::free(b);
+    std::free(c);
+}
+
 TEST(Regression, NegativeWeightStopsTheProcess) {
     double x[] = {1, 2, 3};
     double y[] = {1, 2, 4};
