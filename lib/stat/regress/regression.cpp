@@ -171,51 +171,62 @@ __attribute__((always_inline)) inline void rotate_row_reciprocal(T *__restrict r
     sse += (z[p] * z[p]) / u;
 }
 
-// The row to rotate: 1.0 for the intercept, the regressors, y.
+// Row i into z (1.0 for the intercept, the regressors, y) if it holds no
+// NaN; else it counts as missing.
 template <class T>
-__attribute__((always_inline)) inline void load_row(T *__restrict z, const T *__restrict row, T y, int c, int nv,
-                                                    int p) {
+__attribute__((always_inline)) inline bool take_row(zorvs::GivensFit<T> &f, const T *__restrict row, T y) {
+    const int c = f.intercept, nv = f.n_independent, p = f.p;
+    T *__restrict z = f.z;
+    int bad = y != y;
+    for (int j = 0; j < nv; ++j) bad |= row[j] != row[j];
+    if (bad) {
+        ++f.rows_missing;
+        return false;
+    }
     z[0] = T(1);
     for (int j = 0; j < nv; ++j) z[c + j] = row[j];
     z[p] = y;
+    return true;
 }
 
-// The pass over rows without frequencies or weights: the common case, with
-// the row's copy, NaN test, extremes and rotation in contiguous loops.
+// The extremes of every column and of y; the first used row sets them.
 template <class T>
-__attribute__((always_inline)) inline void plain_rows_body(zorvs::GivensFit<T> &f, long n, const T *x, long ldx,
-                                                           const T *y) {
-    const int p = f.p, ld = f.ld, c = f.intercept, nv = f.n_independent;
+__attribute__((always_inline)) inline void track_extremes(zorvs::GivensFit<T> &f) {
+    const int p = f.p;
     T *__restrict z = f.z;
     T *__restrict lo = f.lo;
     T *__restrict hi = f.hi;
+    if (zorvs::is_missing(lo[p]))
+        for (int k = 0; k <= p; ++k) lo[k] = hi[k] = z[k];
+    for (int k = 0; k <= p; ++k) {
+        lo[k] = z[k] < lo[k] ? z[k] : lo[k];
+        hi[k] = z[k] > hi[k] ? z[k] : hi[k];
+    }
+}
+
+// Without an intercept the weighted means run on their own (with one, the
+// first row of the factor holds them).
+template <class T>
+__attribute__((always_inline)) inline void track_means(zorvs::GivensFit<T> &f, T t) {
+    if (f.intercept) return;
+    T *__restrict z = f.z;
     T *__restrict mean = f.mean;
-    bool started = !zorvs::is_missing(lo[p]);
+    f.weight_sum += t;
+    const T r = t / f.weight_sum;
+    for (int k = 0; k <= f.p; ++k) mean[k] += r * (z[k] - mean[k]);
+}
+
+// The pass over rows without frequencies or weights: the common case.
+template <class T>
+__attribute__((always_inline)) inline void plain_rows_body(zorvs::GivensFit<T> &f, long n, const T *x, long ldx,
+                                                           const T *y) {
     T sse = f.sse;
     for (long i = 0; i < n; ++i) {
-        const T *__restrict row = x + i * ldx;
-        int bad = y[i] != y[i];
-        for (int j = 0; j < nv; ++j) bad |= row[j] != row[j];
-        if (bad) {
-            ++f.rows_missing;
-            continue;
-        }
-        load_row(z, row, y[i], c, nv, p);
+        if (!take_row(f, x + i * ldx, y[i])) continue;
         f.df_error += T(1);
-        if (!started) {
-            for (int k = 0; k <= p; ++k) lo[k] = hi[k] = z[k];
-            started = true;
-        }
-        for (int k = 0; k <= p; ++k) {
-            lo[k] = z[k] < lo[k] ? z[k] : lo[k];
-            hi[k] = z[k] > hi[k] ? z[k] : hi[k];
-        }
-        if (!c) {
-            f.weight_sum += T(1);
-            const T r = T(1) / f.weight_sum;
-            for (int k = 0; k <= p; ++k) mean[k] += r * (z[k] - mean[k]);
-        }
-        rotate_row_reciprocal(f.rbar, f.d, z, p, ld, T(1), sse);
+        track_extremes(f);
+        track_means(f, T(1));
+        rotate_row_reciprocal(f.rbar, f.d, f.z, f.p, f.ld, T(1), sse);
     }
     f.sse = sse;
 }
@@ -242,8 +253,6 @@ ZORVS_PLAIN_ROWS(double, d)
 template <class T>
 void weighted_rows(zorvs::GivensFit<T> &f, long n, const T *x, long ldx, const T *y, const T *freq, const T *wt,
                    long first_row) {
-    const int p = f.p, c = f.intercept, nv = f.n_independent;
-    T *z = f.z;
     for (long i = 0; i < n; ++i) {
         T fw[2];
         int nfw = 0, ifrq = 0, iwt = 0, status = 0, nmiss = 0;
@@ -262,31 +271,20 @@ void weighted_rows(zorvs::GivensFit<T> &f, long n, const T *x, long ldx, const T
             return;
         }
         if (status == 1) continue;
-        const T *row = x + i * ldx;
-        bool bad = status == 2 || zorvs::is_missing(y[i]);
-        for (int j = 0; j < nv && !bad; ++j) bad = zorvs::is_missing(row[j]);
-        if (bad) {
+        if (status == 2) {
             ++f.rows_missing;
             continue;
         }
-        load_row(z, row, y[i], c, nv, p);
+        if (!take_row(f, x + i * ldx, y[i])) continue;
         f.df_error += fi;
-        const bool first = zorvs::is_missing(f.lo[p]);
-        for (int k = 0; k <= p; ++k) {
-            if (first || z[k] < f.lo[k]) f.lo[k] = z[k];
-            if (first || z[k] > f.hi[k]) f.hi[k] = z[k];
-        }
+        track_extremes(f);
         if (wi == T(0)) continue;
         const T t = wi * fi;
-        if (!c) {
-            f.weight_sum += t;
-            const T r = t / f.weight_sum;
-            for (int k = 0; k <= p; ++k) f.mean[k] += r * (z[k] - f.mean[k]);
-        }
+        track_means(f, t);
         // A weight so small that its reciprocal overflows (a subnormal
         // product) adds nothing the sums could hold.
         const T u = T(1) / t;
-        if (!std::isinf(u)) rotate_row_reciprocal(f.rbar, f.d, z, p, f.ld, u, f.sse);
+        if (!std::isinf(u)) rotate_row_reciprocal(f.rbar, f.d, f.z, f.p, f.ld, u, f.sse);
     }
 }
 
