@@ -18,11 +18,15 @@
 #include <limits>
 #include <vector>
 
+#include "stat/regress/twins.hpp"
 #include "support/capture.hpp"
 #include "zorvstat.h"
 
 namespace {
 
+using zorvs_test::fit;
+using zorvs_test::glm;
+using zorvs_test::Info;
 using zorvs_test::Quiet;
 
 struct Draw {
@@ -83,18 +87,10 @@ TYPED_TEST(RegressFuzz, RegressorsForGlm) {
         }
         const bool by_hand = d.below(2) == 0;
         auto call = [&](auto... out) {
-            if constexpr (std::is_same_v<T, float>)
-                return by_hand ? zorvs_f_regressors_for_glm(n, x.data(), n_class, n_cont, ZORVS_X_COL_DIM, ld,
-                                                            ZORVS_DUMMY, scheme, ZORVS_INDICES_EFFECTS, n_effects,
-                                                            sizes, columns, out..., 0)
-                               : zorvs_f_regressors_for_glm(n, x.data(), n_class, n_cont, ZORVS_X_COL_DIM, ld,
-                                                            ZORVS_DUMMY, scheme, ZORVS_MODEL_ORDER, order, out..., 0);
-            else
-                return by_hand ? zorvs_d_regressors_for_glm(n, x.data(), n_class, n_cont, ZORVS_X_COL_DIM, ld,
-                                                            ZORVS_DUMMY, scheme, ZORVS_INDICES_EFFECTS, n_effects,
-                                                            sizes, columns, out..., 0)
-                               : zorvs_d_regressors_for_glm(n, x.data(), n_class, n_cont, ZORVS_X_COL_DIM, ld,
-                                                            ZORVS_DUMMY, scheme, ZORVS_MODEL_ORDER, order, out..., 0);
+            return by_hand ? glm<T>(n, x.data(), n_class, n_cont, ZORVS_X_COL_DIM, ld, ZORVS_DUMMY, scheme,
+                                    ZORVS_INDICES_EFFECTS, n_effects, sizes, columns, out..., 0)
+                           : glm<T>(n, x.data(), n_class, n_cont, ZORVS_X_COL_DIM, ld, ZORVS_DUMMY, scheme,
+                                    ZORVS_MODEL_ORDER, order, out..., 0);
         };
         codes.clear();
         const int count = call();
@@ -122,7 +118,6 @@ TYPED_TEST(RegressFuzz, RegressorsForGlm) {
 
 TYPED_TEST(RegressFuzz, Regression) {
     using T = TypeParam;
-    using Info = std::conditional_t<std::is_same_v<T, float>, zorvs_f_regression_info, zorvs_d_regression_info>;
     Quiet q;
     zorvs_test::CodeLog codes;
     Draw d{0xD1B54A32D192ED03ull};
@@ -142,19 +137,12 @@ TYPED_TEST(RegressFuzz, Regression) {
         const T *wt = d.below(3) == 0 ? w.data() : nullptr;
         const bool no_intercept = d.below(3) == 0;
         T *aov = nullptr, *cov = nullptr, *means = nullptr, *res = nullptr;
-        Info *info = nullptr;
+        Info<T> *info = nullptr;
         T *b;
         auto call = [&](auto... more) {
-            if constexpr (std::is_same_v<T, float>)
-                return zorvs_f_regression(n, nv, x.data(), y.data(), ZORVS_X_COL_DIM, ld, ZORVS_FREQUENCIES, freq,
-                                          ZORVS_WEIGHTS, wt, ZORVS_ANOVA_TABLE, &aov, ZORVS_COEF_COVARIANCES, &cov,
-                                          ZORVS_X_MEAN, &means, ZORVS_RESIDUAL, &res, ZORVS_REGRESSION_INFO, &info,
-                                          more..., 0);
-            else
-                return zorvs_d_regression(n, nv, x.data(), y.data(), ZORVS_X_COL_DIM, ld, ZORVS_FREQUENCIES, freq,
-                                          ZORVS_WEIGHTS, wt, ZORVS_ANOVA_TABLE, &aov, ZORVS_COEF_COVARIANCES, &cov,
-                                          ZORVS_X_MEAN, &means, ZORVS_RESIDUAL, &res, ZORVS_REGRESSION_INFO, &info,
-                                          more..., 0);
+            return fit<T>(n, nv, x.data(), y.data(), ZORVS_X_COL_DIM, ld, ZORVS_FREQUENCIES, freq, ZORVS_WEIGHTS, wt,
+                          ZORVS_ANOVA_TABLE, &aov, ZORVS_COEF_COVARIANCES, &cov, ZORVS_X_MEAN, &means, ZORVS_RESIDUAL,
+                          &res, ZORVS_REGRESSION_INFO, &info, more..., 0);
         };
         codes.clear();
         b = no_intercept ? call(ZORVS_NO_INTERCEPT) : call(ZORVS_TOLERANCE, d.below(4) ? 1e-5 : 2.0);

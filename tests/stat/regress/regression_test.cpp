@@ -14,6 +14,7 @@
 
 #include "frame/frame.hpp"
 #include "stat/regress/givens_fit.hpp"
+#include "stat/regress/twins.hpp"
 #include "support/capture.hpp"
 #include "zorvstat.h"
 
@@ -31,15 +32,8 @@ struct LmCase {
 using zorvs_test::CodeLog;
 using zorvs_test::Quiet;
 
-template <class T, class... Args>
-T *fit(int n, int nv, T *x, T *y, Args... args) {
-    if constexpr (std::is_same_v<T, float>)
-        return zorvs_f_regression(n, nv, x, y, args...);
-    else
-        return zorvs_d_regression(n, nv, x, y, args...);
-}
-template <class T>
-using Info = std::conditional_t<std::is_same_v<T, float>, zorvs_f_regression_info, zorvs_d_regression_info>;
+using zorvs_test::fit;
+using zorvs_test::Info;
 
 // Significant digits of got against want (the log relative error, capped).
 double digits(double got, double want) {

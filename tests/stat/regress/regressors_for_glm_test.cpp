@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "frame/frame.hpp"
+#include "stat/regress/twins.hpp"
 #include "support/capture.hpp"
 #include "zorvstat.h"
 
@@ -21,13 +22,7 @@ namespace {
 using zorvs_test::CodeLog;
 using zorvs_test::Quiet;
 
-template <class T, class... Args>
-int glm(int n, T *x, int n_class, int n_cont, Args... args) {
-    if constexpr (std::is_same_v<T, float>)
-        return zorvs_f_regressors_for_glm(n, x, n_class, n_cont, args...);
-    else
-        return zorvs_d_regressors_for_glm(n, x, n_class, n_cont, args...);
-}
+using zorvs_test::glm;
 
 template <class T>
 class GlmTwin : public ::testing::Test {};
