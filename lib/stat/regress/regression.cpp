@@ -231,27 +231,9 @@ __attribute__((always_inline)) inline void plain_rows_body(zorvs::GivensFit<T> &
     f.sse = sse;
 }
 
-#define ZORVS_PLAIN_ROWS(T, suffix)                                                                        \
-    __attribute__((target("avx2"))) void plain_rows_avx2_##suffix(zorvs::GivensFit<T> &f, long n,         \
-                                                                   const T *x, long ldx, const T *y) {    \
-        plain_rows_body<T>(f, n, x, ldx, y);                                                               \
-    }                                                                                                      \
-    void plain_rows_base_##suffix(zorvs::GivensFit<T> &f, long n, const T *x, long ldx, const T *y) {     \
-        plain_rows_body<T>(f, n, x, ldx, y);                                                               \
-    }                                                                                                      \
-    void plain_rows(zorvs::GivensFit<T> &f, long n, const T *x, long ldx, const T *y) {                   \
-        if (__builtin_cpu_supports("avx2"))                                                                \
-            plain_rows_avx2_##suffix(f, n, x, ldx, y);                                                     \
-        else                                                                                               \
-            plain_rows_base_##suffix(f, n, x, ldx, y);                                                     \
-    }
-ZORVS_PLAIN_ROWS(float, f)
-ZORVS_PLAIN_ROWS(double, d)
-#undef ZORVS_PLAIN_ROWS
-
 // Rows with frequencies or weights, one at a time.
 template <class T>
-void weighted_rows(zorvs::GivensFit<T> &f, long n, const T *x, long ldx, const T *y, const T *freq, const T *wt,
+__attribute__((always_inline)) inline void weighted_rows(zorvs::GivensFit<T> &f, long n, const T *x, long ldx, const T *y, const T *freq, const T *wt,
                    long first_row) {
     for (long i = 0; i < n; ++i) {
         T fw[2];
@@ -287,6 +269,39 @@ void weighted_rows(zorvs::GivensFit<T> &f, long n, const T *x, long ldx, const T
         if (!std::isinf(u)) rotate_row_reciprocal(f.rbar, f.d, f.z, f.p, f.ld, u, f.sse);
     }
 }
+
+// Both drives, built for the vector units in use: AVX2 where the processor
+// has it (no fused multiply-add, so the rounding is that of the baseline
+// build), and the baseline instruction set otherwise.
+template <class T>
+__attribute__((always_inline)) inline void rows_body(zorvs::GivensFit<T> &f, long n, const T *x, long ldx,
+                                                     const T *y, const T *freq, const T *wt, long first_row) {
+    if (!freq && !wt)
+        plain_rows_body<T>(f, n, x, ldx, y);
+    else
+        weighted_rows<T>(f, n, x, ldx, y, freq, wt, first_row);
+}
+
+#define ZORVS_ADD_ROWS(T, suffix)                                                                           \
+    __attribute__((target("avx2"))) void add_rows_avx2_##suffix(zorvs::GivensFit<T> &f, long n, const T *x, \
+                                                                 long ldx, const T *y, const T *freq,       \
+                                                                 const T *wt, long first_row) {             \
+        rows_body<T>(f, n, x, ldx, y, freq, wt, first_row);                                                 \
+    }                                                                                                       \
+    void add_rows_base_##suffix(zorvs::GivensFit<T> &f, long n, const T *x, long ldx, const T *y,           \
+                                const T *freq, const T *wt, long first_row) {                               \
+        rows_body<T>(f, n, x, ldx, y, freq, wt, first_row);                                                 \
+    }                                                                                                       \
+    void add_rows(zorvs::GivensFit<T> &f, long n, const T *x, long ldx, const T *y, const T *freq,          \
+                  const T *wt, long first_row) {                                                            \
+        if (__builtin_cpu_supports("avx2"))                                                                 \
+            add_rows_avx2_##suffix(f, n, x, ldx, y, freq, wt, first_row);                                   \
+        else                                                                                                \
+            add_rows_base_##suffix(f, n, x, ldx, y, freq, wt, first_row);                                   \
+    }
+ZORVS_ADD_ROWS(float, f)
+ZORVS_ADD_ROWS(double, d)
+#undef ZORVS_ADD_ROWS
 
 // Close: rank test, dependent rows rotated down, coefficients, ordinary R.
 template <class T>
@@ -376,10 +391,7 @@ void r2ivn(int ido, GivensFit<T> &f, long n_rows, const T *x, long ldx, const T 
         f.stopped = false;
     }
     if ((ido == 0 || ido == 2) && !f.stopped) {
-        if (!freq && !wt)
-            plain_rows(f, n_rows, x, ldx, y);
-        else
-            weighted_rows(f, n_rows, x, ldx, y, freq, wt, first_row);
+        add_rows(f, n_rows, x, ldx, y, freq, wt, first_row);
     }
     if ((ido == 0 || ido == 3) && !f.stopped) {
         // With an intercept, the first row holds the weighted means.
