@@ -10,9 +10,12 @@
 // element and no square root.  With an intercept the first row of the
 // triangle carries the weighted means, and a new row enters it with weight 1,
 // which is the exact updating of the mean (West 1979) for every column at
-// once.  The loop over a row's elements is contiguous and free of calls, and
-// the pass is built for AVX2 as well as for the baseline instruction set (no
-// fused multiply-add: the rounding is the same in both).
+// once.  During the pass the rotation keeps the reciprocals of the row's
+// weight and of the scales, which takes the division out of the chain from
+// one step of a row to the next; the loop over a row's elements runs over
+// whole 32-byte blocks, free of calls, and the pass is built for AVX2 as well
+// as for the baseline instruction set (no fused multiply-add: the rounding
+// is the same in both).
 //
 // Rank: at the close, column j is dependent if its scale d[j] is at most
 // tol^2 times its sum of squares about the earlier columns' span plus d[j]
@@ -32,6 +35,8 @@
 //    pass over the data.
 //  - A user array given as a null pointer is refused with (5, 104), and
 //    ZORVS_COV_COL_DIM below the number of parameters with (5, 601).
+//  - The p-value of F, 1 - F(f), is summed as the upper tail itself, so that
+//    a small p-value keeps its relative accuracy.
 
 #include <cmath>
 #include <cstdarg>
