@@ -667,8 +667,13 @@ void l_regression(int n_rows, int n_independent, T *x, T *y, va_list *list) {
         zorvs_e1sti(1, fit.rank);
         zorvs_ermes(3, 11047);
     }
-    if (!fit.stopped && rank_out)
-        *rank_out = static_cast<int>(static_cast<T>(n_rows - fit.rows_missing) - fit.df_error);
+    if (!fit.stopped && rank_out) {
+        // Truncated, within the range of an int (frequencies may be huge).
+        const double rank = static_cast<double>(n_rows - fit.rows_missing) - static_cast<double>(fit.df_error);
+        *rank_out = !(rank > -2147483648.0) ? (std::isnan(rank) ? 0 : -2147483647 - 1)
+                    : rank < 2147483647.0   ? static_cast<int>(rank)
+                                            : 2147483647;
+    }
     int type = zorvs_error_type();
     if (fit.stopped || (type > 3 && type != 6)) return finish(true);
 

@@ -138,11 +138,12 @@ TYPED_TEST(RegressFuzz, Regression) {
         const bool no_intercept = d.below(3) == 0;
         T *aov = nullptr, *cov = nullptr, *means = nullptr, *res = nullptr;
         Info<T> *info = nullptr;
+        int rank = 0;
         T *b;
         auto call = [&](auto... more) {
             return fit<T>(n, nv, x.data(), y.data(), ZORVS_X_COL_DIM, ld, ZORVS_FREQUENCIES, freq, ZORVS_WEIGHTS, wt,
                           ZORVS_ANOVA_TABLE, &aov, ZORVS_COEF_COVARIANCES, &cov, ZORVS_X_MEAN, &means, ZORVS_RESIDUAL,
-                          &res, ZORVS_REGRESSION_INFO, &info, more..., 0);
+                          &res, ZORVS_REGRESSION_INFO, &info, ZORVS_RANK, &rank, more..., 0);
         };
         codes.clear();
         b = no_intercept ? call(ZORVS_NO_INTERCEPT) : call(ZORVS_TOLERANCE, d.below(4) ? 1e-5 : 2.0);
