@@ -414,6 +414,76 @@ double *zorvs_d_table_oneway(int n_observations, double x[], int n_intervals, ..
 float *zorvs_f_simple_statistics(int n_observations, int n_variables, float x[], ...);
 double *zorvs_d_simple_statistics(int n_observations, int n_variables, double x[], ...);
 /* @@end describe_stats */
+/* @@section regress */
+/* Regressors of a general linear model from n_observations rows of n_class
+ * class and n_cont continuous columns; returns the number of regressors.
+ * Keywords: ZORVS_X_COL_DIM (int), ZORVS_X_CLASS_COLUMNS (int[], from 0),
+ * ZORVS_MODEL_ORDER (int, 1 or 2), ZORVS_INDICES_EFFECTS (int n_effects,
+ * int n_var_effects[], int indices_effects[]), ZORVS_DUMMY (int, 1 all
+ * levels, 2 leave out last, 3 sum to zero), ZORVS_REGRESSORS (float **),
+ * ZORVS_REGRESSORS_USER (float[]), ZORVS_REGRESSORS_COL_DIM (int). */
+int zorvs_f_regressors_for_glm(int n_observations, float x[], int n_class, int n_cont, ...);
+int zorvs_d_regressors_for_glm(int n_observations, double x[], int n_class, int n_cont, ...);
+
+/* The record of a linear regression fit: one malloc'ed block, released with
+ * one free; the vectors follow the header in the same block.  r_matrix is
+ * the upper triangular factor R, column-major with leading dimension
+ * n_parameters; a zero diagonal marks a column dropped as dependent. */
+typedef struct {
+    int n_observations;
+    int rows_missing;
+    int n_dependent;
+    int n_parameters;
+    int intercept;
+    int rank;
+    float df_error;
+    float *coefficients;
+    float *sscp_error;
+    float *r_matrix;
+    float *r_scale;
+    float *work_row;
+    float *x_mean;
+    float *x_min;
+    float *x_max;
+    float *y_mean;
+    float *y_min;
+    float *y_max;
+} zorvs_f_regression_info;
+typedef struct {
+    int n_observations;
+    int rows_missing;
+    int n_dependent;
+    int n_parameters;
+    int intercept;
+    int rank;
+    double df_error;
+    double *coefficients;
+    double *sscp_error;
+    double *r_matrix;
+    double *r_scale;
+    double *work_row;
+    double *x_mean;
+    double *x_min;
+    double *x_max;
+    double *y_mean;
+    double *y_min;
+    double *y_max;
+} zorvs_d_regression_info;
+
+/* Least-squares fit of y on the n_rows x n_independent row-major x; returns
+ * the n_parameters coefficients, the intercept first.  Keywords:
+ * ZORVS_X_COL_DIM (int), ZORVS_NO_INTERCEPT, ZORVS_TOLERANCE (double),
+ * ZORVS_TOLERANCE_ADR (float *), ZORVS_FREQUENCIES (float[]), ZORVS_WEIGHTS
+ * (float[]), ZORVS_RANK (int *), ZORVS_ANOVA_TABLE (float **),
+ * ZORVS_ANOVA_TABLE_USER (float[15]), ZORVS_COEF_COVARIANCES (float **),
+ * ZORVS_COEF_COVARIANCES_USER (float[]), ZORVS_COV_COL_DIM (int),
+ * ZORVS_X_MEAN (float **), ZORVS_X_MEAN_USER (float[]), ZORVS_RESIDUAL
+ * (float **), ZORVS_RESIDUAL_USER (float[]), ZORVS_REGRESSION_INFO
+ * (zorvs_f_regression_info **), ZORVS_RETURN_USER (float[]).  The double
+ * twin takes double arrays and pointers and zorvs_d_regression_info **. */
+float *zorvs_f_regression(int n_rows, int n_independent, float x[], float y[], ...);
+double *zorvs_d_regression(int n_rows, int n_independent, double x[], double y[], ...);
+/* @@end regress */
 
 /* ------------------------------------------------------------------------ */
 /* Utilities: permutations                                                  */

@@ -1,0 +1,492 @@
+// Tests of the linear regression fit: coefficients, analysis of variance
+// table and covariances against R's lm on data sets shipped with R
+// (make_regression_lm.R), with and without intercept and with weights; the
+// hard problems Longley and a Wampler-style quintic against exact rational
+// least squares (make_regression_exact.py); frequencies against replicated
+// rows; the rank test; the record; every refusal and its outcome.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+#include "frame/frame.hpp"
+#include "stat/regress/givens_fit.hpp"
+#include "stat/regress/twins.hpp"
+#include "support/capture.hpp"
+#include "zorvstat.h"
+
+namespace {
+
+struct LmCase {
+    const char *name;
+    int n, nv, intercept;
+    bool weighted;
+    const double *x, *y, *w, *coef, *aov, *cov;
+};
+#include "data/stat/regress/regression_exact_ref.inc"
+#include "data/stat/regress/regression_lm_ref.inc"
+
+using zorvs_test::CodeLog;
+using zorvs_test::Quiet;
+
+using zorvs_test::fit;
+using zorvs_test::Info;
+
+// Significant digits of got against want (the log relative error, capped).
+double digits(double got, double want) {
+    if (got == want) return 17;
+    if (want == 0) return -std::log10(std::fabs(got));
+    return std::min(17.0, -std::log10(std::fabs(got - want) / std::fabs(want)));
+}
+double relative(double got, double want) {
+    if (std::isnan(want)) return std::isnan(got) ? 0 : 1;
+    return want == 0 ? std::fabs(got) : std::fabs(got - want) / std::fabs(want);
+}
+
+template <class T>
+class RegressionTwin : public ::testing::Test {};
+using Reals = ::testing::Types<float, double>;
+TYPED_TEST_SUITE(RegressionTwin, Reals);
+
+// Every case of lm: coefficients, the 15 entries of the table and the
+// covariances.  Double to 1e-10 relative, the p-value of F too, however
+// small; float to the digits its data and sums carry.
+TYPED_TEST(RegressionTwin, AgreesWithLm) {
+    using T = TypeParam;
+    const bool single = std::is_same_v<T, float>;
+    for (const LmCase &c : lm_cases) {
+        const int p = c.nv + c.intercept;
+        const double tol = single ? 1e-4 : 1e-10;
+        std::vector<T> x(c.x, c.x + c.n * c.nv), y(c.y, c.y + c.n), w(c.w, c.w + c.n);
+        std::vector<T> aov(15), cov(p * p);
+        T *coef = c.intercept ? fit<T>(c.n, c.nv, x.data(), y.data(), ZORVS_WEIGHTS, c.weighted ? w.data() : nullptr,
+                                       ZORVS_ANOVA_TABLE_USER, aov.data(), ZORVS_COEF_COVARIANCES_USER, cov.data(), 0)
+                              : fit<T>(c.n, c.nv, x.data(), y.data(), ZORVS_WEIGHTS, c.weighted ? w.data() : nullptr,
+                                       ZORVS_ANOVA_TABLE_USER, aov.data(), ZORVS_COEF_COVARIANCES_USER, cov.data(),
+                                       ZORVS_NO_INTERCEPT, 0);
+        ASSERT_NE(coef, nullptr) << c.name;
+        double scale = 0;
+        for (int j = 0; j < p; ++j) scale = std::max(scale, std::fabs(c.coef[j]));
+        for (int j = 0; j < p; ++j)
+            EXPECT_LE(std::fabs(coef[j] - c.coef[j]), tol * (single ? scale : std::fabs(c.coef[j])))
+                << c.name << " coefficient " << j;
+        for (int k = 0; k < 15; ++k) {
+            const double err = relative(aov[k], c.aov[k]);
+            EXPECT_LE(err, tol) << c.name << " table entry " << k << ": " << aov[k];
+        }
+        for (int i = 0; i < p; ++i)
+            for (int j = 0; j < p; ++j) {
+                const double want = c.cov[i * p + j];
+                const double bound = tol * std::sqrt(std::fabs(c.cov[i * p + i] * c.cov[j * p + j]));
+                EXPECT_LE(std::fabs(cov[i * p + j] - want), bound)
+                    << c.name << " covariance " << i << "," << j;
+            }
+        std::free(coef);
+    }
+}
+
+// Hard problems against exact rational least squares on the same doubles:
+// Longley to 9 digits at least, the quintic to 8.
+struct Hard {
+    const char *name;
+    int n, nv;
+    const double *x, *y, *coef;
+    double min_digits;
+};
+const Hard hard[] = {
+    {"Longley", 16, 6, longley_x, longley_y, longley_d_coef, 9},
+    {"quintic, exact fit", 21, 5, wampler_x, wampler_y1, wampler_y1_coef, 8},
+    {"quintic, noisy", 21, 5, wampler_x, wampler_y4, wampler_y4_coef, 8},
+};
+
+TEST(Regression, HardProblemsAgainstExactLeastSquares) {
+    for (const Hard &h : hard) {
+        std::vector<double> x(h.x, h.x + h.n * h.nv), y(h.y, h.y + h.n);
+        double *coef = zorvs_d_regression(h.n, h.nv, x.data(), y.data(), 0);
+        ASSERT_NE(coef, nullptr);
+        double worst = 17;
+        for (int j = 0; j <= h.nv; ++j) worst = std::min(worst, digits(coef[j], h.coef[j]));
+        EXPECT_GE(worst, h.min_digits) << h.name;
+        RecordProperty(h.name, std::to_string(worst));
+        std::free(coef);
+    }
+}
+
+// Single precision on Longley's data rounded to float (the exact solution
+// of those floats is the reference) and on the noisy quintic (exact in
+// float): the condition of the problems leaves three digits and more.
+TEST(Regression, HardProblemsInSinglePrecision) {
+    std::vector<float> x(longley_x, longley_x + 96), y(longley_y, longley_y + 16);
+    float *coef = zorvs_f_regression(16, 6, x.data(), y.data(), 0);
+    ASSERT_NE(coef, nullptr);
+    for (int j = 0; j < 7; ++j) EXPECT_GE(digits(coef[j], longley_f_coef[j]), 3.0) << j;
+    std::free(coef);
+    std::vector<float> wx(wampler_x, wampler_x + 105), wy(wampler_y4, wampler_y4 + 21);
+    coef = zorvs_f_regression(21, 5, wx.data(), wy.data(), 0);
+    ASSERT_NE(coef, nullptr);
+    for (int j = 0; j < 6; ++j) EXPECT_GE(digits(coef[j], wampler_y4_coef[j]), 3.0) << j;
+    std::free(coef);
+}
+
+// A column that is an exact multiple of another: rank one lower, its
+// coefficient 0.0, a warning, and the other coefficients those of the fit
+// without it.
+TYPED_TEST(RegressionTwin, DependentColumnIsDropped) {
+    using T = TypeParam;
+    Quiet q;
+    CodeLog codes;
+    // Longley with a seventh column, four times GNP, for double; trees with
+    // four times girth for float (whose Longley keeps too few digits).
+    const bool single = std::is_same_v<T, float>;
+    const LmCase &trees = lm_cases[1];
+    const int n = single ? trees.n : 16, nv0 = single ? 2 : 6, nv = nv0 + 1;
+    const double *x0 = single ? trees.x : longley_x, *y0 = single ? trees.y : longley_y;
+    const double *want = single ? trees.coef : longley_d_coef;
+    std::vector<T> x;
+    for (int i = 0; i < n; ++i) {
+        for (int j = 0; j < nv0; ++j) x.push_back(static_cast<T>(x0[i * nv0 + j]));
+        x.push_back(static_cast<T>(4 * x0[i * nv0 + 1]));
+    }
+    std::vector<T> y(y0, y0 + n);
+    int rank = -1;
+    Info<T> *info = nullptr;
+    T *coef = fit<T>(n, nv, x.data(), y.data(), ZORVS_RANK, &rank, ZORVS_REGRESSION_INFO, &info, 0);
+    ASSERT_NE(coef, nullptr);
+    EXPECT_TRUE(codes.has(3, 11047));
+    EXPECT_EQ(zorvs_error_param.i[1], nv);
+    EXPECT_EQ(rank, nv);
+    EXPECT_EQ(coef[nv], T(0));
+    for (int j = 0; j <= nv0; ++j) EXPECT_GE(digits(coef[j], want[j]), single ? 3 : 9) << j;
+    ASSERT_NE(info, nullptr);
+    EXPECT_EQ(info->rank, nv);
+    for (int i = 0; i <= nv; ++i) EXPECT_EQ(info->r_matrix[nv * (nv + 1) + i], T(0)) << i;  // dropped column
+    std::free(info);
+    std::free(coef);
+}
+
+// Frequencies give the fit of the replicated rows; a zero frequency drops
+// the row; a weight of 0.0 keeps the row in the degrees of freedom only.
+TYPED_TEST(RegressionTwin, FrequenciesAndWeights) {
+    using T = TypeParam;
+    const double tol = std::is_same_v<T, float> ? 2e-5 : 1e-12;
+    const LmCase &c = lm_cases[1];  // trees
+    std::vector<T> x(c.x, c.x + c.n * c.nv), y(c.y, c.y + c.n), f(c.n), xr, yr;
+    for (int i = 0; i < c.n; ++i) {
+        f[i] = static_cast<T>(i % 3);
+        for (int k = 0; k < i % 3; ++k) {
+            xr.insert(xr.end(), x.begin() + i * c.nv, x.begin() + (i + 1) * c.nv);
+            yr.push_back(y[i]);
+        }
+    }
+    const int nr = static_cast<int>(yr.size());
+    T aov_f[15], aov_r[15], mean_f[2], mean_r[2];
+    T *bf = fit<T>(c.n, c.nv, x.data(), y.data(), ZORVS_FREQUENCIES, f.data(), ZORVS_ANOVA_TABLE_USER, aov_f,
+                   ZORVS_X_MEAN_USER, mean_f, 0);
+    T *br = fit<T>(nr, c.nv, xr.data(), yr.data(), ZORVS_ANOVA_TABLE_USER, aov_r, ZORVS_X_MEAN_USER, mean_r, 0);
+    ASSERT_NE(bf, nullptr);
+    ASSERT_NE(br, nullptr);
+    for (int j = 0; j < 3; ++j) EXPECT_NEAR(bf[j], br[j], tol * (1 + std::fabs(br[j]))) << j;
+    for (int k = 0; k < 15; ++k) EXPECT_LE(relative(aov_f[k], aov_r[k]), 10 * tol) << k;
+    for (int j = 0; j < 2; ++j) EXPECT_NEAR(mean_f[j], mean_r[j], tol * std::fabs(mean_r[j])) << j;
+    std::free(bf);
+    std::free(br);
+
+    // Weights: the same coefficients as the rows with weight 2 given twice;
+    // a row of weight 0.0 still counts in the degrees of freedom.
+    std::vector<T> w(c.n, T(1));
+    w[0] = 2;
+    w[5] = 0;
+    T aov_w[15], mean_w[2];
+    T *bw = fit<T>(c.n, c.nv, x.data(), y.data(), ZORVS_WEIGHTS, w.data(), ZORVS_ANOVA_TABLE_USER, aov_w,
+                   ZORVS_X_MEAN_USER, mean_w, 0);
+    f.assign(c.n, T(1));
+    f[0] = 2;
+    f[5] = 0;
+    T aov_f2[15];
+    T *bf2 = fit<T>(c.n, c.nv, x.data(), y.data(), ZORVS_FREQUENCIES, f.data(), ZORVS_ANOVA_TABLE_USER, aov_f2, 0);
+    ASSERT_NE(bw, nullptr);
+    ASSERT_NE(bf2, nullptr);
+    for (int j = 0; j < 3; ++j) EXPECT_NEAR(bw[j], bf2[j], tol * (1 + std::fabs(bf2[j]))) << j;
+    EXPECT_EQ(aov_w[1], T(c.aov[1]));  // the row of weight 0.0 still counts
+    // The weighted mean: sum(w x) / sum(w).
+    double sw = 0, swx = 0;
+    for (int i = 0; i < c.n; ++i) {
+        sw += w[i];
+        swx += w[i] * c.x[i * c.nv];
+    }
+    EXPECT_NEAR(mean_w[0], swx / sw, tol * std::fabs(swx / sw));
+    std::free(bw);
+    std::free(bf2);
+}
+
+// The record: counts, extremes, means, and R with R'R = X'X.
+TEST(Regression, RecordHoldsTheFactorAndTheSummaries) {
+    const LmCase &c = lm_cases[0];  // cars
+    std::vector<double> x(c.x, c.x + c.n), y(c.y, c.y + c.n);
+    x[3] = NAN;
+    zorvs_d_regression_info *info = nullptr;
+    double *coef = zorvs_d_regression(c.n, 1, x.data(), y.data(), ZORVS_REGRESSION_INFO, &info, 0);
+    ASSERT_NE(info, nullptr);
+    EXPECT_EQ(info->n_observations, 50);
+    EXPECT_EQ(info->rows_missing, 1);
+    EXPECT_EQ(info->n_dependent, 1);
+    EXPECT_EQ(info->n_parameters, 2);
+    EXPECT_EQ(info->intercept, 1);
+    EXPECT_EQ(info->rank, 2);
+    EXPECT_EQ(info->df_error, 47);
+    EXPECT_EQ(info->coefficients[1], coef[1]);
+    double s = 0, s2 = 0, sy = 0, lo = 1e9, hi = -1e9;
+    for (int i = 0; i < c.n; ++i) {
+        if (i == 3) continue;
+        s += x[i];
+        s2 += x[i] * x[i];
+        sy += y[i];
+        lo = std::min(lo, x[i]);
+        hi = std::max(hi, x[i]);
+    }
+    EXPECT_EQ(*info->x_min, lo);
+    EXPECT_EQ(*info->x_max, hi);
+    EXPECT_NEAR(*info->x_mean, s / 49, 1e-13 * s / 49);
+    EXPECT_NEAR(*info->y_mean, sy / 49, 1e-13 * sy / 49);
+    const double *r = info->r_matrix;  // column-major 2 x 2
+    EXPECT_EQ(r[1], 0.0);
+    EXPECT_GT(r[0], 0.0);
+    EXPECT_GT(r[3], 0.0);
+    EXPECT_NEAR(r[0] * r[0], 49, 1e-12 * 49);
+    EXPECT_NEAR(r[0] * r[2], s, 1e-12 * s);
+    EXPECT_NEAR(r[2] * r[2] + r[3] * r[3], s2, 1e-12 * s2);
+    EXPECT_EQ(info->r_scale[0], 1.0);
+    std::free(info);
+    std::free(coef);
+}
+
+// Edge cases of the fit, each with its outcome.
+TYPED_TEST(RegressionTwin, EdgeCases) {
+    using T = TypeParam;
+    Quiet q;
+    CodeLog codes;
+    const T inf = std::numeric_limits<T>::infinity();
+    // Exact fit: error sum of squares 0, F infinite, p-value 0.
+    T x[] = {1, 2, 3, 4, 5};
+    T y[] = {3, 5, 7, 9, 11};
+    T aov[15];
+    T *b = fit<T>(5, 1, x, y, ZORVS_ANOVA_TABLE_USER, aov, 0);
+    ASSERT_NE(b, nullptr);
+    EXPECT_NEAR(b[0], 1, 1e-5);
+    EXPECT_NEAR(b[1], 2, 1e-5);
+    EXPECT_LE(aov[4], 1e-8);
+    if (aov[4] == 0) {
+        EXPECT_EQ(aov[8], inf);
+        EXPECT_EQ(aov[9], 0);
+    }
+    std::free(b);
+    // Constant y with an intercept: error sum of squares exactly 0.
+    T yc[] = {0.3f, 0.3f, 0.3f, 0.3f, 0.3f};
+    b = fit<T>(5, 1, x, yc, ZORVS_ANOVA_TABLE_USER, aov, 0);
+    EXPECT_EQ(aov[4], T(0));
+    EXPECT_EQ(b[1], T(0));
+    std::free(b);
+    // A constant column with an intercept is dropped.
+    T xk[] = {1, 7, 2, 7, 3, 7, 4, 7, 5, 7};
+    int rank = 0;
+    b = fit<T>(5, 2, xk, y, ZORVS_RANK, &rank, 0);
+    EXPECT_EQ(b[2], T(0));
+    EXPECT_NEAR(b[1], 2, 1e-5);
+    EXPECT_EQ(rank, 2);
+    EXPECT_TRUE(codes.has(3, 11047));
+    std::free(b);
+    // As many rows as parameters: no degrees of freedom, coefficients there.
+    codes.clear();
+    T y2[] = {1, 4, 0, 0, 0};
+    b = fit<T>(2, 1, x, y2, 0);
+    ASSERT_NE(b, nullptr);
+    EXPECT_TRUE(codes.has(6, 11049));
+    EXPECT_NEAR(b[0], -2, 1e-5);
+    EXPECT_NEAR(b[1], 3, 1e-5);
+    std::free(b);
+    // All rows missing: no degrees of freedom, and the rows counted.
+    codes.clear();
+    const T nan = std::numeric_limits<T>::quiet_NaN();
+    T xn[] = {nan, nan, nan};
+    Info<T> *info = nullptr;
+    b = fit<T>(3, 1, xn, y, ZORVS_REGRESSION_INFO, &info, 0);
+    EXPECT_TRUE(codes.has(6, 11049));
+    ASSERT_NE(info, nullptr);
+    EXPECT_EQ(info->rows_missing, 3);
+    EXPECT_EQ(info->df_error, T(0));
+    EXPECT_TRUE(std::isnan(*info->x_min));
+    std::free(info);
+    std::free(b);
+    // Residuals: NaN where the row has a NaN, the rest y - fit.
+    T xr[] = {1, 2, nan, 4, 5};
+    T res[5];
+    b = fit<T>(5, 1, xr, y, ZORVS_RESIDUAL_USER, res, 0);
+    EXPECT_TRUE(std::isnan(res[2]));
+    for (int i : {0, 1, 3, 4}) EXPECT_NEAR(res[i], 0, 1e-5) << i;
+    std::free(b);
+}
+
+// Refusals: the message, a null result, nothing written to the caller's
+// pointers, and x as it was.
+TEST(Regression, BadInputIsRefused) {
+    Quiet q;
+    CodeLog codes;
+    double x[] = {1, 2, 3, 4, 5, 6};
+    double y[] = {1, 3, 2, 5, 4, 6};
+    double negative[] = {1, 1, -1, 1, 1, 1};
+    const std::vector<double> before(x, x + 6);
+    double *sentinel = reinterpret_cast<double *>(&codes);
+    double *table = sentinel;
+    zorvs_d_regression_info *info = reinterpret_cast<zorvs_d_regression_info *>(&codes);
+    auto expect_refused = [&](double *result, int type, int code) {
+        EXPECT_EQ(result, nullptr) << code;
+        EXPECT_TRUE(codes.has(type, code)) << code;
+        EXPECT_EQ(table, sentinel) << code;
+        EXPECT_EQ(reinterpret_cast<void *>(info), reinterpret_cast<void *>(&codes)) << code;
+        EXPECT_EQ(std::vector<double>(x, x + 6), before) << code;
+        codes.clear();
+    };
+    expect_refused(zorvs_d_regression(6, 1, x, y, ZORVS_FREQUENCIES, negative, ZORVS_ANOVA_TABLE, &table,
+                                      ZORVS_REGRESSION_INFO, &info, 0),
+                   4, 11054);
+    EXPECT_EQ(zorvs_error_param.i[2], 3);
+    expect_refused(zorvs_d_regression(6, 1, x, y, ZORVS_WEIGHTS, negative, ZORVS_ANOVA_TABLE, &table, 0), 4, 11056);
+    expect_refused(zorvs_d_regression(0, 1, x, y, 0), 5, 603);
+    expect_refused(zorvs_d_regression(6, 0, x, y, 0), 5, 603);
+    expect_refused(zorvs_d_regression(6, 1, nullptr, y, 0), 5, 6002);
+    expect_refused(zorvs_d_regression(6, 1, x, nullptr, 0), 5, 6002);
+    expect_refused(zorvs_d_regression(3, 2, x, y, ZORVS_X_COL_DIM, 1, 0), 5, 1024);
+    expect_refused(zorvs_d_regression(6, 1, x, y, ZORVS_COV_COL_DIM, 3, 0), 5, 11038);
+    expect_refused(zorvs_d_regression(6, 1, x, y, ZORVS_TOLERANCE, 1.5, 0), 5, 11050);
+    expect_refused(zorvs_d_regression(6, 1, x, y, ZORVS_ANOVA_TABLE_USER, nullptr, 0), 5, 104);
+    expect_refused(zorvs_d_regression(6, 1, x, y, 77, 0), 5, 11001);
+    // A column of zeros is dropped, with the warning, and the fit goes on.
+    double zeros[] = {0, 0, 0, 0, 0, 0};
+    double *b = zorvs_d_regression(6, 1, zeros, y, 0);
+    ASSERT_NE(b, nullptr);
+    EXPECT_TRUE(codes.has(3, 11047));
+    EXPECT_EQ(b[1], 0.0);
+    EXPECT_DOUBLE_EQ(b[0], 3.5);
+    std::free(b);
+}
+
+// The fit by modes: rows added in several calls give the fit of one call,
+// to the bit, with and without weights.
+TYPED_TEST(RegressionTwin, RowsInBlocksGiveTheSameFit) {
+    using T = TypeParam;
+    const LmCase &c = lm_cases[3];  // swiss
+    const int p = c.nv + 1;
+    std::vector<T> x(c.x, c.x + c.n * c.nv), y(c.y, c.y + c.n), w(c.w, c.w + c.n);
+    for (const T *wt : {static_cast<const T *>(nullptr), static_cast<const T *>(w.data())}) {
+        std::vector<T> work[2], coef[2], r[2];
+        zorvs::GivensFit<T> fit[2];
+        for (int k = 0; k < 2; ++k) {
+            work[k].assign(zorvs::GivensFit<T>::work_size(p), T(0));
+            coef[k].assign(p, T(0));
+            r[k].assign(p * p, T(0));
+            fit[k] = zorvs::GivensFit<T>{};
+            fit[k].n_independent = c.nv;
+            fit[k].intercept = 1;
+            fit[k].tolerance = T(1e-5);
+            fit[k].work = work[k].data();
+        }
+        zorvs::r2ivn<T>(0, fit[0], c.n, x.data(), c.nv, y.data(), nullptr, wt, 0, coef[0].data(), r[0].data());
+        zorvs::r2ivn<T>(1, fit[1], 0, nullptr, c.nv, nullptr, nullptr, nullptr, 0, nullptr, nullptr);
+        for (long first : {0L, 10L, 30L}) {
+            const long n = first == 30 ? c.n - 30 : (first == 0 ? 10 : 20);
+            zorvs::r2ivn<T>(2, fit[1], n, x.data() + first * c.nv, c.nv, y.data() + first, nullptr,
+                            wt ? wt + first : nullptr, first, nullptr, nullptr);
+        }
+        zorvs::r2ivn<T>(3, fit[1], 0, nullptr, c.nv, nullptr, nullptr, nullptr, 0, coef[1].data(), r[1].data());
+        EXPECT_EQ(coef[0], coef[1]);
+        EXPECT_EQ(r[0], r[1]);
+        EXPECT_EQ(fit[0].sse, fit[1].sse);
+        EXPECT_EQ(fit[0].df_error, fit[1].df_error);
+        EXPECT_EQ(fit[0].rank, p);
+    }
+}
+
+// The pointer forms give the same numbers as the user forms, the covariance
+// matrix in a wider row stride.
+TEST(Regression, PointerFormsOfTheOutputs) {
+    const LmCase &c = lm_cases[1];  // trees
+    std::vector<double> x(c.x, c.x + c.n * c.nv), y(c.y, c.y + c.n);
+    double *aov = nullptr, *cov = nullptr, *mean = nullptr, *res = nullptr;
+    double coef[3];
+    EXPECT_EQ(zorvs_d_regression(c.n, c.nv, x.data(), y.data(), ZORVS_RETURN_USER, coef, ZORVS_ANOVA_TABLE, &aov,
+                                 ZORVS_COEF_COVARIANCES, &cov, ZORVS_COV_COL_DIM, 4, ZORVS_X_MEAN, &mean,
+                                 ZORVS_RESIDUAL, &res, 0),
+              coef);
+    ASSERT_TRUE(aov && cov && mean && res);
+    for (int k = 0; k < 15; ++k) EXPECT_LE(relative(aov[k], c.aov[k]), 1e-10) << k;
+    for (int i = 0; i < 3; ++i)
+        for (int j = 0; j < 3; ++j) EXPECT_LE(relative(cov[i * 4 + j], c.cov[i * 3 + j]), 1e-10) << i << j;
+    double ss = 0;
+    for (int i = 0; i < c.n; ++i) ss += res[i] * res[i];
+    EXPECT_LE(relative(ss, c.aov[4]), 1e-12);
+    EXPECT_LE(relative(mean[1], 76.0), 1e-15);  // mean height of the trees
+    for (double *p : {aov, cov, mean, res}) std::free(p);
+}
+
+// A failing allocation at each step: the message, and what is delivered.
+TEST(Regression, AllocationFailures) {
+    Quiet q;
+    CodeLog codes;
+    struct Row {
+        int failing, code;
+        bool coefficients;  // the result still comes back
+    } rows[] = {{1, 202, false}, {2, 201, false}, {3, 201, false}, {4, 11039, true},
+                {5, 11040, true}, {6, 11041, true}, {7, 11042, true}};
+    double x[] = {1, 2, 3, 4, 5};
+    double y[] = {1, 3, 2, 5, 4};
+    for (const Row &r : rows) {
+        double *out[4] = {nullptr, nullptr, nullptr, nullptr};
+        zorvs_d_regression_info *info = nullptr;
+        zorvs::allocation_failure_countdown = r.failing;
+        double *b = zorvs_d_regression(5, 1, x, y, ZORVS_COEF_COVARIANCES, &out[0], ZORVS_ANOVA_TABLE, &out[1],
+                                       ZORVS_X_MEAN, &out[2], ZORVS_RESIDUAL, &out[3], ZORVS_REGRESSION_INFO, &info, 0);
+        zorvs::allocation_failure_countdown = 0;
+        EXPECT_TRUE(codes.has(5, r.code)) << r.failing;
+        EXPECT_EQ(b != nullptr, r.coefficients) << r.failing;
+        EXPECT_EQ(info != nullptr, r.coefficients) << r.failing;
+        // The other outputs stand; the failed one is not written.
+        for (int k = 0; k < 4; ++k) EXPECT_EQ(out[k] != nullptr, r.coefficients && k != r.failing - 4) << r.failing;
+        for (double *p : out) std::free(p);
+        std::free(info);
+        std::free(b);
+        codes.clear();
+    }
+}
+
+// Subnormal and huge weights: the fit stays finite and equals the fit
+// without the subnormal row, or with the huge one counted alone.
+TEST(Regression, ExtremeWeights) {
+    double x[] = {1, 2, 3, 4, 5};
+    double y[] = {2, 3, 7, 8, 9};
+    double w[] = {4e-320, 1, 1, 1, 1};
+    double *b = zorvs_d_regression(5, 1, x, y, ZORVS_WEIGHTS, w, 0);
+    double *c = zorvs_d_regression(4, 1, x + 1, y + 1, 0);
+    ASSERT_TRUE(b && c);
+    EXPECT_NEAR(b[0], c[0], 1e-13);
+    EXPECT_NEAR(b[1], c[1], 1e-13);
+    w[0] = 1e300;
+    std::free(b);
+    b = zorvs_d_regression(5, 1, x, y, ZORVS_WEIGHTS, w, 0);
+    ASSERT_NE(b, nullptr);
+    EXPECT_NEAR(b[0] + b[1] * x[0], y[0], 1e-12);  // the line goes through the heavy point
+    std::free(b);
+    std::free(c);
+}
+
+TEST(Regression, NegativeWeightStopsTheProcess) {
+    double x[] = {1, 2, 3};
+    double y[] = {1, 2, 4};
+    double w[] = {1, -1, 1};
+    EXPECT_EXIT(zorvs_d_regression(3, 1, x, y, ZORVS_WEIGHTS, w, 0), ::testing::ExitedWithCode(4),
+                "FATAL    Error( [A-Z0-9_]+)? from zorvs_d_regression\\.");
+}
+
+}  // namespace
