@@ -5,16 +5,9 @@
 // beta_f_ref.inc (make_beta_f.py, wider sweeps), quantiles against the same
 // files by value and by round trip, the two-sided t tail against R
 // (make_t_two_sided.R), and edge cases and messages as rows.
-#include <algorithm>
-#include <cfloat>
-#include <cmath>
-#include <map>
-#include <string>
-#include <vector>
 
 #include "dist/continuous.h"
 #include "support/tables.hpp"
-#include "zorvstat.h"
 
 namespace {
 

@@ -4,16 +4,9 @@
 // hypergeometric sums (hypergeometric_ref.inc, make_hypergeometric.py) over
 // grids that reach tails below 1e-300, exact rational values, and every
 // message of the family as rows.
-#include <cfloat>
-#include <cmath>
-#include <map>
-#include <sstream>
-#include <string>
-#include <vector>
 
 #include "dist/discrete.h"
 #include "support/tables.hpp"
-#include "zorvstat.h"
 
 namespace {
 

@@ -10,15 +10,10 @@
 // safe F ratio's impossible degrees of freedom give a missing tail by
 // design).  Shapes of the beta family are drawn up to 10^6 (2 10^6 for F),
 // where their sums stay short; huge shapes have rows in continuous_test.cpp.
-#include <cmath>
-#include <cstdint>
-#include <string>
-#include <vector>
 
 #include "dist/continuous.h"
 #include "dist/special.h"
 #include "support/tables.hpp"
-#include "zorvstat.h"
 
 namespace {
 

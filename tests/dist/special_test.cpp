@@ -2,13 +2,10 @@
 // references of tests/data/dist/special_ref.inc (make_special.py), the edge
 // cases of each method and every message of the family as rows, and the
 // series lengths known at compile time against those the first use finds.
-#include <cmath>
-#include <cstdio>
 
 #include "dist/special.h"
 #include "dist/special_detail.hpp"
 #include "support/tables.hpp"
-#include "zorvstat.h"
 
 namespace {
 

@@ -3,11 +3,9 @@
 // studentized_range_ref.inc, make_studentized_range.py; quantiles by solving
 // its cdf(q) = p to 1e-13) for 2 to 100 means and 2 to 1e6 degrees of
 // freedom, in both twins; edge values and messages as rows.
-#include <cmath>
 
 #include "dist/discrete.h"
 #include "support/tables.hpp"
-#include "zorvstat.h"
 
 namespace {
 

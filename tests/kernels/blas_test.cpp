@@ -4,13 +4,9 @@
 // norm across its three ranges; rotations by their defining properties; the
 // argument checks of the checking kernels as rows.
 #include <array>
-#include <cmath>
-#include <random>
-#include <vector>
 
 #include "kernels/kernels.h"
 #include "support/tables.hpp"
-#include "zorvstat.h"
 
 namespace {
 
@@ -32,7 +28,6 @@ std::vector<T> random_vector(std::mt19937 &g, std::size_t size) {
 
 template <class T>
 class KernelTwin : public ::testing::Test {};
-using Reals = ::testing::Types<float, double>;
 TYPED_TEST_SUITE(KernelTwin, Reals);
 
 const int strides[] = {1, 2, 3, -1, -2, -3};

@@ -2,18 +2,13 @@
 // inverse, the sweep operator and the small matrix utilities, in both twins.
 // References are exact: matrices A = R'R built from integer triangles R, so
 // that the factor, the solutions and the inverses are known rationals.
-#include <algorithm>
-#include <cmath>
-#include <vector>
 
 #include "kernels/linalg.h"
 #include "support/tables.hpp"
-#include "zorvstat.h"
 
 namespace {
 
 using namespace zorvs_test;
-using Index = std::size_t;
 
 // A = R'R from an integer upper triangle R (n x n, column-major); rows listed
 // in `dependent` are zero, which makes A singular of rank n - |dependent|.
@@ -63,7 +58,6 @@ void sweep(int k, int n, std::vector<T> &a, int irev, T tol, const std::vector<T
 
 template <class T>
 class CholeskyTwins : public ::testing::Test {};
-using Reals = ::testing::Types<float, double>;
 TYPED_TEST_SUITE(CholeskyTwins, Reals);
 
 TYPED_TEST(CholeskyTwins, FactorReproducesTheInputAndTheExactTriangle) {

@@ -3,19 +3,13 @@
 // make_eigen_reference.py), residuals and orthogonality on random, graded,
 // repeated-value, singular and data covariance matrices up to 500 x 500;
 // small exact cases; messages as rows.
-#include <algorithm>
-#include <cmath>
-#include <cstdio>
-#include <vector>
 
 #include "kernels/linalg.h"
 #include "support/tables.hpp"
-#include "zorvstat.h"
 
 namespace {
 
 using namespace zorvs_test;
-using Index = std::size_t;
 
 #include "data/kernels/eigen_reference.inc"
 

@@ -2,16 +2,10 @@
 // against std::sort on random, sorted, reverse, all-equal and many-ties
 // inputs up to 10^6 elements, in both twins; sorts by absolute value;
 // integer sorts; the permutation by cycles; the checks as rows.
-#include <algorithm>
-#include <cmath>
 #include <numeric>
-#include <random>
-#include <vector>
 
-#include "frame/frame.hpp"
 #include "kernels/kernels.h"
 #include "support/tables.hpp"
-#include "zorvstat.h"
 
 namespace {
 
@@ -51,7 +45,6 @@ void expect_permutation(const std::vector<int> &p, const std::vector<T> &a, cons
 
 template <class T>
 class SortTwin : public ::testing::Test {};
-using Reals = ::testing::Types<float, double>;
 TYPED_TEST_SUITE(SortTwin, Reals);
 
 TYPED_TEST(SortTwin, KeysAndPermutationAgreeWithStdSort) {

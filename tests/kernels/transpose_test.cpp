@@ -2,12 +2,9 @@
 // shape by both in-place methods (block copy, and permutation cycles when the
 // buffer cannot be had), out of place, the doubling products for matrices
 // beyond the integer range, the three twins; bad shapes as rows.
-#include <vector>
 
-#include "frame/frame.hpp"
 #include "kernels/linalg.h"
 #include "support/tables.hpp"
-#include "zorvstat.h"
 
 namespace {
 

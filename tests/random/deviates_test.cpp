@@ -5,21 +5,11 @@
 // library's own distribution functions, sample moments within 4 standard
 // errors (beta moments from mpmath, tests/data/random/beta_moments.inc,
 // make_beta_moments.py), covariances, and the failure paths as rows.
-#include <algorithm>
 #include <cctype>
-#include <cmath>
-#include <cstdint>
-#include <cstdio>
-#include <cstdlib>
-#include <functional>
 #include <iterator>
-#include <string>
-#include <vector>
 
 #include "data/random/sequences.hpp"
-#include "frame/frame.hpp"
 #include "support/tables.hpp"
-#include "zorvstat.h"
 
 namespace {
 

@@ -4,18 +4,11 @@
 // the blocked states against the published one-step formula, one stream
 // across the twins, the seed, option and shuffle-table routines, and the
 // failure paths as rows.
-#include <algorithm>
-#include <cmath>
-#include <random>
-#include <string>
-#include <vector>
 
 #include "data/random/long_runs.hpp"
 #include "data/random/sequences.hpp"
-#include "frame/frame.hpp"
 #include "random/random.h"
 #include "support/tables.hpp"
-#include "zorvstat.h"
 
 namespace {
 

@@ -1,22 +1,34 @@
 // tables.hpp - helpers of the table-driven tests: rows of calls with the
 // value and the (type, code) each must give, rows of process stops, the
-// float or double routine of a twin, and the largest error of a sweep.
+// float or double routine of a twin, and the largest error of a sweep.  The
+// one header a test file includes besides the headers of what it tests:
+// GoogleTest, the standard headers the tests use, the public header and the
+// frame's internals (allocation failures, the routine frame).
 #ifndef ZORVS_TEST_TABLES_HPP
 #define ZORVS_TEST_TABLES_HPP
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
+#include <cfloat>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
 #include <limits>
+#include <map>
+#include <numeric>
+#include <random>
 #include <sstream>
 #include <string>
 #include <type_traits>
 #include <vector>
 
+#include "frame/frame.hpp"
 #include "support/capture.hpp"
+#include "zorvstat.h"
 
 namespace zorvs_test {
 
@@ -24,6 +36,9 @@ inline constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 inline constexpr double Inf = std::numeric_limits<double>::infinity();
 // A result a row does not look at.
 inline constexpr double any = -0x1.2345p1000;
+
+using Reals = ::testing::Types<float, double>;
+using Index = std::size_t;
 
 template <class T>
 inline constexpr double eps_of = std::numeric_limits<T>::epsilon();
