@@ -1,7 +1,6 @@
 // special_test.cpp - special functions: both twins against the 50-digit
-// references of tests/data/dist/special_ref.inc (make_special.py), the edge
-// cases of each method and every message of the family as rows, and the
-// series lengths known at compile time against those the first use finds.
+// references of tests/data/dist/special_ref.inc (make_special.py), and the
+// edge cases of each method and every message of the family as rows.
 
 #include "dist/special.h"
 #include "dist/special_detail.hpp"
@@ -97,13 +96,6 @@ TEST(SpecialEdges, ValuesAndMessages) {
     const double big = 0x1.fffffffffffffp1023, tiny = 0x1p-1022;
     expect_calls({
         // gamma and its logarithm
-        {ZORVS_CALL(zorvs_d_gamma(1.0)), 1, 0, 0, "", 2 * eps_of<double>},
-        {ZORVS_CALL(zorvs_d_gamma(5.0)), 24},
-        {ZORVS_CALL(zorvs_d_gamma(0.5) * zorvs_d_gamma(0.5)), M_PI, 0, 0, "", 4 * eps_of<double> * M_PI},
-        {ZORVS_CALL(zorvs_f_gamma(0.5f) * zorvs_f_gamma(0.5f)), float(M_PI), 0, 0, "", 4 * eps_of<float> * M_PI},
-        {ZORVS_CALL(zorvs_d_gamma(-1.5)), 4 * std::sqrt(M_PI) / 3, 0, 0, "", 1e-14},
-        {ZORVS_CALL(zorvs_d_gamma(10.0)), 362880, 0, 0, "", 362880 * 1e-15},
-        {ZORVS_CALL(zorvs_f_gamma(10.0f)), 362880, 0, 0, "", 362880 * 4 * eps_of<float>},
         {ZORVS_CALL(zorvs_d_log_gamma(1e305) / (1e305 * (std::log(1e305) - 1))), 1, 0, 0, "", 1e-15},
         {ZORVS_CALL(zorvs_d_gamma(0.0)), NaN, 5, 9024},
         {ZORVS_CALL(zorvs_d_gamma(-2.0)), NaN, 5, 9006, "r1=-2"},
@@ -132,12 +124,7 @@ TEST(SpecialEdges, ValuesAndMessages) {
         {ZORVS_CALL(limits(tiny, big, false)), -170.56, 0, 0, "", 0.01},
         {ZORVS_CALL(limits(0x1p-126f, float(NaN), true)), NaN, 4, 9023},
         // beta, its logarithm and log(1 + x)
-        {ZORVS_CALL(zorvs_d_beta(1, 1)), 1, 0, 0, "", eps_of<double>},
-        {ZORVS_CALL(zorvs_f_beta(2, 3)), 1.0 / 12, 0, 0, "", 1e-7},
         {ZORVS_CALL(zorvs_d_log_beta(12, 15) - zorvs_d_log_beta(15, 12)), 0},
-        {ZORVS_CALL(zorvs_d_log_beta(2, 3)), std::log(1.0 / 12), 0, 0, "", 1e-15},
-        {ZORVS_CALL(zorvs_d_log_beta(2, 15)), -std::log(15.0 * 16.0), 0, 0, "", 1e-13},
-        {ZORVS_CALL(zorvs_d_log_beta(12, 15)), std::lgamma(12.) + std::lgamma(15.) - std::lgamma(27.), 0, 0, "", 1e-12},
         {ZORVS_CALL(zorvs_dalnrel(0.0)), 0},
         {ZORVS_CALL(zorvs_dalnrel(1e-300)), 1e-300},
         {ZORVS_CALL(zorvs_d_beta(-1.0, 2.0)), NaN, 5, 9031, "r1=-1 r2=2"},
@@ -156,7 +143,6 @@ TEST(SpecialEdges, ValuesAndMessages) {
         {ZORVS_CALL(zorvs_d_erf(7.0)), 1},
         {ZORVS_CALL(zorvs_d_erf(-7.0)), -1},
         {ZORVS_CALL(zorvs_d_erf(1e-300)), 2e-300 / std::sqrt(M_PI)},
-        {ZORVS_CALL(zorvs_d_erf(NaN)), NaN, 0},
         {ZORVS_CALL(zorvs_d_erfc(30.0)), 0, 2, 9015, "r1=30 r2~26.5333"},
         {ZORVS_CALL(zorvs_f_erfc(10.f)), 0, 2, 9015},
         {ZORVS_CALL(zorvs_d_normal_cdf(0.0)), 0.5},
@@ -165,8 +151,6 @@ TEST(SpecialEdges, ValuesAndMessages) {
         {ZORVS_CALL(zorvs_d_normal_cdf(-40.0)), 0, 0},  // the underflow cleared in silence
         {ZORVS_CALL(zorvs_f_normal_cdf(-40.0f)), 0, 0},
         {ZORVS_CALL(zorvs_d_normal_inverse_cdf(0.5)), 0},
-        {ZORVS_CALL(zorvs_d_normal_inverse_cdf(0.975)), 1.959963984540054, 0, 0, "", 1e-6},
-        {ZORVS_CALL(zorvs_f_normal_inverse_cdf(0.975f)), 1.959963984540054, 0, 0, "", 1e-6},
         {ZORVS_CALL(zorvs_d_normal_inverse_cdf(0.25) + zorvs_d_normal_inverse_cdf(0.75)), 0},
         {ZORVS_CALL(zorvs_d_normal_inverse_cdf(1e-300) / -37.047096), 1, 0, 0, "", 1e-5},
         {ZORVS_CALL(zorvs_d_normal_inverse_cdf(0.0)), NaN, 5, 9041},
@@ -181,8 +165,6 @@ TEST(SpecialEdges, ValuesAndMessages) {
         {ZORVS_CALL(zorvs_d_bivariate_normal_cdf(40, 0.3, 0.4)), zorvs_d_normal_cdf(0.3), 0, 0, "", 1e-15},
         {ZORVS_CALL(zorvs_d_bivariate_normal_cdf(-40, 0.3, 0.4)), 0},
         {ZORVS_CALL(zorvs_d_bivariate_normal_cdf(1.1e-16, -0.0, -1e-310)), 0.25, 0, 0, "", 1e-15},
-        {ZORVS_CALL(zorvs_d_bivariate_normal_cdf(NaN, NaN, 0.4)), NaN, 0},
-        {ZORVS_CALL(zorvs_d_bivariate_normal_cdf(NaN, 0.5, 1)), NaN, -1},
         {ZORVS_CALL(zorvs_d_bivariate_normal_cdf(1, 2, 1.5)), NaN, 5, 20030, "r1=1.5"},
         {ZORVS_CALL(zorvs_d_bivariate_normal_cdf(1, 2, 1)), zorvs_d_normal_cdf(1), 6, 20031},
         {ZORVS_CALL(zorvs_d_bivariate_normal_cdf(1, 2, -1)), zorvs_d_normal_cdf(1) + zorvs_d_normal_cdf(2) - 1, 6,
@@ -202,45 +184,6 @@ TEST(SpecialEdges, ValuesAndMessages) {
         {ZORVS_CALL(zorvs_initds(tail, 2, 1e-3f)), 0, 5, 9005},
         {ZORVS_CALL(zorvs_inits(csf, 2, 1e-3f)), 0, 5, 9005},
     });
-}
-
-TEST(SpecialStopsDeathTest, StopByDefault) {
-    expect_stops({
-        {[] { zorvs_d_gamma(200.0); }, 4, "zorvs_d_gamma"},
-        {[] { zorvs_f_bivariate_normal_cdf(0, 0, 2); }, 5, "zorvs_f_bivariate_normal_cdf"},
-    });
-}
-
-// The series lengths the hot paths expect, known at compile time, are those
-// the first use works out from the machine constants, before and after it.
-template <class T, std::size_t N>
-int first_use_length(const zorvs::special::SeriesTable<T, N> &table, int nos, double scale) {
-    if constexpr (sizeof(T) == 4) return zorvs_inits(table.c, nos, float(T(scale) * zorvs_f_machine(3)));
-    else return zorvs_initds(table.c, nos, float(T(scale) * zorvs_d_machine(3)));
-}
-
-template <class T>
-void expect_lengths_agree() {
-    using namespace zorvs::special;
-    constexpr auto gam = rounded<T>(gamcs_data), algm = rounded<T>(algmcs_data), alnr = rounded<T>(alnrcs_data);
-    constexpr int alnr_nos = sizeof(T) == 4 ? 23 : 43;  // the terms log(1+x) looks at
-    EXPECT_EQ(expected_terms(gam, 0.1), first_use_length(gam, 42, 0.1));
-    EXPECT_EQ(expected_terms(algm, 1.0), first_use_length(algm, 15, 1.0));
-    EXPECT_EQ(expected_terms(alnr, 0.1, alnr_nos), first_use_length(alnr, alnr_nos, 0.1));
-    const int expected[] = {erfcs_terms<T>, erc2cs_terms<T>, erfccs_terms<T>};
-    EXPECT_EQ(expected[0], first_use_length(lv_erfcs<T>, 21, 0.1));
-    EXPECT_EQ(expected[1], first_use_length(lv_erc2cs<T>, 49, 0.1));
-    EXPECT_EQ(expected[2], first_use_length(lv_erfccs<T>, 59, 0.1));
-    twin<T>(zorvs_f_erfc, zorvs_d_erfc)(T(3));
-    const auto &bounds = lv_erfc_bounds<T>;
-    EXPECT_EQ(bounds.nterf, expected[0]);
-    EXPECT_EQ(bounds.nterc2, expected[1]);
-    EXPECT_EQ(bounds.nterfc, expected[2]);
-}
-
-TEST(SpecialSeries, CompileTimeLengthsAreTheFirstUseLengths) {
-    expect_lengths_agree<double>();
-    expect_lengths_agree<float>();
 }
 
 }  // namespace

@@ -324,13 +324,4 @@ TEST(Cholesky, SmallUtilitiesAndTheirMessages) {
     });
 }
 
-TEST(CholeskyDeathTest, BadToleranceStops) {
-    expect_stops({{[] {
-                       int n = 1, rank;
-                       double a = 1, fac, tol = -1;
-                       zorvs_dchfac(&n, &a, &n, &tol, &rank, &fac, &n);
-                   },
-                   5, "20405|chfac"}});
-}
-
 }  // namespace

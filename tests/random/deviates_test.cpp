@@ -553,12 +553,4 @@ TEST(RandomDeviates, FailuresAsRows) {
     });
 }
 
-TEST(RandomDeviatesDeathTest, BadParametersStopByDefault) {
-    expect_stops({
-        {[] { zorvs_d_random_gamma(3, -1.0, 0); }, 5, "11036|zorvs_d_random_gamma"},
-        {[] { zorvs_f_random_beta(3, 1.0f, 0.0f, 0); }, 5, "11034|zorvs_f_random_beta"},
-        {[] { zorvs_d_random_beta(2, Inf, 2.0, 0); }, 5, "Deviate 1 of the beta"},
-    });
-}
-
 }  // namespace

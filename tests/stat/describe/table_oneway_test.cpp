@@ -124,12 +124,4 @@ TYPED_TEST(TableOnewayTwin, ChecksRaiseInOrderAndReturnNull) {
     std::free(t);
 }
 
-TEST(TableOnewayDeathTest, TerminalErrorEndsTheProcess) {
-    expect_stops({{[] {
-                       double x[2] = {1, 2}, c[1] = {0};
-                       zorvs_d_table_oneway(2, x, 2, ZORVS_CUTPOINTS, c, ZORVS_CLASS_MARKS, c, 0);
-                   },
-                   5, "zorvs_d_table_oneway"}});
-}
-
 }  // namespace
