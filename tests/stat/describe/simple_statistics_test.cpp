@@ -159,6 +159,42 @@ TEST(SimpleStatistics, SpecialCasesAsRows) {
     EXPECT_EQ(0, std::memcmp(m, m_before.data(), sizeof m));
 }
 
+// The common case (list-wise, neither weights nor frequencies) runs a
+// vectorised pass of its own: for 1 to 12 variables (the vector widths and
+// their remainders), in both twins, columns j of (j + 1) times the small
+// integers, a last row holding a NaN passed over, and a leading dimension
+// wider than the variables.
+template <class T>
+void expect_multiples_of_the_small_integers() {
+    const ReferenceSet &ints = reference_sets[6];
+    ASSERT_EQ(ints.name, std::string("small_integers"));
+    const int n = ints.n + 1, ld = 13;
+    Quiet q;
+    for (int nv : {1, 2, 3, 4, 5, 7, 8, 9, 12}) {
+        std::vector<T> x(Index(n) * ld, T(7));
+        for (int i = 0; i < ints.n; ++i)
+            for (int j = 0; j < nv; ++j) x[i * ld + j] = T(ints.x[i] * (j + 1));
+        x[ints.n * ld + nv - 1] = T(NaN);
+        T *t = twin<T>(zorvs_f_simple_statistics, zorvs_d_simple_statistics)(n, nv, x.data(), ZORVS_X_COL_DIM, ld,
+                                                                             ZORVS_MEDIAN_AND_SCALE, 0);
+        const double tol = sizeof(T) == 4 ? 1e-6 : 1e-14;
+        for (int j = 0; j < nv; ++j) {
+            for (int k : {MEAN, SD, SKEW, KURT}) {
+                const double want = ints.exact[k] * (k == MEAN || k == SD ? j + 1 : 1);
+                EXPECT_NEAR(t[k * nv + j], want, tol * std::max(1.0, std::fabs(want))) << nv << " variables, " << j << ": " << k;
+            }
+            EXPECT_TRUE(t[COUNT * nv + j] == 15 && t[MED * nv + j] == T(5 * (j + 1)) && t[MAD * nv + j] == T(2 * (j + 1)))
+                << nv << " variables, " << j;
+        }
+        std::free(t);
+    }
+}
+
+TEST(SimpleStatistics, VectorisedPassForAnyNumberOfVariables) {
+    expect_multiples_of_the_small_integers<double>();
+    expect_multiples_of_the_small_integers<float>();
+}
+
 // Bad input: the message, a null result (the caller's storage back), the
 // data untouched.
 TEST(SimpleStatistics, BadInputAsRows) {
