@@ -81,9 +81,9 @@ inline void expect_params(const char *params) {
 
 // One call, the value it must return (NaN: a NaN; any: not looked at), the
 // (type, code) it must leave at user level ((0, 0): none; -1: not looked
-// at), the message
-// parameters, a tolerance, and a text the error unit must show (the
-// routine's name).
+// at), the message parameters, a tolerance, and a text the error unit must
+// show (the routine's name).  A row reads
+//     {ZORVS_CALL(zorvs_d_gamma(-2.0)), NaN, 5, 9006, "r1=-2"},
 struct Call {
     const char *what;
     std::function<double()> call;
