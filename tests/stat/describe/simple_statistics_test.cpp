@@ -110,7 +110,7 @@ struct Special {
 
 TEST(SimpleStatistics, SpecialCasesAsRows) {
     double one[] = {4.5, -1.0}, same[] = {3.0, 3.0, 3.0, 3.0}, x[] = {1, 2, 100, 3}, w[] = {1, 1, 0, 1};
-    double y[] = {1, 5, 6}, f[] = {2.5, 1, 1};
+    double y[] = {1, 5, 6}, f[] = {2.5, 1, 1}, ones[] = {1, 1, 1, 1};
     double m[] = {1.0, 10.0, NaN, 2.0, NaN, NaN, 3.0, 30.0, NaN, 4.0, 40.0, NaN};
     const std::vector<double> m_before(m, m + 12);
     const Special rows[] = {
@@ -127,8 +127,10 @@ TEST(SimpleStatistics, SpecialCasesAsRows) {
          {{COUNT, 0, 4}, {COUNT, 1, 3}, {MEAN, 1, 80.0 / 3}, {COUNT, 2, 0}, {MEAN, 2, 0}, {RANGE, 2, 0}, {VAR, 2, NaN},
           {SKEW, 2, NaN}, {KURT, 2, NaN}, {MIN, 2, NaN}, {MAX, 2, NaN}, {CV, 2, NaN}, {MLO, 2, NaN}, {VHI, 2, NaN}},
          {11288, 11072}, {11062}},
-        // list-wise, the first two variables: only rows without a NaN count
-        {"list-wise", [&] { return zorvs_d_simple_statistics(4, 2, m, ZORVS_X_COL_DIM, 3, ZORVS_MEDIAN, 0); }, 2,
+        // list-wise, the first two variables, through the general drive
+        // (frequencies): only rows without a NaN count
+        {"list-wise",
+         [&] { return zorvs_d_simple_statistics(4, 2, m, ZORVS_X_COL_DIM, 3, ZORVS_MEDIAN, ZORVS_FREQUENCIES, ones, 0); }, 2,
          {{COUNT, 0, 3}, {COUNT, 1, 3}, {MEAN, 0, 8.0 / 3}, {MED, 0, 3}, {MED, 1, 30}},
          {11062}, {11288}},
         {"zero weight counts", [&] { return zorvs_d_simple_statistics(4, 1, x, ZORVS_WEIGHTS, w, 0); }, 1,
