@@ -206,7 +206,12 @@ T l_betai_sums(T y, T cy, T p, T q, bool *too_long) {
         if (!have_lqbeta) lqbeta = std::log(q) + zc::log_beta<T>(p, q);
         const T lncy = cy > T(0.5) && q > 64 ? std::log1p(-y) : std::log(cy);
         T xb = p * lny + q * lncy - lqbeta;
-        int ib = static_cast<int>(std::max(xb / k.alnsml, T(0)));
+        // The first term lies ib levels of the scale counter below the
+        // threshold, and a term climbs at most one level a term: from more
+        // levels than the sum has terms none counts.  Capped so that the
+        // count fits an int (xb / alnsml passes 2^31 at huge p); a NaN xb
+        // gives a NaN term.
+        int ib = static_cast<int>(std::fmin(std::fmax(xb / k.alnsml, T(0)), T(kMaxTerms) + 2));
         T term = std::exp(xb - static_cast<T>(ib) * k.alnsml);
         T c = 1 / cy;
         T p1 = q * c / (p + q - 1);

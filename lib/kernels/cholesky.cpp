@@ -122,9 +122,13 @@ void l_chfac(int n, const T *a, int lda, T tol, int *irank, T *fac, int ldfac) {
         }
         const T diagonal = column[j - 1];
         T t = diagonal - sum;
+        // A pivot that is not a number from a diagonal that is comes from an
+        // element that overflowed (0 * inf in a product), which no
+        // nonnegative definite matrix has: each |r(i, j)| is at most
+        // sqrt(a(j, j)).  It counts as a negative pivot.
         if (std::fabs(t) <= tol * std::fabs(diagonal)) {
             t = 0;
-        } else if (t < T(0)) {
+        } else if (t < T(0) || (std::isnan(t) && !std::isnan(diagonal))) {
             t = 0;
             if (inconsistent == 0) inconsistent = j;
         } else {

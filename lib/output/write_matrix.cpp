@@ -30,7 +30,10 @@
 namespace {
 
 constexpr int lc_max_conv = 48;   // room for one conversion's text
-constexpr int lc_line = 256;      // line buffer
+constexpr int lc_line = 256;      // label and title texts
+// The line buffer: the widest page (255) and what a cell that outgrows its
+// field may push past it (see l_row_lines).
+constexpr int lc_line_buffer = lc_line + 64;
 
 struct Conversion {
     char text[lc_max_conv];       // the conversion as written, e.g. "%10.4W"
@@ -405,6 +408,7 @@ struct Job {
 };
 
 void put_line(const char *line, int length) {
+    if (length > lc_line_buffer) length = lc_line_buffer;
     while (length > 0 && line[length - 1] == ' ') --length;
     if (length == 0) {
         zorvs_write_line(1, " ");
@@ -458,7 +462,17 @@ int margin_of(Job<T> &job, int width) {
     return room > 0 ? room / 2 : 0;
 }
 
-void clear_line(char *line) { std::memset(line, ' ', lc_line + 64); }
+void clear_line(char *line) { std::memset(line, ' ', lc_line_buffer); }
+
+// Text into the line buffer at `at`, clipped to the buffer.  The layout
+// keeps every line within it; the clip keeps a line the layout did not
+// foresee (such as the head of a matrix without rows once was) from writing
+// past it.
+void place(char *line, int at, const char *text, int len) {
+    if (at < 0 || at >= lc_line_buffer) return;
+    if (len > lc_line_buffer - at) len = lc_line_buffer - at;
+    if (len > 0) std::memcpy(line + at, text, len);
+}
 
 // Title lines (zorvs_write_title), each centred on the page if asked.
 template <class T>
@@ -474,7 +488,7 @@ void write_title(Job<T> &job) {
             m = room > 0 ? room / 2 : 0;
         }
         clear_line(job.line);
-        std::memcpy(job.line + m, job.title + starts[k], len);
+        place(job.line, m, job.title + starts[k], len);
         put_line(job.line, m + len);
     }
 }
@@ -490,7 +504,7 @@ void write_labels(Job<T> &job, int c0, int c1, int margin) {
         if (job.lay.col_mode == 2 && job.lay.row_mode != 0 && job.col_labels[0]) {
             int starts[64], ends[64];
             int n = l_w4rrl(job.col_labels[0], job.lay.row_width, job.lay.row_unit, starts, ends, 64);
-            if (k < n && k < 64) std::memcpy(job.line + pos, job.col_labels[0] + starts[k], ends[k] - starts[k]);
+            if (k < n && k < 64) place(job.line, pos, job.col_labels[0] + starts[k], ends[k] - starts[k]);
         }
         pos += job.lay.row_width;
         for (int j = c0; j <= c1; ++j) {
@@ -504,7 +518,7 @@ void write_labels(Job<T> &job, int c0, int c1, int margin) {
             int row = k - (lines - n);
             if (row >= 0 && row < 64) {
                 int len = ends[row] - starts[row];
-                std::memcpy(job.line + pos + cw - len, text + starts[row], len);
+                place(job.line, pos + cw - len, text + starts[row], len);
             }
             pos += cw;
         }
@@ -549,7 +563,7 @@ int l_row_lines(Job<T> &job, int i, int c0, int c1, int margin, bool emit) {
         if (lay.row_mode != 0) {
             int len = ends[0] - starts[0];
             int at = lay.row_mode == 2 ? margin : margin + lay.row_width - len;
-            std::memcpy(job.line + at, label + starts[0], len);
+            place(job.line, at, label + starts[0], len);
         }
     }
     if (emit || job.variable_cells) {
@@ -578,7 +592,7 @@ int l_row_lines(Job<T> &job, int i, int c0, int c1, int margin, bool emit) {
                 placed = false;
             }
             pos += 2;
-            if (emit) std::memcpy(job.line + pos + field - len, cell, len);
+            if (emit) place(job.line, pos + field - len, cell, len);
             pos += field;
             placed = true;
         }
@@ -587,7 +601,7 @@ int l_row_lines(Job<T> &job, int i, int c0, int c1, int margin, bool emit) {
     for (int k = 1; k < label_lines && k < 64; ++k) {
         if (emit) {
             clear_line(job.line);
-            std::memcpy(job.line + margin, label + starts[k], ends[k] - starts[k]);
+            place(job.line, margin, label + starts[k], ends[k] - starts[k]);
             put_line(job.line, margin + ends[k] - starts[k]);
         }
         ++lines;
@@ -621,9 +635,10 @@ struct Block {
 };
 
 // The controller's memory, a variable of the caller.  State 0 is the first
-// call and the end; 70: the whole width fits and the blocks are groups of
-// rows; 120: columns wrap and the rows in hand are those that fit a page;
-// 200: columns wrap and the row wrap alone sets the rows in hand.
+// call and the end; 50: no rows, the blocks are heads alone, one per column
+// group; 70: the whole width fits and the blocks are groups of rows; 120:
+// columns wrap and the rows in hand are those that fit a page; 200: columns
+// wrap and the row wrap alone sets the rows in hand.
 struct Controller {
     int state;
     int next_row;            // first row of the next block
@@ -706,22 +721,44 @@ void zorvs_write_controller(Job<T> &job, Controller &s, Block &b) {
         s.hand_last = -1;
         s.c0 = 0;
         if (job.n_rows == 0 || job.n_columns == 0) {
-            // The title and the labels alone.
+            // The title and the labels alone, the labels wrapped in column
+            // groups like the columns of a matrix with rows.
             int count = 0;
             zorvs_w1opt(3, &count);
-            int c1 = job.n_columns - 1;
-            if (count > 0 && count + head_lines(job, 0, c1, true) + 1 > job.lay.page_length)
+            s.c1 = job.n_columns > 0 ? column_group_end(job, 0) : -1;
+            if (count > 0 && count + head_lines(job, 0, s.c1, true) + 1 > job.lay.page_length)
                 zorvs_write_line(-1, "");
             s.first_block = false;
-            s.state = 70;
-            s.next_row = job.n_rows;
-            b = Block{0, -1, 0, c1, 0, true};
+            s.state = 50;
+            b = Block{0, -1, 0, s.c1, 0, true};
             return;
         }
         s.c1 = column_group_end(job, 0);
         int count = 0;
         zorvs_w1opt(3, &count);
         s.state = s.c1 == job.n_columns - 1 ? 70 : count >= 0 ? 120 : 200;
+    }
+    if (s.state == 50) {
+        // The next group of labels of a matrix without rows, parted from the
+        // group before like a block of rows.
+        s.c0 = s.c1 + 1;
+        if (s.c0 < job.n_columns) {
+            s.c1 = column_group_end(job, s.c0);
+            int count = 0;
+            zorvs_w1opt(3, &count);
+            const bool paging = count >= 0;
+            if (paging && count > 0 && count + 1 + head_lines(job, s.c0, s.c1, false) > job.lay.page_length) {
+                zorvs_write_line(-1, "");
+                count = 0;
+            } else {
+                zorvs_write_line(1, " ");
+            }
+            b = Block{0, -1, s.c0, s.c1, 0, paging && count == 0 && job.lay.title_page != 0};
+            return;
+        }
+        s.state = 0;
+        b.rows = -1;
+        return;
     }
     for (;;) {
         if (s.state == 70) {
@@ -838,7 +875,8 @@ void l_write_matrix(const char *title, int n_rows, int n_columns, T *a, int lda,
     lay.col_mode = col_mode >= 0 ? col_mode : (pc == 1 ? 0 : 1);
 
     // Layout checks (zorvs_write_initialize).
-    int row_limit = pc == 1 ? 2 * lay.page_width / 3 : lay.page_width / 4;
+    // In 64 bits: the page width is checked against its limit further down.
+    int row_limit = static_cast<int>(pc == 1 ? 2LL * lay.page_width / 3 : lay.page_width / 4);
     lay.row_unit = row_limit / 3 > 0 ? row_limit / 3 : 1;
     int col_limit = max_width + max_width / 2;
     if (col_limit < 15) col_limit = 15;
@@ -899,7 +937,7 @@ void l_write_matrix(const char *title, int n_rows, int n_columns, T *a, int lda,
     job.field = zorvs::allocate<int>(ncol, "nca");
     job.cell_limit = zorvs::allocate<int>(ncol, "nca");
     job.column_width = zorvs::allocate<int>(ncol, "nca");
-    job.line = zorvs::allocate<char>(lc_line + 64, "line");
+    job.line = zorvs::allocate<char>(lc_line_buffer, "line");
     char *use = zorvs::allocate<char>(ncol, "nca");
     if (!job.conv || !job.cell_format || !job.field || !job.cell_limit || !job.column_width || !job.line || !use) {
         std::free(job.conv);
@@ -913,6 +951,9 @@ void l_write_matrix(const char *title, int n_rows, int n_columns, T *a, int lda,
     }
     scan_format(format, letters, &max_width, &n_conv, &n_w, job.conv);
 
+    // A matrix without rows or columns has no elements to move, and `a` may
+    // be null.
+    transpose = transpose && n_rows > 0 && n_columns > 0;
     if (transpose) {
         if constexpr (std::is_same_v<T, float>) zorvs_f_m1ran(n_rows, lda, a, a);
         if constexpr (std::is_same_v<T, double>) zorvs_d_m1ran(n_rows, lda, a, a);

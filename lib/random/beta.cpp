@@ -80,7 +80,15 @@ bool johnk(zorvs::UniformSource<T> &src, double p, double q, double &x) {
             const double a = std::pow(u, rp), b = std::pow(v, rq);
             const double s = a + b;
             if (s <= 1.0) {
-                x = a / s;
+                if (s > 0.0) {
+                    x = a / s;
+                    return true;
+                }
+                // Both powers underflow, which a uniform of a caller's
+                // shuffle table can make happen (its entries may be as small
+                // as the subnormals): the ratio from the logarithms.
+                const double lx = rp * std::log(u), ly = rq * std::log(v);
+                x = std::exp(lx - log_sum(lx, ly));
                 return true;
             }
         }

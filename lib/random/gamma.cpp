@@ -11,6 +11,7 @@
 //   A point under a lower bound of f (tangents where f is convex, a
 //   series bound of log f between the inflection points) is accepted at
 //   once; the others end with the exact test log(w) <= x3*log(y/x3) + x3 - y.
+//   Shapes above 1e12 are beyond the method: NaN deviates and a warning.
 // a = 1: -log(u).  a = 0.5: z^2/2 with z normal.
 // a < 1: Ahrens and Dieter (1974), "Computer methods for sampling from
 //   gamma, beta, Poisson and binomial distributions", Computing 12, 223-246,
@@ -172,9 +173,23 @@ template <class T> struct KeptHat {
 };
 template <class T> KeptHat<T> lv_hat;
 
+// Largest shape the Schmeiser-Lal method serves.  Its exact test works out
+// log f = x3*log(y/x3) + x3 - y, which keeps a rounding of about a*eps (2e-4
+// at 1e12); beyond, the hat degenerates: at 1e16 sqrt(x3) is a few units of
+// x3's last place and the deviates are visibly wrong, near 1e20 the set-up
+// fails, and at 1e33 (or an infinite shape) no round is ever accepted.
+constexpr double kSchmeiserLalShapeLimit = 1e12;
+
 template <class T>
 void l_rngam(int n, T a, T r[]) {
     const double ad = a;
+    if (ad > kSchmeiserLalShapeLimit) {
+        for (int i = 0; i < n; ++i) r[i] = std::numeric_limits<T>::quiet_NaN();
+        zorvs_e1std(1, ad);
+        zorvs_e1std(2, kSchmeiserLalShapeLimit);
+        zorvs_ermes(3, 11043);
+        return;
+    }
     if (ad > 1.0) {
         KeptHat<T> &kept = lv_hat<T>;
         if (a != kept.a) {

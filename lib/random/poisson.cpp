@@ -9,6 +9,9 @@
 //   once, two parallelograms and two exponential tails, two uniforms per
 //   round, and an exact test of the log probability ratio to the mode.
 // Both set-ups are kept while theta stays the same between calls.
+// The deviates are 32-bit integers: a theta above 2e9, where one could pass
+// the largest int (2^31 - 1 lies 3300 standard deviations above 2e9), is
+// refused like one not above 0.
 #include <algorithm>
 #include <climits>
 #include <cmath>
@@ -22,6 +25,8 @@
 namespace {
 
 int *lv_poisson = nullptr;
+
+constexpr float kLargestMean = 2e9f;
 
 // The kept set-ups.  The inversion keeps the cumulative probabilities
 // cum[0..count-1] made by the same recurrence as the search, up to the
@@ -180,6 +185,10 @@ void l_random_poisson(int n, float theta, va_list *list) {
     if (!(theta > 0)) {
         zorvs_e1std(1, static_cast<double>(theta));
         zorvs_ermes(5, 11032);
+    } else if (theta > kLargestMean) {
+        zorvs_e1std(1, static_cast<double>(theta));
+        zorvs_e1std(2, static_cast<double>(kLargestMean));
+        zorvs_ermes(5, 11044);
     }
     if (zorvs_n1rcd(0) != 0) {
         if (!user) lv_poisson = nullptr;

@@ -210,6 +210,14 @@ void l_rnses(const T t[]) {
         return;
     }
     T *table = table_of<T>();
+    // The good entries are taken and a refused one leaves its slot as it
+    // was; a slot never filled (the table not yet ready) first gets the
+    // generator's own number, as the first shuffled draw would give it, so
+    // that no draw hands out a value outside (0, 1).
+    bool refused = false;
+    for (int i = 0; i < 128; ++i)
+        refused = refused || !(t[i] > 0 && t[i] < 1);
+    if (refused && !lv_random.table_ready[tw]) l_r1ins<T>();
     for (int i = 0; i < 128; ++i) {
         if (t[i] > 0 && t[i] < 1) {
             table[i] = t[i];

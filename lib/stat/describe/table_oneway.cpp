@@ -91,14 +91,17 @@ void l_owfrq(const int *n_observations, const T *x, const int *n_intervals, cons
     }
     if (mode == 2 || mode == 3) {
         const int count = mode == 3 ? k : k - 1;
-        for (int i = 1; i < count; ++i) {
-            // "Not above" also catches a NaN among the values.
-            if (!(class_marks[i] > class_marks[i - 1])) {
+        // "Not above" also catches a NaN among the values.  A single value
+        // has no neighbour: a NaN there is reported as not above itself.
+        for (int i = count == 1 ? 0 : 1; i < count; ++i) {
+            const int before = i > 0 ? i - 1 : 0;
+            const bool bad = i > 0 ? !(class_marks[i] > class_marks[before]) : std::isnan(class_marks[0]);
+            if (bad) {
                 zorvs_e1stl(1, mode == 2 ? "cutpoints" : "class_marks");
                 zorvs_e1sti(1, i);
-                zorvs_e1sti(2, i - 1);
+                zorvs_e1sti(2, before);
                 zorvs_e1std(1, static_cast<double>(class_marks[i]));
-                zorvs_e1std(2, static_cast<double>(class_marks[i - 1]));
+                zorvs_e1std(2, static_cast<double>(class_marks[before]));
                 zorvs_ermes(5, 20024);
             }
         }
