@@ -71,7 +71,7 @@ TEST(StudentizedRange, InverseIsIncreasingInPInBothTwins) {
 
 // Two means: Q / sqrt(2) is |T|, and for df = 2, P(|T| <= t) = t / sqrt(2 + t^2).
 TEST(StudentizedRange, EdgesAndMessages) {
-    expect_calls({
+    expect_rows({
         {ZORVS_CALL(zorvs_dsrdf(zorvs_dsrin(0.8, 9, 4), 4, 9)), 0.8, 0, 0, "", 1e-11},
         {ZORVS_CALL(zorvs_dsrdf(zorvs_dsrin(0.95, 9, 4), 4, 9)), 0.95, 0, 0, "", 1e-11},
         {ZORVS_CALL(zorvs_dsrdf(zorvs_dsrin(0.999, 9, 4), 4, 9)), 0.999, 0, 0, "", 1e-11},

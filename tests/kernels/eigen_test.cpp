@@ -195,7 +195,7 @@ TEST(Eigen, MessagesAsRows) {
     int iwork[2], zero = 0, one = 1, two = 2;
     std::vector<int> order;
     const std::vector<int> all = {1, 2, 3};
-    expect_calls({
+    expect_rows({
         {ZORVS_DO(zorvs_de2csf(&zero, a, &two, eval, evec, &two, work)), any, 5, 20407, "i1=0"},
         {ZORVS_DO(zorvs_de2csf(&two, a, &one, eval, evec, &two, work)), any, 5, 20408, "i1=1 i2=2"},
         {ZORVS_DO(zorvs_e2csf(&two, af, &two, ef, vf, &one, wf)), any, 5, 20409},

@@ -150,7 +150,7 @@ TEST(SortPermutation, GatherAndScatterByCycles) {
 TEST(SortChecks, BadCountsAndEntriesRaiseAndSortNothing) {
     float a[2] = {2, 1}, b[2] = {9, 9}, x[3] = {1, 2, 3}, out[3];
     int p[2] = {1, 2}, ia[2] = {2, 1}, ib[2], zero = 0, three = 3, path = 1, bad[3] = {2, 4, 1};
-    expect_calls({
+    expect_rows({
         {ZORVS_DO(zorvs_svrgn(0, a, b)), any, 5, 615, "i1=0"},
         {ZORVS_CALL(b[0]), 9},
         {ZORVS_DO(zorvs_svrgp(-4, a, b, p)), any, 5, 616, "i1=-4"},

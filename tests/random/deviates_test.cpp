@@ -515,7 +515,7 @@ TEST(RandomDeviates, FailuresAsRows) {
     int64_t after_2000 = 1;
     for (int k = 0; k < 2000; ++k) after_2000 = step(after_2000);
     start(1);
-    expect_calls({
+    expect_rows({
         {ZORVS_CALL(given(zorvs_d_random_gamma(10, 0.0, 0))), 0, 5, 11036, "r1=0"},
         {ZORVS_CALL(given(zorvs_f_random_gamma(10, -2.0f, 0))), 0, 5, 11036},
         {ZORVS_CALL(given(zorvs_random_poisson(10, 0.0f, 0))), 0, 5, 11032},

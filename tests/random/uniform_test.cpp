@@ -163,7 +163,7 @@ TEST(RandomUniform, SeedRoutines) {
     zorvs_r1clk(&clock);
     double d = 0;
     float first = 0;
-    expect_calls({
+    expect_rows({
         {ZORVS_DO(reset(1, 1)), any, 0},
         {ZORVS_CALL(*zorvs_f_random_uniform(1, ZORVS_RETURN_USER, &first, 0)), float(16807.0 / divisor)},
         {ZORVS_CALL(zorvs_random_seed_get()), 16807},
@@ -189,7 +189,7 @@ TEST(RandomUniform, SeedRoutines) {
 TEST(RandomUniform, FailuresAsRows) {
     std::vector<double> t(128, 0.25);
     t[9] = 1.0;
-    expect_calls({
+    expect_rows({
         {ZORVS_DO(reset(1, 5)), any, 0},
         {ZORVS_DO(zorvs_random_option(7)), any, -1, 0, "", 0, "generator_option"},
         {ZORVS_DO(zorvs_random_option(0)), any, -1},

@@ -97,7 +97,7 @@ struct Call {
 #define ZORVS_DO(statement) #statement, [&] { return statement, 0.0; }
 
 // Runs the rows with the stops off, each from a clear error state.
-inline void expect_calls(const std::vector<Call> &rows) {
+inline void expect_rows(const std::vector<Call> &rows) {
     Quiet q;
     for (const Call &c : rows) {
         SCOPED_TRACE(c.what);

@@ -202,7 +202,7 @@ TEST(SimpleStatistics, VectorisedPassForAnyNumberOfVariables) {
 TEST(SimpleStatistics, BadInputAsRows) {
     double x[] = {1, 2, 3, 4}, good[] = {1, 1, 1, 1}, negative[] = {1, -2, 1, 1}, mine[14];
     float xf[] = {1, 2, 3}, negf[] = {1, 1, -1};
-    expect_calls({
+    expect_rows({
         {ZORVS_CALL(zorvs_d_simple_statistics(4, 1, x, ZORVS_FREQUENCIES, negative, 0) == nullptr), 1, 4, 11054,
          "i1=1 i2=2 r1=-2"},
         {ZORVS_CALL(zorvs_d_simple_statistics(4, 1, x, ZORVS_WEIGHTS, negative, 0) == nullptr), 1, 4, 11056},

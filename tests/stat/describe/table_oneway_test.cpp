@@ -92,7 +92,7 @@ TYPED_TEST(TableOnewayTwin, ChecksRaiseInOrderAndReturnNull) {
     T cuts[2] = {1, 2}, lo, hi, bad[4] = {1, T(0.5), T(0.5), 2}, marks[3] = {1, 2, 2};
     CodeLog log;
     auto null = [](T *t) { return t == nullptr; };
-    expect_calls({
+    expect_rows({
         // two mode keywords (one twice counts as two): nothing else looked at
         {ZORVS_CALL(null(table(3, x.data(), -5, ZORVS_CUTPOINTS, cuts, ZORVS_DATA_BOUNDS, &lo, &hi, 0))), 1, 5, 20022},
         {ZORVS_CALL(log.has_code(603)), 0, -1},
