@@ -1,11 +1,13 @@
-// Argument checks: each check's pass, its message and parameters, and the
-// counting of arguments; the safe division and the frequency reader.
+// Argument checks: each check's pass or message with its parameters and the
+// counting of arguments; the safe division, the frequency reader, the safe
+// F and t ratios, and the stop at the pop of the user's routine.
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <cstdlib>
 #include <limits>
 
+#include "dist/continuous.h"
 #include "frame/checks.h"
 #include "frame/frame.hpp"
 #include "frame/services.h"
@@ -13,231 +15,171 @@
 
 namespace {
 
-using zorvs_test::CodeLog;
-using zorvs_test::Quiet;
+using zorvs_test::agrees;
+using zorvs_test::slots;
+
+const double nan = std::nan(""), inf = std::numeric_limits<double>::infinity();
 
 // Runs checks inside a frame, so that their messages belong to a routine.
-class Check : public ::testing::Test {
+class Check : public zorvs_test::Fresh {
 protected:
     void SetUp() override {
-        zorvs_e1mes(0, 0, nullptr);
+        Fresh::SetUp();
         zorvs_e1psh("zorvs_checked_routine");
     }
     void TearDown() override { zorvs_e1pop("zorvs_checked_routine"); }
-    int last_code() const { return zorvs_n1rcd(0); }
-    int last_type() const { return zorvs_n1rty(0); }
-    void clear() { zorvs_e1mes(0, 0, nullptr); }
-    Quiet q;
-    int arg = 10;
+    zorvs_test::Quiet q;
 };
 
-TEST_F(Check, IntegerArgumentBothForms) {
-    zorvs_c1iarg(3, "n", 1, 0, &arg);
-    EXPECT_EQ(last_type(), 0);
-    EXPECT_EQ(arg, 11);
-    zorvs_c1iarg(0, "n", 1, 0, &arg);
-    EXPECT_EQ(last_code(), 603);
-    EXPECT_EQ(last_type(), 5);
-    EXPECT_EQ(zorvs_error_param.i[1], 0);
-    EXPECT_EQ(zorvs_error_param.i[2], 1);
-    EXPECT_STREQ(zorvs_error_param.l[1], "n");
-    EXPECT_EQ(arg, 12);
-    clear();
-    zorvs_c1iarg(5, "k", 1, 4, &arg);
-    EXPECT_EQ(last_code(), 602);
-    EXPECT_EQ(zorvs_error_param.i[3], 4);
-    clear();
-    // lo equal to hi is the range form with one valid value.
-    zorvs_c1iarg(2, "k", 2, 2, &arg);
-    EXPECT_EQ(last_type(), 0);
-    zorvs_c1iarg(3, "k", 2, 2, &arg);
-    EXPECT_EQ(last_code(), 602);
-    EXPECT_EQ(arg, 15);
-}
+const double r_bad[] = {1, 0, 0, 2, 0, 0, 3, 4, 5};  // row 2: zero diagonal, 4 and 5 to its right
+const float r_good[] = {1, 0, 0, 2, 0, 0, 3, 0, 5};
+const int indcl[] = {1, 4}, nvef[] = {1, 2}, indef[] = {1, 2, 3}, bad_nvef[] = {0, 2}, bad_indef[] = {1, 5, 2};
 
-TEST_F(Check, OrderAndDimensions) {
-    zorvs_c12ile(3, "n", 3, "ld", &arg);
-    EXPECT_EQ(last_type(), 0);
-    zorvs_c12ile(4, "n", 3, "ld", &arg);
-    EXPECT_EQ(last_code(), 601);
-    EXPECT_STREQ(zorvs_error_param.l[2], "ld");
-    clear();
-    arg = 0;
-    // c1dim counts three items, whatever happens.
-    zorvs_c1dim(1, 2, "n", 5, "ldx", &arg);
-    EXPECT_EQ(arg, 3);
-    EXPECT_EQ(last_type(), 0);
-    zorvs_c1dim(1, 0, "n", 0, "ldx", &arg);
-    EXPECT_EQ(arg, 6);
-    EXPECT_EQ(last_code(), 603);
-    clear();
+const struct {
+    void (*call)(int *arg);
+    int type, code;     // (0, 0): the check passes
+    const char *slots;  // parameters stored for the message
+    int counted;        // added to the argument counter (-1: not checked)
+} check_cases[] = {
+    {[](int *a) { zorvs_c1iarg(3, "n", 1, 0, a); }, 0, 0, "", 1},
+    {[](int *a) { zorvs_c1iarg(0, "n", 1, 0, a); }, 5, 603, "i1=0 i2=1 l1=n", 1},
+    {[](int *a) { zorvs_c1iarg(5, "k", 1, 4, a); }, 5, 602, "i3=4 l1=k", 1},
+    {[](int *a) { zorvs_c1iarg(2, "k", 2, 2, a); }, 0, 0, "", 1},  // lo = hi: one valid value
+    {[](int *a) { zorvs_c1iarg(3, "k", 2, 2, a); }, 5, 602, "", 1},
+    {[](int *a) { zorvs_c12ile(3, "n", 3, "ld", a); }, 0, 0, "", 1},
+    {[](int *a) { zorvs_c12ile(4, "n", 3, "ld", a); }, 5, 601, "l2=ld", 1},
+    {[](int *a) { zorvs_c1dim(1, 2, "n", 5, "ldx", a); }, 0, 0, "", 3},
+    {[](int *a) { zorvs_c1dim(1, 0, "n", 0, "ldx", a); }, 5, 603, "", 3},
     // A name starting with '*' waives the test of n and prints without the '*'.
-    zorvs_c1dim(1, 0, "*x", 5, "ldx", &arg);
-    EXPECT_EQ(last_type(), 0);
-    EXPECT_EQ(arg, 9);
-    zorvs_c1dim(0, 7, "*x", 5, "ldx", &arg);
-    EXPECT_EQ(last_code(), 601);
-    EXPECT_STREQ(zorvs_error_param.l[1], "x");
-    clear();
-    arg = 0;
-    zorvs_c1ind(1, 9, "n", 0, "ld", &arg);  // no upper bound when ld is below 1
-    EXPECT_EQ(last_type(), 0);
-    zorvs_c1ind(1, 9, "n", 8, "ld", &arg);
-    EXPECT_EQ(last_code(), 601);
-    EXPECT_EQ(arg, 4);
-}
+    {[](int *a) { zorvs_c1dim(1, 0, "*x", 5, "ldx", a); }, 0, 0, "", 3},
+    {[](int *a) { zorvs_c1dim(0, 7, "*x", 5, "ldx", a); }, 5, 601, "l1=x", 3},
+    {[](int *a) { zorvs_c1ind(1, 9, "n", 0, "ld", a); }, 0, 0, "", 2},  // no upper bound for ld < 1
+    {[](int *a) { zorvs_c1ind(1, 9, "n", 8, "ld", a); }, 5, 601, "", 2},
+    {[](int *a) { zorvs_dc1ge0(0.0, "x", a); }, 0, 0, "", 1},
+    {[](int *a) { zorvs_c1ge0(-0.5f, "y", a); }, 5, 11061, "r1=-0.5 l1=y", 1},
+    {[](int *a) { zorvs_dc1cip("confidence", 0.0, a, a); }, 0, 0, "", 2},
+    {[](int *a) { zorvs_dc1cip("confidence", 50.0, a, a); }, 0, 0, "", 2},
+    {[](int *a) { zorvs_dc1cip("confidence", 99.99, a, a); }, 0, 0, "", 2},
+    {[](int *a) { zorvs_dc1cip("confidence", 25.0, a, a); }, 6, 20404, "", 2},
+    {[](int *a) { zorvs_c1cip("confidence", 100.0f, a, a); }, 5, 20403, "", 2},
+    {[](int *a) { zorvs_dc1cip("confidence", -1.0, a, a); }, 5, 20403, "r1=-1", 2},
+    {[](int *a) { zorvs_dc1r(3, r_bad, 3, a); }, 5, 11060, "i1=2 i2=3 r1=0 r2=4", 0},
+    {[](int *a) { zorvs_c1r(3, r_good, 3, a); }, 0, 0, "", 1},
+    {[](int *a) { zorvs_c1ef(3, 2, indcl, 2, nvef, indef, a); }, 5, 20235, "i1=2 i2=4", -1},
+    {[](int *a) { zorvs_c1ef(4, 2, indcl, 2, bad_nvef, indef, a); }, 5, 20237, "", -1},
+    {[](int *a) { zorvs_c1ef(4, 2, indcl, 2, nvef, bad_indef, a); }, 5, 20238, "i1=2", -1},
+    {[](int *a) { zorvs_c1ef(0, 0, nullptr, 0, nullptr, nullptr, a); }, 5, 603, "l1=NCOL", -1},
+};
 
-TEST_F(Check, NonNegativeAndConfidence) {
-    CodeLog codes;
-    zorvs_dc1ge0(0.0, "x", &arg);
-    zorvs_c1ge0(-0.5f, "y", &arg);
-    EXPECT_EQ(last_code(), 11061);
-    EXPECT_EQ(zorvs_error_param.r[1], -0.5);
-    EXPECT_STREQ(zorvs_error_param.l[1], "y");
-    clear();
-    int a1 = 0, a2 = 100;
-    for (double level : {0.0, 50.0, 95.0, 99.99}) {
-        zorvs_dc1cip("confidence", level, &a1, &a2);
-        EXPECT_EQ(last_type(), 0) << level;
+TEST_F(Check, EachCheck) {
+    for (const auto &c : check_cases) {
+        SCOPED_TRACE(&c - check_cases);
+        zorvs_e1mes(0, 0, nullptr);
+        int arg = 10;
+        c.call(&arg);
+        EXPECT_EQ(zorvs_n1rty(0), c.type);
+        EXPECT_EQ(zorvs_n1rcd(0), c.code);
+        EXPECT_EQ(slots(c.slots), c.slots);
+        if (c.counted >= 0) {
+            EXPECT_EQ(arg, 10 + c.counted);
+        }
     }
-    zorvs_dc1cip("confidence", 25.0, &a1, &a2);
-    EXPECT_TRUE(codes.has(6, 20404));
-    zorvs_c1cip("confidence", 100.0f, &a1, &a2);
-    EXPECT_TRUE(codes.has(5, 20403));
-    zorvs_dc1cip("confidence", -1.0, &a1, &a2);
-    EXPECT_EQ(zorvs_error_param.r[1], -1.0);
-    EXPECT_EQ(a1, 7);
-    EXPECT_EQ(a2, 107);
 }
 
-TEST_F(Check, UpperTriangularStopsAtTheFirstBadElement) {
-    // Column-major 3 x 3; row 2 has a zero diagonal and 4 and 5 to its right.
-    const double r[] = {1, 0, 0, 2, 0, 0, 3, 4, 5};
-    zorvs_dc1r(3, r, 3, &arg);
-    EXPECT_EQ(last_code(), 11060);
-    EXPECT_EQ(zorvs_error_param.i[1], 2);
-    EXPECT_EQ(zorvs_error_param.i[2], 3);
-    EXPECT_EQ(zorvs_error_param.r[1], 0.0);
-    EXPECT_EQ(zorvs_error_param.r[2], 4.0);
-    EXPECT_EQ(arg, 10);
-    clear();
-    const float good[] = {1, 0, 0, 2, 0, 0, 3, 0, 5};
-    zorvs_c1r(3, good, 3, &arg);
-    EXPECT_EQ(last_type(), 0);
-    EXPECT_EQ(arg, 11);
+TEST(CheckArithmetic, SafeDivision) {
+    const struct { bool single; double a, b, expected; } cases[] = {
+        {false, 0, 0, nan},         {false, 1, 0, inf},        {false, -1, 0, -inf},
+        {false, 1e300, 1e-300, inf}, {false, -1e300, 1e-10, -inf}, {false, 1e-300, 1e100, 0},
+        {false, 6, 3, 2},           {false, nan, 3, nan},      {true, 1e30, 1e-20, inf},
+        {true, 3, -0.5, -6},
+    };
+    for (const auto &c : cases) {
+        double r;
+        float f;
+        if (c.single) zorvs_c1div(static_cast<float>(c.a), static_cast<float>(c.b), &f), r = f;
+        else zorvs_dc1div(c.a, c.b, &r);
+        EXPECT_TRUE(agrees(r, c.expected)) << c.a << " / " << c.b << " gave " << r;
+    }
 }
 
-TEST_F(Check, EffectsOfALinearModel) {
-    const int indcl[] = {1, 4};
-    const int nvef[] = {1, 2};
-    const int indef[] = {1, 2, 3};
-    zorvs_c1ef(3, 2, indcl, 2, nvef, indef, &arg);
-    EXPECT_EQ(last_code(), 20235);
-    EXPECT_EQ(zorvs_error_param.i[1], 2);
-    EXPECT_EQ(zorvs_error_param.i[2], 4);
-    clear();
-    const int bad_nvef[] = {0, 2};
-    zorvs_c1ef(4, 2, indcl, 2, bad_nvef, indef, &arg);
-    EXPECT_EQ(last_code(), 20237);
-    clear();
-    const int bad_indef[] = {1, 5, 2};
-    zorvs_c1ef(4, 2, indcl, 2, nvef, bad_indef, &arg);
-    EXPECT_EQ(last_code(), 20238);
-    EXPECT_EQ(zorvs_error_param.i[1], 2);
-    clear();
-    zorvs_c1ef(0, 0, nullptr, 0, nullptr, nullptr, &arg);
-    EXPECT_EQ(last_code(), 603);
-    EXPECT_STREQ(zorvs_error_param.l[1], "NCOL");
+// The safe F and t ratios with their upper and two-sided tail probabilities
+// (references from R: pf(2, 3, 10, lower = FALSE), 2 * pt(-2, 10), 2 * pt(-3, 4)).
+TEST(CheckArithmetic, FAndTRatios) {
+    // Kinds 'F' and 'T', and 'f' and 't' for the float twins.
+    const struct { char kind; double a, b, df1, df2, ratio, p, tolerance; } cases[] = {
+        {'F', 4, 2, 3, 10, 2, 0.178007407375175, 1e-12}, {'F', 1, 0, 3, 10, inf, 0, 0}, {'F', 0, 0, 3, 10, nan, nan, 0},
+        {'F', 2, 1, 0, 10, 2, nan, 0}, {'F', nan, 1, 3, 10, nan, nan, 0}, {'f', 4, 2, 3, 10, 2, 0.1780074, 1e-5},
+        {'T', -4, 2, 10, 0, -2, 0.0733880347707404, 1e-12}, {'T', -1, 0, 10, 0, -inf, 0, 0},
+        {'T', 1, 2, 0, 0, 0.5, nan, 0}, {'T', 0, 0, 5, 0, nan, nan, 0}, {'t', 3, 1, 4, 0, 3, 0.0399420, 1e-5},
+    };
+    zorvs_test::Quiet q;
+    for (const auto &c : cases) {
+        double ratio, p;
+        float fr, fp;
+        switch (c.kind) {
+            case 'F': zorvs_dc1f(c.a, c.b, static_cast<int>(c.df1), static_cast<int>(c.df2), &ratio, &p); break;
+            case 'T': zorvs_dc1t(c.a, c.b, static_cast<int>(c.df1), &ratio, &p); break;
+            case 'f': zorvs_c1f(c.a, c.b, static_cast<int>(c.df1), static_cast<int>(c.df2), &fr, &fp); break;
+            default: zorvs_c1t(c.a, c.b, static_cast<int>(c.df1), &fr, &fp);
+        }
+        if (c.kind == 'f' || c.kind == 't') ratio = fr, p = fp;
+        EXPECT_TRUE(agrees(ratio, c.ratio)) << c.kind << " " << c.a << "/" << c.b << ": " << ratio;
+        EXPECT_TRUE(agrees(p, c.p, c.tolerance)) << c.kind << " " << c.a << "/" << c.b << ": " << p;
+        EXPECT_EQ(zorvs_error_type(), 0);
+    }
 }
 
-TEST(CheckSafeDivision, GuardsAgainstTrapsAndUnderflow) {
-    double r;
-    zorvs_dc1div(0.0, 0.0, &r);
-    EXPECT_TRUE(std::isnan(r));
-    zorvs_dc1div(1.0, 0.0, &r);
-    EXPECT_EQ(r, std::numeric_limits<double>::infinity());
-    zorvs_dc1div(-1.0, 0.0, &r);
-    EXPECT_EQ(r, -std::numeric_limits<double>::infinity());
-    zorvs_dc1div(1e300, 1e-300, &r);
-    EXPECT_EQ(r, std::numeric_limits<double>::infinity());
-    zorvs_dc1div(-1e300, 1e-10, &r);
-    EXPECT_EQ(r, -std::numeric_limits<double>::infinity());
-    zorvs_dc1div(1e-300, 1e100, &r);
-    EXPECT_EQ(r, 0.0);
-    zorvs_dc1div(6.0, 3.0, &r);
-    EXPECT_EQ(r, 2.0);
-    zorvs_dc1div(std::nan(""), 3.0, &r);
-    EXPECT_TRUE(std::isnan(r));
-    float f;
-    zorvs_c1div(1e30f, 1e-20f, &f);
-    EXPECT_EQ(f, std::numeric_limits<float>::infinity());
-    zorvs_c1div(3.0f, -0.5f, &f);
-    EXPECT_EQ(f, -6.0f);
+// One row's frequency and weight from columns 2 and 3 of a 5 x 3 matrix:
+// rows (1, 1, 2), (2, 0, NaN), (3, NaN, NaN), (4, -2, 1), (5, 6, -4).
+template <class T>
+void check_frequency_reader() {
+    const T x[] = {1, 2, 3, 4, 5, 1, 0, T(nan), -2, 6, 2, T(nan), T(nan), 1, -4};
+    // The count of missing rows, nmiss, runs on from row to row.
+    const struct {
+        int ido, group, row, sign, ifrq, iwt, status, nmiss;
+        double freq, weight;
+        int type, code;
+        const char *slots;
+    } cases[] = {
+        {0, 0, 1, 1, 2, 3, 0, 0, 1, 2, 0, 0, ""},
+        {0, 0, 2, 1, 2, 3, 1, 0, 0, nan, 0, 0, ""},  // zero frequency: not missing
+        {0, 0, 3, 1, 2, 3, 2, 1, nan, nan, 0, 0, ""},
+        {0, 0, 1, -1, 2, 3, 0, 1, -1, 2, 0, 0, ""},  // removing a row turns the sign
+        {0, 0, 3, -1, 2, 3, 2, 0, nan, nan, 0, 0, ""},
+        {0, 0, 4, 1, 0, 0, 0, 0, 1, 1, 0, 0, ""},  // no columns: 1 and 1
+        {0, 0, 4, 1, 2, 0, 3, 0, -2, 1, 4, 11055, "i1=4 r1=-2"},
+        {2, 7, 5, 1, 2, 3, 3, 0, 6, -4, 4, 11056, "i2=7 r1=-4"},
+        {0, 0, 5, 1, 0, 3, 3, 0, 1, -4, 4, 11057, ""},
+        {1, 3, 4, 1, 2, 0, 3, 0, -2, 1, 4, 11054, ""},
+    };
+    zorvs_e1psh("zorvs_checked_routine");
+    int nmiss = 0;
+    for (const auto &c : cases) {
+        SCOPED_TRACE(&c - cases);
+        zorvs_e1mes(0, 0, nullptr);
+        int status = -1;
+        T f = 0, w = 0;
+        if constexpr (sizeof(T) == sizeof(float))
+            zorvs_c1wfr(c.ido, c.group, x, 5, c.row, c.sign, c.ifrq, c.iwt, 0, &nmiss, &f, &w, &status);
+        else
+            zorvs_dc1wfr(c.ido, c.group, x, 5, c.row, c.sign, c.ifrq, c.iwt, 0, &nmiss, &f, &w, &status);
+        EXPECT_EQ(std::make_pair(status, nmiss), std::make_pair(c.status, c.nmiss));
+        EXPECT_TRUE(status == 1 || status == 2 || (agrees(f, c.freq) && agrees(w, c.weight))) << f << " " << w;
+        EXPECT_EQ(std::make_pair(zorvs_n1rty(0), zorvs_n1rcd(0)), std::make_pair(c.type, c.code));
+        EXPECT_EQ(slots(c.slots), c.slots);
+    }
+    zorvs_e1pop("zorvs_checked_routine");
 }
 
-class CheckFrequencyReader : public Check {};
-
-TEST_F(CheckFrequencyReader, StatusOfEachKindOfRow) {
-    const double nan = std::nan("");
-    // Column-major 4 rows x 3 columns: data, frequency, weight.
-    const double x[] = {1, 2, 3, 4,  //
-                        1, 0, nan, -2,  //
-                        2, nan, nan, 1};
-    int nmiss = 0, status = -1;
-    double f = 0, w = 0;
-    zorvs_dc1wfr(0, 0, x, 4, 1, 1, 2, 3, 0, &nmiss, &f, &w, &status);
-    EXPECT_EQ(status, 0);
-    EXPECT_EQ(f, 1.0);
-    EXPECT_EQ(w, 2.0);
-    // Zero frequency with a missing weight: the row does not count, nothing is missing.
-    zorvs_dc1wfr(0, 0, x, 4, 2, 1, 2, 3, 0, &nmiss, &f, &w, &status);
-    EXPECT_EQ(status, 1);
-    EXPECT_EQ(nmiss, 0);
-    // NaN in both: missing once.
-    zorvs_dc1wfr(0, 0, x, 4, 3, 1, 2, 3, 0, &nmiss, &f, &w, &status);
-    EXPECT_EQ(status, 2);
-    EXPECT_EQ(nmiss, 1);
-    // Removing a row counts down and turns the frequency's sign.
-    zorvs_dc1wfr(0, 0, x, 4, 1, -1, 2, 3, 0, &nmiss, &f, &w, &status);
-    EXPECT_EQ(f, -1.0);
-    zorvs_dc1wfr(0, 0, x, 4, 3, -1, 2, 3, 0, &nmiss, &f, &w, &status);
-    EXPECT_EQ(nmiss, 0);
-    // No columns: frequency and weight 1.
-    zorvs_dc1wfr(0, 0, x, 4, 4, 1, 0, 0, 0, &nmiss, &f, &w, &status);
-    EXPECT_EQ(status, 0);
-    EXPECT_EQ(f, 1.0);
-    EXPECT_EQ(w, 1.0);
+TEST_F(Check, FrequencyReader) {
+    check_frequency_reader<double>();
+    check_frequency_reader<float>();
 }
 
-TEST_F(CheckFrequencyReader, NegativeValuesAreFatalWithTheRightPair) {
-    CodeLog codes;
-    const float x[] = {5, 6, -3, 2, 1, -4};  // 2 rows: data, frequency, weight
-    int nmiss = 0, status = 0;
-    float f, w;
-    zorvs_c1wfr(0, 0, x, 2, 1, 1, 2, 0, 0, &nmiss, &f, &w, &status);
-    EXPECT_EQ(status, 3);
-    EXPECT_EQ(last_code(), 11055);
-    EXPECT_EQ(last_type(), 4);
-    EXPECT_EQ(zorvs_error_param.i[1], 1);
-    EXPECT_EQ(zorvs_error_param.r[1], -3.0);
-    clear();
-    zorvs_c1wfr(2, 7, x, 2, 2, 1, 2, 3, 0, &nmiss, &f, &w, &status);
-    EXPECT_EQ(status, 3);
-    EXPECT_EQ(last_code(), 11056);
-    EXPECT_EQ(zorvs_error_param.i[2], 7);
-    EXPECT_EQ(zorvs_error_param.r[1], -4.0);
-    clear();
-    zorvs_c1wfr(0, 0, x, 2, 2, 1, 0, 3, 0, &nmiss, &f, &w, &status);
-    EXPECT_EQ(last_code(), 11057);
-    clear();
-    zorvs_c1wfr(1, 3, x, 2, 1, 1, 2, 0, 0, &nmiss, &f, &w, &status);
-    EXPECT_EQ(last_code(), 11054);
-}
-
-// With the default stops, a failed check ends the process at the pop of the
+// With the default stops, failed checks end the process at the pop of the
 // routine the user called, with the type as exit status and every failed
-// check printed first; a negative frequency (type 4) stops the same way.
-TEST(CheckStops, FailedChecksStopAtThePopOfTheUsersRoutine) {
+// check printed first.
+TEST(CheckStops, AtThePopOfTheUsersRoutine) {
     EXPECT_EXIT(
         {
             zorvs::keyword_routine("zorvs_checked_routine", [] {
@@ -247,18 +189,8 @@ TEST(CheckStops, FailedChecksStopAtThePopOfTheUsersRoutine) {
             });
             std::exit(0);
         },
-        ::testing::ExitedWithCode(5), "TERMINAL Error from zorvs_checked_routine\\..*TERMINAL Error from zorvs_checked_routine\\.");
-    EXPECT_EXIT(
-        {
-            zorvs::keyword_routine("zorvs_checked_routine", [] {
-                double x[2] = {1.0, -2.0};
-                double f, w;
-                int nmiss = 0, status = 0;
-                zorvs_dc1wfr(0, 0, x, 1, 1, 1, 2, 0, 0, &nmiss, &f, &w, &status);
-            });
-            std::exit(0);
-        },
-        ::testing::ExitedWithCode(4), "FATAL    Error [A-Z0-9_]+ from zorvs_checked_routine\\.");
+        ::testing::ExitedWithCode(5),
+        "TERMINAL Error from zorvs_checked_routine\\..*TERMINAL Error from zorvs_checked_routine\\.");
 }
 
 }  // namespace

@@ -3,11 +3,17 @@
 #ifndef ZORVS_TEST_CAPTURE_HPP
 #define ZORVS_TEST_CAPTURE_HPP
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
+#include <functional>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "frame/services.h"
 #include "zorvstat.h"
@@ -44,11 +50,9 @@ public:
 
 private:
     bool error_unit_;
-    FILE *stream_ = nullptr;
-    FILE *previous_ = nullptr;
+    FILE *stream_ = nullptr, *previous_ = nullptr;
     char *buffer_ = nullptr;
-    std::size_t size_ = 0;
-    std::size_t consumed_ = 0;
+    std::size_t size_ = 0, consumed_ = 0;
 };
 
 // Types 4 and 5 do not stop the process while the object lives.
@@ -61,8 +65,7 @@ public:
     ~NoStop() { zorvs_error_options(ZORVS_SET_STOP, 4, fatal_, ZORVS_SET_STOP, 5, terminal_, 0); }
 
 private:
-    int fatal_ = 1;
-    int terminal_ = 1;
+    int fatal_ = 1, terminal_ = 1;
 };
 
 // The (type, code) of every message raised at once (types 5 to 8) and of
@@ -79,14 +82,10 @@ public:
     CodeLog &operator=(const CodeLog &) = delete;
 
     bool has(int type, int code) const {
-        for (const auto &e : log())
-            if (e.first == type && e.second == code) return true;
-        return false;
+        return std::count(log().begin(), log().end(), std::make_pair(type, code)) > 0;
     }
     bool has_code(int code) const {
-        for (const auto &e : log())
-            if (e.second == code) return true;
-        return false;
+        return std::any_of(log().begin(), log().end(), [code](const auto &e) { return e.second == code; });
     }
     const std::vector<std::pair<int, int>> &entries() const { return log(); }
     void clear() { log().clear(); }
@@ -107,6 +106,108 @@ struct Quiet {
     NoStop no_stop;
     UnitCapture errors{true};
 };
+
+// Every test starts with no message on record at user level.
+class Fresh : public ::testing::Test {
+protected:
+    void SetUp() override { zorvs_e1mes(0, 0, nullptr); }
+};
+
+// The parameter slots of the last message named in `spec` ("i1=1 r2=0.5
+// l1=n"), each with the value it holds now: a row's expected slots compare
+// with one EXPECT_EQ(slots(spec), spec).  Reals print with %g.
+inline std::string slots(const std::string &spec) {
+    std::istringstream in(spec);
+    std::string out, item;
+    while (in >> item) {
+        const int k = item[1] - '0';
+        char real[32];
+        std::snprintf(real, sizeof real, "%g", zorvs_error_param.r[k]);
+        const char *l = zorvs_error_param.l[k] ? zorvs_error_param.l[k] : "(null)";
+        out += (out.empty() ? "" : " ") + item.substr(0, 3) +
+               (item[0] == 'i' ? std::to_string(zorvs_error_param.i[k]) : item[0] == 'r' ? real : l);
+    }
+    return out;
+}
+
+// An output option of zorvs_write_options, read and set.
+inline int write_option(int k) { return zorvs_write_options(k, &k), k; }
+inline void set_write_option(int k, int v) { zorvs_write_options(-k, &v); }
+
+// A printed message with its continuation lines joined again.
+inline std::string flat(std::string s) {
+    const std::string wrap = "\n***          ";
+    for (std::size_t k; (k = s.find(wrap)) != std::string::npos;) s.replace(k, wrap.size(), " ");
+    return s;
+}
+
+// A row of a table of calls from user level: what the call raises, with
+// the message's parameters and a piece of its printed text.
+struct CallCase {
+    const char *what;
+    std::function<void()> call;  // may check its results itself
+    int type, code;              // 0, 0: nothing raised
+    const char *slots = "";      // as for slots()
+    const char *shows = "";      // in the printed text, continuation lines joined
+};
+
+// Runs each row from a clean state, with stops off and messages captured.
+inline void expect_calls(const std::vector<CallCase> &cases) {
+    for (const CallCase &c : cases) {
+        SCOPED_TRACE(c.what);
+        zorvs_e1mes(0, 0, nullptr);
+        Quiet q;
+        CodeLog log;
+        c.call();
+        if (c.type == 0) {
+            EXPECT_TRUE(log.entries().empty()) << log.entries()[0].second;
+        } else {
+            EXPECT_TRUE(log.has(c.type, c.code)) << "last raised: " << zorvs_n1rcd(1);
+        }
+        EXPECT_EQ(slots(c.slots), c.slots);
+        const std::string printed = flat(q.errors.take());
+        EXPECT_NE(printed.find(c.shows), std::string::npos) << printed;
+    }
+}
+
+// A result agrees with its expected value: both NaN, equal (infinities
+// too), or within the absolute tolerance.
+inline bool agrees(double actual, double expected, double tolerance = 0) {
+    if (expected != expected) return actual != actual;
+    return actual == expected || (actual - expected <= tolerance && expected - actual <= tolerance);
+}
+
+// A text cut at each `separator`; the piece after the last one is kept only
+// if it is not empty (lines: "a\nb\n" gives a, b; pages: a\fb gives a, b).
+inline std::vector<std::string> split(const std::string &text, char separator = '\n') {
+    std::vector<std::string> parts(1);
+    for (char c : text) {
+        if (c == separator) parts.emplace_back();
+        else parts.back() += c;
+    }
+    if (parts.back().empty() && separator == '\n') parts.pop_back();
+    return parts;
+}
+
+// The bytes of a file.
+inline std::string read_all(const std::string &path) {
+    std::ostringstream s;
+    s << std::ifstream(path, std::ios::binary).rdbuf();
+    return s.str();
+}
+
+// Compare printed output with the expected text tests/data/output/NAME.txt.
+// With ZORVS_WRITE_GOLDEN set in the environment the text is (re)written
+// instead; every such text is read by eye before it is committed.
+inline void expect_golden(const std::string &name, const std::string &text) {
+    std::string path = std::string(ZORVS_TEST_DATA_DIR) + "/output/" + name + ".txt";
+    if (std::getenv("ZORVS_WRITE_GOLDEN")) {
+        std::ofstream(path, std::ios::binary) << text;
+        return;
+    }
+    ASSERT_TRUE(std::ifstream(path)) << "missing expected text " << path;
+    EXPECT_EQ(read_all(path), text) << "output differs from " << path;
+}
 
 }  // namespace zorvs_test
 

@@ -2,7 +2,7 @@
 // so starts from the library's initial state.  When the whole test program
 // runs in one process instead (a plain ./zorvs_tests), this listener gives
 // each test the same start: no error on record, write options at their
-// defaults, and the page size the process started with.
+// defaults, the page size the process started with, and the default stops.
 #include <gtest/gtest.h>
 
 #include "frame/services.h"
@@ -23,6 +23,8 @@ public:
         int w = width_, l = length_;
         zorvs_page(-1, &w);
         zorvs_page(-2, &l);
+        zorvs_error_options(ZORVS_SET_STOP, 1, 0, ZORVS_SET_STOP, 2, 0, ZORVS_SET_STOP, 3, 0, ZORVS_SET_STOP, 4, 1,
+                            ZORVS_SET_STOP, 5, 1, 0);
     }
 
 private:
