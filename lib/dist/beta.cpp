@@ -7,6 +7,7 @@
 // overflow limit of gamma, otherwise exp(log_beta).  log_beta uses
 // Stirling's form with the correction r9lgmc for the large arguments, so
 // that the large terms cancel analytically rather than numerically.
+#include "dist/dist.hpp"
 #include "dist/special_detail.hpp"
 
 namespace {
@@ -39,7 +40,7 @@ template <class T>
 BetaBounds<T> lv_beta_bounds{};
 
 template <class T>
-constexpr int alnrel_terms = std::is_same_v<T, float> ? 23 : 43;
+constexpr int alnrel_terms = zorvs::by_type<T>(23, 43);
 // The length the first use finds over those terms for eta = 0.1 u.
 template <class T>
 constexpr int alnrcs_expected = expected_terms(lv_alnrcs<T>, 0.1, alnrel_terms<T>);
@@ -74,8 +75,7 @@ T l_alnrel(T x) {
 // underflow is dropped again: a vanishing correction is harmless here.
 template <class T>
 T correction(T x) {
-    T c;
-    if constexpr (std::is_same_v<T, float>) c = zorvs_r9lgmc(x); else c = zorvs_d9lgmc(x);
+    const T c = zorvs::dist::r9lgmc(x);
     if (zorvs_n1rcd(1) == 1) zorvs_e1mes(0, 0, " ");
     return c;
 }
@@ -91,7 +91,7 @@ T l_log_beta(T a, T b) {
     }
     // B(p, q) falls like gamma(p) q^-p as q grows: an infinite shape gives
     // log B = -infinity (and beta its underflow to 0).
-    if (std::isinf(q)) return -std::numeric_limits<T>::infinity();
+    if (std::isinf(q)) return -zorvs::infinity<T>();
     if (p >= 10) {
         const T corr = correction(p) + correction(q) - correction(p + q);
         return T(-0.5) * std::log(q) + T(sq2pil) + corr + (p - T(0.5)) * std::log(p / (p + q)) +
@@ -99,8 +99,7 @@ T l_log_beta(T a, T b) {
     }
     if (q >= 10) {
         const T corr = correction(q) - correction(p + q);
-        T lgp;
-        if constexpr (std::is_same_v<T, float>) lgp = zorvs_f_log_gamma(p); else lgp = zorvs_d_log_gamma(p);
+        const T lgp = zorvs::dist::log_gamma(p);
         return lgp + corr + p - p * std::log(p + q) + (q - T(0.5)) * l_alnrel(-p / (p + q));
     }
     return std::log(gamma_core(p) * (gamma_core(q) / gamma_core(p + q)));
@@ -118,8 +117,7 @@ T l_beta(T a, T b) {
         return zorvs::missing<T>();
     }
     if (a + b < bb.xmax) return gamma_core(a) * gamma_core(b) / gamma_core(a + b);
-    T t;
-    if constexpr (std::is_same_v<T, float>) t = zorvs_f_log_beta(a, b); else t = zorvs_d_log_beta(a, b);
+    const T t = zorvs::dist::log_beta(a, b);
     if (t < bb.alneps) {
         raise(2, 9018, a, b);
         return 0;
@@ -129,21 +127,9 @@ T l_beta(T a, T b) {
 
 }  // namespace
 
-extern "C" float zorvs_alnrel(float x) {
-    return zorvs::value_routine("zorvs_alnrel", [&] { return alnrel_value(x, lv_alnrel_bounds<float>); });
-}
-extern "C" double zorvs_dalnrel(double x) {
-    return zorvs::value_routine("zorvs_dalnrel", [&] { return alnrel_value(x, lv_alnrel_bounds<double>); });
-}
-extern "C" float zorvs_f_beta(float a, float b) {
-    return zorvs::value_routine("zorvs_f_beta", [&] { return l_beta(a, b); });
-}
-extern "C" double zorvs_d_beta(double a, double b) {
-    return zorvs::value_routine("zorvs_d_beta", [&] { return l_beta(a, b); });
-}
-extern "C" float zorvs_f_log_beta(float a, float b) {
-    return zorvs::value_routine("zorvs_f_log_beta", [&] { return l_log_beta(a, b); });
-}
-extern "C" double zorvs_d_log_beta(double a, double b) {
-    return zorvs::value_routine("zorvs_d_log_beta", [&] { return l_log_beta(a, b); });
-}
+extern "C" float zorvs_alnrel(float x) { ZORVS_VALUE_ENTRY(alnrel_value(x, lv_alnrel_bounds<float>)); }
+extern "C" double zorvs_dalnrel(double x) { ZORVS_VALUE_ENTRY(alnrel_value(x, lv_alnrel_bounds<double>)); }
+extern "C" float zorvs_f_beta(float a, float b) { ZORVS_VALUE_ENTRY(l_beta(a, b)); }
+extern "C" double zorvs_d_beta(double a, double b) { ZORVS_VALUE_ENTRY(l_beta(a, b)); }
+extern "C" float zorvs_f_log_beta(float a, float b) { ZORVS_VALUE_ENTRY(l_log_beta(a, b)); }
+extern "C" double zorvs_d_log_beta(double a, double b) { ZORVS_VALUE_ENTRY(l_log_beta(a, b)); }

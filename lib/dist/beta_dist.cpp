@@ -26,23 +26,16 @@ namespace zc = zorvs::continuous;
 
 template <class T>
 T l_beta_cdf(T x, T pin, T qin) {
-    bool bad = false;
-    if (!(pin > 0)) {
-        zc::raise_reals(5, 11033, pin);
-        bad = true;
-    }
-    if (!(qin > 0)) {
-        zc::raise_reals(5, 11034, qin);
-        bad = true;
-    }
-    if (bad) return zc::nan<T>();
+    bool bad = zc::refused(pin > 0, 11033, pin);
+    bad |= zc::refused(qin > 0, 11034, qin);
+    if (bad) return zorvs::missing<T>();
     if (std::isnan(x)) return x;  // a missing x stays missing
     if (x <= 0) {
-        zc::raise_reals(1, 20415, x);
+        zorvs::raise(1, 20415, x);
         return 0;
     }
     if (x >= 1) {
-        zc::raise_reals(1, 20416, x);
+        zorvs::raise(1, 20416, x);
         return 1;
     }
     return zc::beta_ratio<T>(x, 1 - x, pin, qin, false);
@@ -84,21 +77,11 @@ template <class T>
 T l_betin(T p, T pin, T qin, T *complement = nullptr) {
     T unused;
     T &cx = complement ? *complement : unused;
-    const T e = zc::epsilon<T>();
-    bool bad = false;
-    if (!(pin > 0)) {
-        zc::raise_reals(5, 9044, pin);
-        bad = true;
-    }
-    if (!(qin > 0)) {
-        zc::raise_reals(5, 9045, qin);
-        bad = true;
-    }
-    if (!(p > 0 && p < 1)) {
-        zc::raise_reals(5, 9046, p);
-        bad = true;
-    }
-    if (bad) return cx = zc::nan<T>();
+    const T e = zorvs::epsilon<T>();
+    bool bad = zc::refused(pin > 0, 9044, pin);
+    bad |= zc::refused(qin > 0, 9045, qin);
+    bad |= zc::refused(p > 0 && p < 1, 9046, p);
+    if (bad) return cx = zorvs::missing<T>();
 
     // Two comparable shapes above 1: a few halvings on I_x bracket the root.
     T lo = 0, hi = 1;
@@ -133,7 +116,7 @@ T l_betin(T p, T pin, T qin, T *complement = nullptr) {
     T a = is_complement ? 1 - p : p;
     T pp = is_complement ? qin : pin, qq = is_complement ? pin : qin;
     T ylo = is_complement ? 1 - hi : lo, yhi = is_complement ? 1 - lo : hi;
-    const T lbeta = zc::log_beta<T>(pp, qq);
+    const T lbeta = zorvs::dist::log_beta(pp, qq);
     T log_tail = (std::log(a) + std::log(pp) + lbeta) / pp;
     const T log_other = (std::log1p(-a) + std::log(qq) + lbeta) / qq;
     const bool switched = log_other + std::log(std::max(pp, T(1))) < std::log(T(0.01));
@@ -148,8 +131,8 @@ T l_betin(T p, T pin, T qin, T *complement = nullptr) {
     }
     // Where the leading term of the tail puts the root below the smallest
     // normal number, y is taken as 0 (x as 0 or 1), with the warning.
-    if (log_tail < std::log(zc::smallest<T>()) - 1) {
-        zc::raise_reals(3, 9047, p);
+    if (log_tail < std::log(zorvs::smallest<T>()) - 1) {
+        zorvs::raise(3, 9047, p);
         cx = is_complement ? T(0) : T(1);
         return is_complement ? T(1) : T(0);
     }
@@ -178,7 +161,7 @@ T l_betin(T p, T pin, T qin, T *complement = nullptr) {
         }
         if (g < 0) ylo = std::max(ylo, y);
         else yhi = std::min(yhi, y);
-        if (yhi <= zc::smallest<T>()) {  // the root is below the normal range
+        if (yhi <= zorvs::smallest<T>()) {  // the root is below the normal range
             y = 0;
             break;
         }
@@ -215,7 +198,7 @@ T l_betin(T p, T pin, T qin, T *complement = nullptr) {
             break;
         }
     }
-    if (!converged) zc::raise_reals(3, 9047, p);
+    if (!converged) zorvs::raise(3, 9047, p);
     cx = is_complement ? y : 1 - y;
     return is_complement ? 1 - y : y;
 }
@@ -226,10 +209,8 @@ namespace zorvs::continuous {
 
 template <class T>
 T betin_with_complement(T p, T pin, T qin, T *complement) {
-    if constexpr (std::is_same_v<T, float>)
-        return zorvs::value_routine("zorvs_betin", [&] { return l_betin<T>(p, pin, qin, complement); });
-    else
-        return zorvs::value_routine("zorvs_dbetin", [&] { return l_betin<T>(p, pin, qin, complement); });
+    return zorvs::value_routine(zorvs::by_type<T>("zorvs_betin", "zorvs_dbetin"),
+                                [&] { return l_betin<T>(p, pin, qin, complement); });
 }
 template float betin_with_complement<float>(float, float, float, float *);
 template double betin_with_complement<double>(double, double, double, double *);
@@ -238,18 +219,10 @@ template double betin_with_complement<double>(double, double, double, double *);
 
 extern "C" {
 
-float zorvs_f_beta_cdf(float x, float pin, float qin) {
-    return zorvs::value_routine("zorvs_f_beta_cdf", [&] { return l_beta_cdf<float>(x, pin, qin); });
-}
-double zorvs_d_beta_cdf(double x, double pin, double qin) {
-    return zorvs::value_routine("zorvs_d_beta_cdf", [&] { return l_beta_cdf<double>(x, pin, qin); });
-}
-float zorvs_f_beta_inverse_cdf(float p, float pin, float qin) {
-    return zorvs::value_routine("zorvs_f_beta_inverse_cdf", [&] { return l_betin<float>(p, pin, qin); });
-}
-double zorvs_d_beta_inverse_cdf(double p, double pin, double qin) {
-    return zorvs::value_routine("zorvs_d_beta_inverse_cdf", [&] { return l_betin<double>(p, pin, qin); });
-}
+float zorvs_f_beta_cdf(float x, float pin, float qin) { ZORVS_VALUE_ENTRY(l_beta_cdf<float>(x, pin, qin)); }
+double zorvs_d_beta_cdf(double x, double pin, double qin) { ZORVS_VALUE_ENTRY(l_beta_cdf<double>(x, pin, qin)); }
+float zorvs_f_beta_inverse_cdf(float p, float pin, float qin) { ZORVS_VALUE_ENTRY(l_betin<float>(p, pin, qin)); }
+double zorvs_d_beta_inverse_cdf(double p, double pin, double qin) { ZORVS_VALUE_ENTRY(l_betin<double>(p, pin, qin)); }
 float zorvs_betin(float p, float pin, float qin) {
     return zorvs::continuous::betin_with_complement<float>(p, pin, qin, nullptr);
 }

@@ -66,11 +66,11 @@ template <class T>
 const BetaConstants<T> &constants() {
     BetaConstants<T> &k = lv_beta_constants<T>;
     if (k.eps == 0) {
-        k.sml = zc::smallest<T>();
+        k.sml = zorvs::smallest<T>();
         k.alnsml = T(0.95) * std::log(k.sml);
         k.scale = std::exp(k.alnsml);
-        k.alneps = std::log(zc::epsilon<T>() / 2);
-        k.eps = zc::epsilon<T>() / 2;
+        k.alneps = std::log(zorvs::epsilon<T>() / 2);
+        k.eps = zorvs::epsilon<T>() / 2;
     }
     return k;
 }
@@ -111,7 +111,7 @@ T l_betai_sums(T y, T cy, T p, T q, bool *too_long) {
     if ((p + q) * y / (p + 1) < k.eps) {
         // log(y) of a subnormal y is still accurate; only y = 0 needs a
         // stand-in, and gives 0 below.
-        T xb = p * std::log(y > 0 ? y : k.sml) - std::log(p) - zc::log_beta<T>(p, q);
+        T xb = p * std::log(y > 0 ? y : k.sml) - std::log(p) - zorvs::dist::log_beta(p, q);
         return (xb > k.alnsml && y != 0) ? std::exp(xb) : T(0);
     }
     // log y (and log(1 - y) below) from 1 - y (from y) where that is the
@@ -136,7 +136,7 @@ T l_betai_sums(T y, T cy, T p, T q, bool *too_long) {
         if (pf == 1) base = 1 / ps;
         else if (ps + pf == 1) base = T(kPi) / std::sin(T(kPi) * std::min(ps, pf));
         if (base > 0 && p < kProductTerms) lpbeta = std::log(p * base * ratio_product(pf, ps + pf, p));
-        else lpbeta = std::log(p) + zc::log_beta<T>(ps, p);
+        else lpbeta = std::log(p) + zorvs::dist::log_beta(ps, p);
     }
     const T xb0 = p * lny - lpbeta;
     // log(q B(p, q)) - log(p B(ps, p)) from the product.
@@ -161,7 +161,7 @@ T l_betai_sums(T y, T cy, T p, T q, bool *too_long) {
             const T terms = std::max(k.alneps / lny, T(4));
             if (!(terms <= T(kMaxTerms))) {
                 *too_long = true;
-                return zc::nan<T>();
+                return zorvs::missing<T>();
             }
             const int n = static_cast<int>(terms);
             // Two terms a round with one division, r = 1/(i (p+i) j (p+j))
@@ -203,7 +203,7 @@ T l_betai_sums(T y, T cy, T p, T q, bool *too_long) {
 
     // The finite sum for the integer part of q.
     if (q > 1) {
-        if (!have_lqbeta) lqbeta = std::log(q) + zc::log_beta<T>(p, q);
+        if (!have_lqbeta) lqbeta = std::log(q) + zorvs::dist::log_beta(p, q);
         const T lncy = cy > T(0.5) && q > 64 ? std::log1p(-y) : std::log(cy);
         T xb = p * lny + q * lncy - lqbeta;
         // The first term lies ib levels of the scale counter below the
@@ -231,7 +231,7 @@ T l_betai_sums(T y, T cy, T p, T q, bool *too_long) {
         // cap means the sum cannot end within it, and it is not begun.
         if (capped && p1 > 1 && (p <= 1 || p + q - (p - 1) / y > T(kMaxTerms))) {
             *too_long = true;
-            return zc::nan<T>();
+            return zorvs::missing<T>();
         }
         for (int i = 1; i <= n; ++i) {
             T xi = static_cast<T>(i);
@@ -256,7 +256,7 @@ T l_betai_sums(T y, T cy, T p, T q, bool *too_long) {
         }
         if (capped && !ended) {
             *too_long = true;
-            return zc::nan<T>();
+            return zorvs::missing<T>();
         }
         s += fin;
         s1 += fin1;
@@ -288,8 +288,8 @@ T l_beta_ratio(T x, T cx, T a, T b, bool upper) {
     // the range have their values.
     if (std::isinf(a) || std::isinf(b)) {
         if (x == 0 || cx == 0) return (x == 0) == upper ? T(1) : T(0);
-        zc::raise_reals(3, 9057, x, a, b);
-        return zc::nan<T>();
+        zorvs::raise(3, 9057, x, a, b);
+        return zorvs::missing<T>();
     }
     // The tail on x's side of the mean a/(a+b) is likely below 1/4 where x
     // lies more than 2/3 of a standard deviation from it, and below 1/64
@@ -302,7 +302,7 @@ T l_beta_ratio(T x, T cx, T a, T b, bool upper) {
     // the shorter sums is taken.
     // The sum lengths of the two orientations, each worked out once when
     // first needed: kept (I_x(a, b)) and exchanged (I_(1-x)(b, a)).
-    T keep_length = zc::nan<T>(), exchange_length = zc::nan<T>();
+    T keep_length = zorvs::missing<T>(), exchange_length = zorvs::missing<T>();
     auto keep = [&] {
         if (std::isnan(keep_length)) keep_length = sum_length(x, cx, b);
         return keep_length;
@@ -335,8 +335,8 @@ T l_beta_ratio(T x, T cx, T a, T b, bool upper) {
     bool too_long = false;
     T s = swapped ? l_betai_sums(cx, x, b, a, &too_long) : l_betai_sums(x, cx, a, b, &too_long);
     if (too_long) {
-        zc::raise_reals(3, 9057, x, a, b);
-        return zc::nan<T>();
+        zorvs::raise(3, 9057, x, a, b);
+        return zorvs::missing<T>();
     }
     T t = 1 - s;
     // Below 1/4 the small tail t may be summed again in its own orientation.
@@ -391,14 +391,14 @@ T l_beta_incomplete(T x, T a, T b) {
     bool bad = false;
     if (!std::isnan(x) && !(x >= 0 && x <= 1)) {
         zorvs_e1stl(1, "x");
-        zc::raise_reals(5, 120, 0, 1, x);
+        zorvs::raise(5, 120, T(0), T(1), x);
         bad = true;
     }
     if (!(a > 0) || !(b > 0)) {
-        zc::raise_reals(5, 9031, a, b);
+        zorvs::raise(5, 9031, a, b);
         bad = true;
     }
-    if (bad) return zc::nan<T>();
+    if (bad) return zorvs::missing<T>();
     if (std::isnan(x)) return x;  // a missing x stays missing
     return ratio_in_twin<T>(x, 1 - static_cast<double>(x), a, b, false);
 }
@@ -418,11 +418,7 @@ template double beta_ratio<double>(double, double, double, double, bool);
 
 extern "C" {
 
-float zorvs_f_beta_incomplete(float x, float a, float b) {
-    return zorvs::value_routine("zorvs_f_beta_incomplete", [&] { return l_beta_incomplete<float>(x, a, b); });
-}
-double zorvs_d_beta_incomplete(double x, double a, double b) {
-    return zorvs::value_routine("zorvs_d_beta_incomplete", [&] { return l_beta_incomplete<double>(x, a, b); });
-}
+float zorvs_f_beta_incomplete(float x, float a, float b) { ZORVS_VALUE_ENTRY(l_beta_incomplete<float>(x, a, b)); }
+double zorvs_d_beta_incomplete(double x, double a, double b) { ZORVS_VALUE_ENTRY(l_beta_incomplete<double>(x, a, b)); }
 
 }  // extern "C"

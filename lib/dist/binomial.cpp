@@ -12,6 +12,7 @@
 #include "dist/discrete.h"
 #include "dist/discrete_terms.hpp"
 #include "frame/frame.hpp"
+#include "frame/raise.hpp"
 #include "zorvstat.h"
 
 namespace {
@@ -21,8 +22,7 @@ T l_binomial_cdf(int k, int n, T p_in) {
     const double p = static_cast<double>(p_in);
     bool bad = false;
     if (n <= 0) {
-        zorvs_e1sti(1, n);
-        zorvs_ermes(5, 9058);
+        zorvs::raise(5, 9058, n);
         bad = true;
     }
     if (!(p >= 0 && p <= 1)) {
@@ -32,14 +32,11 @@ T l_binomial_cdf(int k, int n, T p_in) {
     }
     if (bad) return zorvs::missing<T>();
     if (k < 0) {
-        zorvs_e1sti(1, k);
-        zorvs_ermes(1, 9054);
+        zorvs::raise(1, 9054, k);
         return T(0);
     }
     if (k > n) {
-        zorvs_e1sti(1, k);
-        zorvs_e1sti(2, n);
-        zorvs_ermes(1, 9060);
+        zorvs::raise(1, 9060, k, n);
         return T(1);
     }
     if (k == n) return T(1);
@@ -63,11 +60,7 @@ T l_binomial_cdf(int k, int n, T p_in) {
 
 extern "C" {
 
-float zorvs_f_binomial_cdf(int k, int n, float p) {
-    return zorvs::value_routine("zorvs_f_binomial_cdf", [&] { return l_binomial_cdf<float>(k, n, p); });
-}
-double zorvs_d_binomial_cdf(int k, int n, double p) {
-    return zorvs::value_routine("zorvs_d_binomial_cdf", [&] { return l_binomial_cdf<double>(k, n, p); });
-}
+float zorvs_f_binomial_cdf(int k, int n, float p) { ZORVS_VALUE_ENTRY(l_binomial_cdf<float>(k, n, p)); }
+double zorvs_d_binomial_cdf(int k, int n, double p) { ZORVS_VALUE_ENTRY(l_binomial_cdf<double>(k, n, p)); }
 
 }  // extern "C"

@@ -144,9 +144,7 @@ T l_bnrdf(const T *px, const T *py, const T *prho) {
 
 }  // namespace
 
-extern "C" float zorvs_f_bivariate_normal_cdf(float x, float y, float rho) {
-    return zorvs::value_routine("zorvs_f_bivariate_normal_cdf", [&] { return l_bnrdf(&x, &y, &rho); });
-}
+extern "C" float zorvs_f_bivariate_normal_cdf(float x, float y, float rho) { ZORVS_VALUE_ENTRY(l_bnrdf(&x, &y, &rho)); }
 extern "C" double zorvs_d_bivariate_normal_cdf(double x, double y, double rho) {
-    return zorvs::value_routine("zorvs_d_bivariate_normal_cdf", [&] { return l_bnrdf(&x, &y, &rho); });
+    ZORVS_VALUE_ENTRY(l_bnrdf(&x, &y, &rho));
 }

@@ -30,7 +30,7 @@ namespace zc = zorvs::continuous;
 // would cost 2e-4 of P.  Both twins therefore form the branch in double, with
 // the double epsilon ending the series, and the single twin rounds P.
 double asymptotic_cdf(double x, double h) {
-    const double e = zc::epsilon<double>();
+    const double e = zorvs::epsilon<double>();
     const double g = zorvs::special::gamma_core<double>(h);  // 0.25 <= h <= 32.5: no message
     double y = 1 / x;
     double t = (h - 1) * y;
@@ -47,7 +47,7 @@ double asymptotic_cdf(double x, double h) {
 
 template <class T>
 T l_chi_squared_cdf(T chi2, T df) {
-    const T e = zc::epsilon<T>();
+    const T e = zorvs::epsilon<T>();
     if (chi2 < 0) {
         zorvs_e1str(1, chi2);
         zorvs_e1stl(1, "chi_squared");
@@ -55,8 +55,8 @@ T l_chi_squared_cdf(T chi2, T df) {
         return 0;
     }
     if (!(df >= T(0.5))) {  // a NaN df included
-        zc::raise_reals(5, 9051, df);
-        return zc::nan<T>();
+        zorvs::raise(5, 9051, df);
+        return zorvs::missing<T>();
     }
     if (std::isnan(chi2)) return chi2;  // a missing value stays missing
     if (chi2 <= T(1e-12)) return 0;
@@ -109,20 +109,20 @@ T cdf(T x, T df) {
 
 template <class T>
 T l_chi_squared_inverse_cdf(T p, T df) {
-    const T e = zc::epsilon<T>();
+    const T e = zorvs::epsilon<T>();
     bool bad = false;
     if (!(p > 0 && p < 1)) {
-        zc::raise_reals(5, 9043, p);
+        zorvs::raise(5, 9043, p);
         bad = true;
     }
     if (!(df >= T(0.5))) {
-        zc::raise_reals(5, 9051, df);
+        zorvs::raise(5, 9051, df);
         bad = true;
     }
-    if (bad) return zc::nan<T>();
+    if (bad) return zorvs::missing<T>();
 
     const T tol = 10 * e;
-    T z = zc::normal_inverse_cdf<T>(p);
+    T z = zorvs::dist::normal_inverse_cdf(p);
     T h = 2 / (9 * df);
     T w = 1 - h + z * std::sqrt(h);
     T x0 = std::max(T(0), df * w * w * w);
@@ -154,8 +154,8 @@ T l_chi_squared_inverse_cdf(T p, T df) {
         }
     }
     if (!bracketed) {
-        zc::raise_reals(3, 9052, p, df, x1);
-        return zc::nan<T>();
+        zorvs::raise(3, 9052, p, df, x1);
+        return zorvs::missing<T>();
     }
 
     // Illinois false position: the retained end's residual is halved when
@@ -194,20 +194,14 @@ T l_chi_squared_inverse_cdf(T p, T df) {
 extern "C" {
 
 float zorvs_f_chi_squared_cdf(float chi_squared, float df) {
-    return zorvs::value_routine("zorvs_f_chi_squared_cdf",
-                                [&] { return l_chi_squared_cdf<float>(chi_squared, df); });
+    ZORVS_VALUE_ENTRY(l_chi_squared_cdf<float>(chi_squared, df));
 }
 double zorvs_d_chi_squared_cdf(double chi_squared, double df) {
-    return zorvs::value_routine("zorvs_d_chi_squared_cdf",
-                                [&] { return l_chi_squared_cdf<double>(chi_squared, df); });
+    ZORVS_VALUE_ENTRY(l_chi_squared_cdf<double>(chi_squared, df));
 }
-float zorvs_f_chi_squared_inverse_cdf(float p, float df) {
-    return zorvs::value_routine("zorvs_f_chi_squared_inverse_cdf",
-                                [&] { return l_chi_squared_inverse_cdf<float>(p, df); });
-}
+float zorvs_f_chi_squared_inverse_cdf(float p, float df) { ZORVS_VALUE_ENTRY(l_chi_squared_inverse_cdf<float>(p, df)); }
 double zorvs_d_chi_squared_inverse_cdf(double p, double df) {
-    return zorvs::value_routine("zorvs_d_chi_squared_inverse_cdf",
-                                [&] { return l_chi_squared_inverse_cdf<double>(p, df); });
+    ZORVS_VALUE_ENTRY(l_chi_squared_inverse_cdf<double>(p, df));
 }
 
 }  // extern "C"

@@ -25,8 +25,9 @@
 
 #include <cfloat>
 #include <cmath>
-#include <limits>
 #include <type_traits>
+
+#include "frame/twin.hpp"
 
 namespace zorvs::discrete {
 
@@ -84,7 +85,7 @@ inline double log_binomial_term(double x, double n, double p, double q) {
         return p < 0.1 ? n * std::log1p(-p) : n * std::log(q);
     }
     if (x == n) return q < 0.1 ? n * std::log1p(-q) : n * std::log(p);
-    if (p == 0 || q == 0) return -std::numeric_limits<double>::infinity();
+    if (p == 0 || q == 0) return -zorvs::infinity<double>();
     double lc = stirlerr(n) - stirlerr(x) - stirlerr(n - x) - bd0(x, n * p) - bd0(n - x, n * q);
     // log(2 pi x (n - x) / n); (n - x) / n rather than 1 - x / n, whose
     // rounding would be magnified when x is near n.
@@ -103,14 +104,14 @@ template <class T>
 class TwoEndedSum {
 public:
     TwoEndedSum()
-        : scale_(2.0 * static_cast<double>(std::numeric_limits<T>::min())),
+        : scale_(2.0 * static_cast<double>(zorvs::smallest<T>())),
           log_scale_(std::log(scale_)) {}
 
     double scale() const { return scale_; }
     double log_scale() const { return log_scale_; }
 
     ScaledTerm from_log(double log_value) const {
-        if (!(log_value > -std::numeric_limits<double>::infinity())) return {0.0, 0.0};
+        if (!(log_value > -zorvs::infinity<double>())) return {0.0, 0.0};
         double d = log_value < 0 ? std::trunc(log_value / log_scale_) : 0.0;
         return {std::exp(log_value - d * log_scale_), d};
     }

@@ -73,18 +73,7 @@ T l_erfc(T x) {
 }  // namespace
 }  // namespace zorvs::special
 
-using zorvs::special::l_erf;
-using zorvs::special::l_erfc;
-
-extern "C" float zorvs_f_erf(float x) {
-    return zorvs::value_routine("zorvs_f_erf", [&] { return l_erf(x); });
-}
-extern "C" double zorvs_d_erf(double x) {
-    return zorvs::value_routine("zorvs_d_erf", [&] { return l_erf(x); });
-}
-extern "C" float zorvs_f_erfc(float x) {
-    return zorvs::value_routine("zorvs_f_erfc", [&] { return l_erfc(x); });
-}
-extern "C" double zorvs_d_erfc(double x) {
-    return zorvs::value_routine("zorvs_d_erfc", [&] { return l_erfc(x); });
-}
+extern "C" float zorvs_f_erf(float x) { ZORVS_VALUE_ENTRY(zorvs::special::l_erf(x)); }
+extern "C" double zorvs_d_erf(double x) { ZORVS_VALUE_ENTRY(zorvs::special::l_erf(x)); }
+extern "C" float zorvs_f_erfc(float x) { ZORVS_VALUE_ENTRY(zorvs::special::l_erfc(x)); }
+extern "C" double zorvs_d_erfc(double x) { ZORVS_VALUE_ENTRY(zorvs::special::l_erfc(x)); }

@@ -19,11 +19,11 @@ namespace zc = zorvs::continuous;
 template <class T>
 T l_F_cdf(T f, T df1, T df2) {
     if (!(df1 > 0) || !(df2 > 0)) {
-        zc::raise_reals(5, 9048, df1, df2);
-        return zc::nan<T>();
+        zorvs::raise(5, 9048, df1, df2);
+        return zorvs::missing<T>();
     }
     if (f <= 0) {
-        zc::raise_reals(1, 9050, f);
+        zorvs::raise(1, 9050, f);
         return 0;
     }
     if (std::isnan(f)) return f;  // a missing f stays missing
@@ -32,17 +32,17 @@ T l_F_cdf(T f, T df1, T df2) {
 
 template <class T>
 T l_F_inverse_cdf(T p, T df1, T df2) {
-    const T e = zc::epsilon<T>();
+    const T e = zorvs::epsilon<T>();
     bool bad = false;
     if (!(p > 0 && p < 1)) {
-        zc::raise_reals(5, 9043, p);
+        zorvs::raise(5, 9043, p);
         bad = true;
     }
     if (!(df1 > 0) || !(df2 > 0)) {
-        zc::raise_reals(5, 9048, df1, df2);
+        zorvs::raise(5, 9048, df1, df2);
         bad = true;
     }
-    if (bad) return zc::nan<T>();
+    if (bad) return zorvs::missing<T>();
     // 1 - x comes from the inverse itself, to its own relative accuracy:
     // formed from x it would cancel where x is close to 1.
     T cx;
@@ -50,14 +50,14 @@ T l_F_inverse_cdf(T p, T df1, T df2) {
         T x = zc::betin_with_complement<T>(p, T(0.5) * df1, T(0.5) * df2, &cx);
         if (x >= 1 - e) {
             zorvs_ermes(4, 9008);
-            return zc::infinity<T>();
+            return zorvs::infinity<T>();
         }
         return df2 * x / (df1 * cx);
     }
     T x = zc::betin_with_complement<T>(1 - p, T(0.5) * df2, T(0.5) * df1, &cx);
     if (x == 0) {
         zorvs_ermes(4, 9008);
-        return zc::infinity<T>();
+        return zorvs::infinity<T>();
     }
     return cx / x * df2 / df1;  // (1/x - 1) df2/df1
 }
@@ -69,33 +69,33 @@ namespace zorvs::continuous {
 // x = df2/(df2 + df1 f) and 1 - x, each formed from a ratio at most 1 so
 // that both keep full relative accuracy; the distribution function is the
 // complement 1 - I_x(df2/2, df1/2) and the upper tail I_x(df2/2, df1/2),
-// both as the ratio routine gives them, without subtracting from 1.
+// both as the ratio routine gives them, without subtracting from 1.  Both
+// twins form x and 1 - x in double, where the ratio is summed
+// (beta_incomplete.cpp).
 template <class T>
-T F_tail(T f, T df1, T df2, bool upper) {
-    // The single twin forms x and 1 - x in double as well, where the ratio
-    // is summed (beta_incomplete.cpp).
-    if constexpr (std::is_same_v<T, float>) return static_cast<float>(F_tail<double>(f, df1, df2, upper));
+T F_tail(T f_in, T df1_in, T df2_in, bool upper) {
+    const double f = f_in, df1 = df1_in, df2 = df2_in;
     // Infinite degrees of freedom: the chi-squared limits, F = chi2(df1)/df1
     // for an infinite df2, df2/chi2(df2) for an infinite df1, and 1 for both.
     if (std::isinf(df1) || std::isinf(df2)) {
-        T lower;
-        if (std::isinf(df1) && std::isinf(df2)) lower = f >= 1 ? T(1) : T(0);
-        else if (std::isinf(df2)) lower = zorvs_d_chi_squared_cdf(df1 * f, df1);
-        else lower = 1 - zorvs_d_chi_squared_cdf(df2 / f, df2);
-        return upper ? 1 - lower : lower;
+        double lower;
+        if (std::isinf(df1) && std::isinf(df2)) lower = f >= 1 ? 1.0 : 0.0;
+        else if (std::isinf(df2)) lower = zorvs::dist::chi_squared_cdf(df1 * f, df1);
+        else lower = 1 - zorvs::dist::chi_squared_cdf(df2 / f, df2);
+        return static_cast<T>(upper ? 1 - lower : lower);
     }
-    T x, cx;
-    const T m = df1 * f;
+    double x, cx;
+    const double m = df1 * f;
     if (m >= df2) {
-        const T r = df2 / m, inv = 1 / (1 + r);
+        const double r = df2 / m, inv = 1 / (1 + r);
         x = r * inv;
         cx = inv;
     } else {
-        const T r = m / df2, inv = 1 / (1 + r);
+        const double r = m / df2, inv = 1 / (1 + r);
         x = inv;
         cx = r * inv;
     }
-    return beta_ratio<T>(x, cx, T(0.5) * df2, T(0.5) * df1, !upper);
+    return static_cast<T>(beta_ratio<double>(x, cx, 0.5 * df2, 0.5 * df1, !upper));
 }
 template float F_tail<float>(float, float, float, bool);
 template double F_tail<double>(double, double, double, bool);
@@ -104,17 +104,11 @@ template double F_tail<double>(double, double, double, bool);
 
 extern "C" {
 
-float zorvs_f_F_cdf(float f, float df1, float df2) {
-    return zorvs::value_routine("zorvs_f_F_cdf", [&] { return l_F_cdf<float>(f, df1, df2); });
-}
-double zorvs_d_F_cdf(double f, double df1, double df2) {
-    return zorvs::value_routine("zorvs_d_F_cdf", [&] { return l_F_cdf<double>(f, df1, df2); });
-}
-float zorvs_f_F_inverse_cdf(float p, float df1, float df2) {
-    return zorvs::value_routine("zorvs_f_F_inverse_cdf", [&] { return l_F_inverse_cdf<float>(p, df1, df2); });
-}
+float zorvs_f_F_cdf(float f, float df1, float df2) { ZORVS_VALUE_ENTRY(l_F_cdf<float>(f, df1, df2)); }
+double zorvs_d_F_cdf(double f, double df1, double df2) { ZORVS_VALUE_ENTRY(l_F_cdf<double>(f, df1, df2)); }
+float zorvs_f_F_inverse_cdf(float p, float df1, float df2) { ZORVS_VALUE_ENTRY(l_F_inverse_cdf<float>(p, df1, df2)); }
 double zorvs_d_F_inverse_cdf(double p, double df1, double df2) {
-    return zorvs::value_routine("zorvs_d_F_inverse_cdf", [&] { return l_F_inverse_cdf<double>(p, df1, df2); });
+    ZORVS_VALUE_ENTRY(l_F_inverse_cdf<double>(p, df1, df2));
 }
 
 }  // extern "C"

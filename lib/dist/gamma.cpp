@@ -156,7 +156,7 @@ T r9lgmc_core(T x) {
     lgmc_first_use<T>();
     const LgmcBounds<T> &c = lv_lgmc_bounds<T>;
     if (x < 10) {
-        raise(4, 60002, x, 10);
+        raise(4, 60002, x, T(10));
         return zorvs::missing<T>();
     }
     if (x >= c.xmax) {
@@ -280,21 +280,9 @@ using zorvs::special::gamma_core;
 using zorvs::special::l_log_gamma;
 using zorvs::special::r9lgmc_core;
 
-extern "C" float zorvs_f_gamma(float x) {
-    return zorvs::value_routine("zorvs_f_gamma", [&] { return gamma_core(x); });
-}
-extern "C" double zorvs_d_gamma(double x) {
-    return zorvs::value_routine("zorvs_d_gamma", [&] { return gamma_core(x); });
-}
-extern "C" float zorvs_f_log_gamma(float x) {
-    return zorvs::value_routine("zorvs_f_log_gamma", [&] { return l_log_gamma(x); });
-}
-extern "C" double zorvs_d_log_gamma(double x) {
-    return zorvs::value_routine("zorvs_d_log_gamma", [&] { return l_log_gamma(x); });
-}
-extern "C" float zorvs_r9lgmc(float x) {
-    return zorvs::value_routine("zorvs_r9lgmc", [&] { return r9lgmc_core(x); });
-}
-extern "C" double zorvs_d9lgmc(double x) {
-    return zorvs::value_routine("zorvs_d9lgmc", [&] { return r9lgmc_core(x); });
-}
+extern "C" float zorvs_f_gamma(float x) { ZORVS_VALUE_ENTRY(gamma_core(x)); }
+extern "C" double zorvs_d_gamma(double x) { ZORVS_VALUE_ENTRY(gamma_core(x)); }
+extern "C" float zorvs_f_log_gamma(float x) { ZORVS_VALUE_ENTRY(l_log_gamma(x)); }
+extern "C" double zorvs_d_log_gamma(double x) { ZORVS_VALUE_ENTRY(l_log_gamma(x)); }
+extern "C" float zorvs_r9lgmc(float x) { ZORVS_VALUE_ENTRY(r9lgmc_core(x)); }
+extern "C" double zorvs_d9lgmc(double x) { ZORVS_VALUE_ENTRY(r9lgmc_core(x)); }

@@ -27,7 +27,7 @@ namespace zc = zorvs::continuous;
 // a > 0: S = 1 + sum (-x)^k a / (k! (a + k)).
 template <class T>
 T l_r9gmit(T a, T x) {
-    const T eps = zc::epsilon<T>() / 2;
+    const T eps = zorvs::epsilon<T>() / 2;
     T te = a, s = 1;
     for (int k = 1; k <= 200; ++k) {
         T fk = static_cast<T>(k);
@@ -43,7 +43,7 @@ T l_r9gmit(T a, T x) {
 // x and a <= x, by its continued fraction; alx = log x.
 template <class T>
 T l_r9lgic(T a, T x, T alx) {
-    const T eps = zc::epsilon<T>() / 2;
+    const T eps = zorvs::epsilon<T>() / 2;
     T xpa = x + 1 - a;
     T xma = x - 1 - a;
     T r = 0, p = 1, s = 1;
@@ -65,10 +65,10 @@ T l_r9lgic(T a, T x, T alx) {
 // through by a + x + k first, which the large a makes harmless.
 template <class T>
 T l_r9lgit(T a, T x) {
-    const T eps = zc::epsilon<T>() / 2;
+    const T eps = zorvs::epsilon<T>() / 2;
     T ax = a + x;
     T a1x = ax + 1;
-    const bool scaled = ax > std::sqrt(zc::largest<T>()) / 4;
+    const bool scaled = ax > std::sqrt(zorvs::largest<T>()) / 4;
     T r = 0, p = 1, s = 1;
     for (int k = 1; k <= 200; ++k) {
         T fk = static_cast<T>(k);
@@ -100,7 +100,7 @@ T l_gamit(T a, T x) {
     if (x <= 1) return a * alx - std::log(a) + std::log(l_r9gmit(a, x));
     if (a >= x) return a * alx - x - std::log(a) - std::log(l_r9lgit(a, x));
     // gamma(a, x) = gamma(a) (1 - Gamma(a, x)/gamma(a)).
-    T lga = zc::log_gamma<T>(a);
+    T lga = zorvs::dist::log_gamma(a);
     T t = l_r9lgic(a, x, alx) - lga;
     return lga + std::log1p(-std::exp(t));
 }
@@ -109,20 +109,20 @@ template <class T>
 T l_gamma_incomplete(T a, T x) {
     bool bad = false;
     if (!(a > 0)) {  // a NaN a included
-        zc::raise_reals(5, 9032, a);
+        zorvs::raise(5, 9032, a);
         bad = true;
     }
     if (x < 0) {
-        zc::raise_reals(5, 9033, x);
+        zorvs::raise(5, 9033, x);
         bad = true;
     }
-    if (bad) return zc::nan<T>();
+    if (bad) return zorvs::missing<T>();
     if (std::isnan(x)) return x;  // a missing x stays missing
     if (x == 0) return 0;
     // The limits: the whole integral gamma(a) (which may overflow to
     // infinity), and for an infinite a, 0 up to x = 1 and infinity beyond.
-    if (std::isinf(x)) return std::exp(zc::log_gamma<T>(a));
-    if (std::isinf(a)) return x <= 1 ? T(0) : zc::infinity<T>();
+    if (std::isinf(x)) return std::exp(zorvs::dist::log_gamma(a));
+    if (std::isinf(a)) return x <= 1 ? T(0) : zorvs::infinity<T>();
     return std::exp(l_gamit(a, x));
 }
 
@@ -136,7 +136,7 @@ T l_gamma_incomplete(T a, T x) {
 // the next, ends long before it has converged.
 template <class T>
 constexpr T gamma_cdf_shape_limit() {
-    return std::is_same_v<T, float> ? T(1e3) : T(1e8);
+    return zorvs::by_type<T>(T(1e3), T(1e8));
 }
 
 // Rounds of either sum at most: the longest needed up to the shape limit is
@@ -146,8 +146,8 @@ constexpr int kGammaCdfRounds = 1000000;
 // The warning and NaN of a value the method cannot give.
 template <class T>
 T gamma_cdf_unreachable(T x, T a) {
-    zc::raise_reals(3, 9070, x, a, gamma_cdf_shape_limit<T>());
-    return zc::nan<T>();
+    zorvs::raise(3, 9070, x, a, gamma_cdf_shape_limit<T>());
+    return zorvs::missing<T>();
 }
 
 // The standard gamma distribution function P(a, x): the series
@@ -168,7 +168,7 @@ template <class T>
 T l_gamma_cdf(T x, T a) {
     const T big = T(1e30);
     const T tol = T(1e-8);
-    const T u = std::log(zc::smallest<T>()) + zc::epsilon<T>();
+    const T u = std::log(zorvs::smallest<T>()) + zorvs::epsilon<T>();
     if (x < 0) {
         zorvs_e1str(1, x);
         zorvs_e1stl(1, "x");
@@ -177,27 +177,27 @@ T l_gamma_cdf(T x, T a) {
     }
     if (x == 0) return 0;
     if (!(a > 0)) {  // a NaN a included
-        zc::raise_reals(5, 9056, a);
-        return zc::nan<T>();
+        zorvs::raise(5, 9056, a);
+        return zorvs::missing<T>();
     }
     // A missing x stays missing (the loops below would not end on a NaN).
     if (std::isnan(x)) return x;
     if (std::isinf(a)) return 0;  // all the mass beyond any finite x
-    if (std::log(x) >= std::log(zc::largest<T>()) / 3) {
+    if (std::log(x) >= std::log(zorvs::largest<T>()) / 3) {
         if (a >= T(0.5) * x) {
-            zc::raise_reals(4, 9010, x, a);
-            return zc::nan<T>();
+            zorvs::raise(4, 9010, x, a);
+            return zorvs::missing<T>();
         }
         return 1;
     }
     if (a > gamma_cdf_shape_limit<T>()) {
         const double ad = a, d = (static_cast<double>(x) - ad) / ad;
         const double bound = ad * (d - std::log1p(d));  // a h(x/a), in double in both twins
-        if (x < a && bound > -std::log(static_cast<double>(zc::smallest<T>()))) return 0;
-        if (x > a && bound > -std::log(static_cast<double>(zc::epsilon<T>()) / 4)) return 1;
+        if (x < a && bound > -std::log(static_cast<double>(zorvs::smallest<T>()))) return 0;
+        if (x > a && bound > -std::log(static_cast<double>(zorvs::epsilon<T>()) / 4)) return 1;
         return gamma_cdf_unreachable(x, a);
     }
-    T exponent = a * std::log(x) - x - zc::log_gamma<T>(a);
+    T exponent = a * std::log(x) - x - zorvs::dist::log_gamma(a);
     T f = exponent <= u ? T(0) : std::exp(exponent);
 
     if (x <= 1 || x < a) {
@@ -251,17 +251,9 @@ T l_gamma_cdf(T x, T a) {
 
 extern "C" {
 
-float zorvs_f_gamma_incomplete(float a, float x) {
-    return zorvs::value_routine("zorvs_f_gamma_incomplete", [&] { return l_gamma_incomplete<float>(a, x); });
-}
-double zorvs_d_gamma_incomplete(double a, double x) {
-    return zorvs::value_routine("zorvs_d_gamma_incomplete", [&] { return l_gamma_incomplete<double>(a, x); });
-}
-float zorvs_f_gamma_cdf(float x, float a) {
-    return zorvs::value_routine("zorvs_f_gamma_cdf", [&] { return l_gamma_cdf<float>(x, a); });
-}
-double zorvs_d_gamma_cdf(double x, double a) {
-    return zorvs::value_routine("zorvs_d_gamma_cdf", [&] { return l_gamma_cdf<double>(x, a); });
-}
+float zorvs_f_gamma_incomplete(float a, float x) { ZORVS_VALUE_ENTRY(l_gamma_incomplete<float>(a, x)); }
+double zorvs_d_gamma_incomplete(double a, double x) { ZORVS_VALUE_ENTRY(l_gamma_incomplete<double>(a, x)); }
+float zorvs_f_gamma_cdf(float x, float a) { ZORVS_VALUE_ENTRY(l_gamma_cdf<float>(x, a)); }
+double zorvs_d_gamma_cdf(double x, double a) { ZORVS_VALUE_ENTRY(l_gamma_cdf<double>(x, a)); }
 
 }  // extern "C"

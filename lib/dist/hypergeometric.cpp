@@ -15,11 +15,11 @@
 // zorvs_binom(n, m): n! / (m! (n - m)!), by the product formula in extended
 // precision.
 #include <cmath>
-#include <limits>
 
 #include "dist/discrete.h"
 #include "dist/discrete_terms.hpp"
 #include "frame/frame.hpp"
+#include "frame/raise.hpp"
 #include "zorvstat.h"
 
 namespace {
@@ -28,28 +28,21 @@ template <class T>
 T l_hypergeometric_cdf(int k, int n, int m, int l) {
     bool bad = false;
     if (n < 1 || n > l) {
-        zorvs_e1sti(1, n);
-        zorvs_e1sti(2, l);
-        zorvs_ermes(5, 9061);
+        zorvs::raise(5, 9061, n, l);
         bad = true;
     }
     if (m < 0 || m > l) {
-        zorvs_e1sti(1, m);
-        zorvs_e1sti(2, l);
-        zorvs_ermes(5, 9062);
+        zorvs::raise(5, 9062, m, l);
         bad = true;
     }
     if (bad) return zorvs::missing<T>();
     if (k < 0) {
-        zorvs_e1sti(1, k);
-        zorvs_ermes(1, 9054);
+        zorvs::raise(1, 9054, k);
         return T(0);
     }
     const int top = n < m ? n : m;
     if (k > top) {
-        zorvs_e1sti(1, k);
-        zorvs_e1sti(2, top);
-        zorvs_ermes(1, 9063);
+        zorvs::raise(1, 9063, k, top);
         return T(1);
     }
     if (k == top) return T(1);
@@ -76,9 +69,7 @@ T l_hypergeometric_cdf(int k, int n, int m, int l) {
 template <class T>
 T l_binom(int n, int m) {
     if (n < 0 || m < 0 || m > n) {
-        zorvs_e1sti(1, n);
-        zorvs_e1sti(2, m);
-        zorvs_ermes(5, 600);
+        zorvs::raise(5, 600, n, m);
         return zorvs::missing<T>();
     }
     const int j = m < n - m ? m : n - m;
@@ -87,14 +78,12 @@ T l_binom(int n, int m) {
     // runs at most that long; in extended precision its 2j roundings stay
     // below one ulp of the result.  The loop ends once the partial product,
     // which only grows, has passed the largest number of the type.
-    const long double limit = static_cast<long double>(std::numeric_limits<T>::max());
+    const long double limit = static_cast<long double>(zorvs::largest<T>());
     long double value = 1;
     for (int i = 1; i <= j; ++i) {
         value = value * static_cast<long double>(n - j + i) / static_cast<long double>(i);
         if (value > limit) {
-            zorvs_e1sti(1, n);
-            zorvs_e1sti(2, m);
-            zorvs_ermes(5, 20402);
+            zorvs::raise(5, 20402, n, m);
             return zorvs::missing<T>();
         }
     }
@@ -108,18 +97,12 @@ T l_binom(int n, int m) {
 extern "C" {
 
 float zorvs_f_hypergeometric_cdf(int k, int n, int m, int l) {
-    return zorvs::value_routine("zorvs_f_hypergeometric_cdf",
-                                [&] { return l_hypergeometric_cdf<float>(k, n, m, l); });
+    ZORVS_VALUE_ENTRY(l_hypergeometric_cdf<float>(k, n, m, l));
 }
 double zorvs_d_hypergeometric_cdf(int k, int n, int m, int l) {
-    return zorvs::value_routine("zorvs_d_hypergeometric_cdf",
-                                [&] { return l_hypergeometric_cdf<double>(k, n, m, l); });
+    ZORVS_VALUE_ENTRY(l_hypergeometric_cdf<double>(k, n, m, l));
 }
-float zorvs_binom(int n, int m) {
-    return zorvs::value_routine("zorvs_binom", [&] { return l_binom<float>(n, m); });
-}
-double zorvs_dbinom(int n, int m) {
-    return zorvs::value_routine("zorvs_dbinom", [&] { return l_binom<double>(n, m); });
-}
+float zorvs_binom(int n, int m) { ZORVS_VALUE_ENTRY(l_binom<float>(n, m)); }
+double zorvs_dbinom(int n, int m) { ZORVS_VALUE_ENTRY(l_binom<double>(n, m)); }
 
 }  // extern "C"

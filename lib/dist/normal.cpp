@@ -72,15 +72,7 @@ T l_normal_inverse_cdf(T p_in) {
 
 }  // namespace
 
-extern "C" float zorvs_f_normal_cdf(float x) {
-    return zorvs::value_routine("zorvs_f_normal_cdf", [&] { return l_normal_cdf(x); });
-}
-extern "C" double zorvs_d_normal_cdf(double x) {
-    return zorvs::value_routine("zorvs_d_normal_cdf", [&] { return l_normal_cdf(x); });
-}
-extern "C" float zorvs_f_normal_inverse_cdf(float p) {
-    return zorvs::value_routine("zorvs_f_normal_inverse_cdf", [&] { return l_normal_inverse_cdf(p); });
-}
-extern "C" double zorvs_d_normal_inverse_cdf(double p) {
-    return zorvs::value_routine("zorvs_d_normal_inverse_cdf", [&] { return l_normal_inverse_cdf(p); });
-}
+extern "C" float zorvs_f_normal_cdf(float x) { ZORVS_VALUE_ENTRY(l_normal_cdf(x)); }
+extern "C" double zorvs_d_normal_cdf(double x) { ZORVS_VALUE_ENTRY(l_normal_cdf(x)); }
+extern "C" float zorvs_f_normal_inverse_cdf(float p) { ZORVS_VALUE_ENTRY(l_normal_inverse_cdf(p)); }
+extern "C" double zorvs_d_normal_inverse_cdf(double p) { ZORVS_VALUE_ENTRY(l_normal_inverse_cdf(p)); }

@@ -8,11 +8,11 @@
 // (C. Loader 2000, "Fast and accurate computation of binomial
 // probabilities"); the inner terms follow by t_j = t_{j-1} theta / j.
 #include <cmath>
-#include <limits>
 
 #include "dist/discrete.h"
 #include "dist/discrete_terms.hpp"
 #include "frame/frame.hpp"
+#include "frame/raise.hpp"
 #include "zorvstat.h"
 
 namespace {
@@ -26,12 +26,11 @@ T l_poisson_cdf(int k, T theta_in) {
         return zorvs::missing<T>();
     }
     if (k < 0) {
-        zorvs_e1sti(1, k);
-        zorvs_ermes(1, 9054);
+        zorvs::raise(1, 9054, k);
         return T(0);
     }
-    if (theta <= static_cast<double>(std::numeric_limits<T>::epsilon())) return T(1);
-    if (theta == std::numeric_limits<double>::infinity()) return T(0);
+    if (theta <= static_cast<double>(zorvs::epsilon<T>())) return T(1);
+    if (theta == zorvs::infinity<double>()) return T(0);
 
     using zorvs::discrete::log_poisson_term;
     zorvs::discrete::TwoEndedSum<T> summation;
@@ -45,11 +44,7 @@ T l_poisson_cdf(int k, T theta_in) {
 
 extern "C" {
 
-float zorvs_f_poisson_cdf(int k, float theta) {
-    return zorvs::value_routine("zorvs_f_poisson_cdf", [&] { return l_poisson_cdf<float>(k, theta); });
-}
-double zorvs_d_poisson_cdf(int k, double theta) {
-    return zorvs::value_routine("zorvs_d_poisson_cdf", [&] { return l_poisson_cdf<double>(k, theta); });
-}
+float zorvs_f_poisson_cdf(int k, float theta) { ZORVS_VALUE_ENTRY(l_poisson_cdf<float>(k, theta)); }
+double zorvs_d_poisson_cdf(int k, double theta) { ZORVS_VALUE_ENTRY(l_poisson_cdf<double>(k, theta)); }
 
 }  // extern "C"

@@ -1,53 +1,29 @@
-// special_detail.hpp - shared pieces of the special functions: the machine
-// constants of each twin, message raising, Clenshaw's sum and the series
-// length rule of Fullerton's FNLIB (initds), and the internal cores that
-// one family calls in another without a push of its own.
+// special_detail.hpp - shared pieces of the special functions: Clenshaw's
+// sum and the series length rule of Fullerton's FNLIB (initds), and the
+// internal cores that one family calls in another without a push of its own.
 #ifndef ZORVS_DIST_SPECIAL_DETAIL_HPP
 #define ZORVS_DIST_SPECIAL_DETAIL_HPP
 
 #include <cmath>
 #include <cstddef>
-#include <limits>
-#include <type_traits>
 
 #include "dist/special.h"
 #include "dist/special_tables.hpp"
 #include "frame/frame.hpp"
+#include "frame/raise.hpp"
 #include "frame/services.h"
 #include "zorvstat.h"
 
 namespace zorvs::special {
 
-// s = smallest normal, b = largest, u = 2^-digits (half the epsilon),
-// e = spacing above 1.
-template <class T>
-T smallest() {
-    if constexpr (std::is_same_v<T, float>) return zorvs_f_machine(1); else return zorvs_d_machine(1);
-}
-template <class T>
-T largest() {
-    if constexpr (std::is_same_v<T, float>) return zorvs_f_machine(2); else return zorvs_d_machine(2);
-}
-template <class T>
-T half_epsilon() {
-    if constexpr (std::is_same_v<T, float>) return zorvs_f_machine(3); else return zorvs_d_machine(3);
-}
-template <class T>
-T epsilon() {
-    if constexpr (std::is_same_v<T, float>) return zorvs_f_machine(4); else return zorvs_d_machine(4);
-}
-
-// Raise (type, code) with up to two real parameters r1, r2.
-inline void raise(int type, int code) { zorvs_ermes(type, code); }
-inline void raise(int type, int code, double r1) {
-    zorvs_e1str(1, r1);
-    zorvs_ermes(type, code);
-}
-inline void raise(int type, int code, double r1, double r2) {
-    zorvs_e1str(1, r1);
-    zorvs_e1str(2, r2);
-    zorvs_ermes(type, code);
-}
+// The twin's constants (s = smallest normal, b = largest, u = 2^-digits,
+// e = spacing above 1) and the raising of a message with real parameters,
+// under the names the FNLIB ports use.
+using zorvs::epsilon;
+using zorvs::half_epsilon;
+using zorvs::largest;
+using zorvs::raise;
+using zorvs::smallest;
 
 // Clenshaw's recurrence for sum' cs[i] T_i(x), the first term halved.
 // Callers inside the library pass a valid length and |x| <= 1.
@@ -71,7 +47,7 @@ inline T clenshaw(T x, const T *cs, int n) {
 // they agree, Clenshaw's loop otherwise.
 template <class T, std::size_t N>
 constexpr int expected_terms(const SeriesTable<T, N> &table, double scale, int nos = static_cast<int>(N)) {
-    const float eta = static_cast<float>(T(scale) * (std::numeric_limits<T>::epsilon() / 2));
+    const float eta = static_cast<float>(T(scale) * zorvs::half_epsilon<T>());
     float err = 0;
     int i = nos;
     for (; i >= 1; --i) {

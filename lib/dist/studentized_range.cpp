@@ -27,7 +27,6 @@
 //
 // Both twins compute in double and round once.
 #include <cmath>
-#include <limits>
 
 #include "dist/discrete.h"
 #include "frame/frame.hpp"
@@ -128,7 +127,7 @@ double gamma_correction(double h) {
 double studentized_range_cdf(double q, double k, double nu, double *mass) {
     *mass = 1;
     if (q <= 0) return 0;
-    if (q == std::numeric_limits<double>::infinity()) return 1;
+    if (q == zorvs::infinity<double>()) return 1;
     if (nu > infinite_df) return range_cdf(q, k);
     // log f(s) = c + (nu - 1) log s - nu (s^2 - 1) / 2, c = log f(1) + ... below.
     const double h = 0.5 * nu;
@@ -256,7 +255,7 @@ T l_srin(T p_in, T nu_in, T k_in) {
             a = b; b = c; c = a;
             fa = fb; fb = fc; fc = fa;
         }
-        double tol = 2 * std::numeric_limits<double>::epsilon() * std::fabs(b) + 0.5 * tolerance * std::fabs(b);
+        double tol = 2 * zorvs::epsilon<double>() * std::fabs(b) + 0.5 * tolerance * std::fabs(b);
         double m = 0.5 * (c - b);
         if (std::fabs(m) <= tol || fb == 0) {
             converged = true;
@@ -299,17 +298,9 @@ T l_srin(T p_in, T nu_in, T k_in) {
 
 extern "C" {
 
-float zorvs_srdf(float q, float n_means, float df) {
-    return zorvs::value_routine("zorvs_srdf", [&] { return l_srdf<float>(q, n_means, df); });
-}
-double zorvs_dsrdf(double q, double n_means, double df) {
-    return zorvs::value_routine("zorvs_dsrdf", [&] { return l_srdf<double>(q, n_means, df); });
-}
-float zorvs_srin(float p, float df, float n_means) {
-    return zorvs::value_routine("zorvs_srin", [&] { return l_srin<float>(p, df, n_means); });
-}
-double zorvs_dsrin(double p, double df, double n_means) {
-    return zorvs::value_routine("zorvs_dsrin", [&] { return l_srin<double>(p, df, n_means); });
-}
+float zorvs_srdf(float q, float n_means, float df) { ZORVS_VALUE_ENTRY(l_srdf<float>(q, n_means, df)); }
+double zorvs_dsrdf(double q, double n_means, double df) { ZORVS_VALUE_ENTRY(l_srdf<double>(q, n_means, df)); }
+float zorvs_srin(float p, float df, float n_means) { ZORVS_VALUE_ENTRY(l_srin<float>(p, df, n_means)); }
+double zorvs_dsrin(double p, double df, double n_means) { ZORVS_VALUE_ENTRY(l_srin<double>(p, df, n_means)); }
 
 }  // extern "C"

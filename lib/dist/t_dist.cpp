@@ -23,27 +23,20 @@ namespace zc = zorvs::continuous;
 constexpr double two_over_pi = 0.63661977236758005;
 
 template <class T>
-T incomplete(T x, T a, T b) {
-    if constexpr (std::is_same_v<T, float>) return zorvs_f_beta_incomplete(x, a, b);
-    else return zorvs_d_beta_incomplete(x, a, b);
-}
-
-
-template <class T>
 T l_t_cdf(T t, T df) {
     if (!(df >= 1)) {
-        zc::raise_reals(5, 9042, df);
-        return zc::nan<T>();
+        zorvs::raise(5, 9042, df);
+        return zorvs::missing<T>();
     }
     if (std::isnan(t)) return t;  // a missing t stays missing
     // Infinite degrees of freedom: the normal limit (the forms below would
     // take infinity times 0).
-    if (std::isinf(df)) return zc::normal_cdf<T>(t);
+    if (std::isinf(df)) return zorvs::dist::normal_cdf(t);
     const T c2pi = static_cast<T>(two_over_pi);
     T t2 = t * t;
     T P;
     if (df <= t2) {
-        P = incomplete<T>(df / (df + t2), T(0.5) * df, T(0.5));
+        P = zorvs::dist::beta_incomplete(df / (df + t2), T(0.5) * df, T(0.5));
     } else {
         T y = t2 / df;
         T b = 1 + y;
@@ -88,7 +81,7 @@ T l_t_cdf(T t, T df) {
             T Y = (((((T(-0.4) * y - T(3.3)) * y - 24) * y - T(85.5)) / (T(0.8) * y * y + 100 + b) + y + 3) / b + 1) *
                   std::sqrt(y);
             if (Y < T(18.8125)) {
-                P = zc::erfc<T>(Y * static_cast<T>(0.70710678118654757));
+                P = zorvs::dist::erfc(Y * static_cast<T>(0.70710678118654757));
                 zc::clear_alert();
             } else {
                 P = 0;
@@ -100,19 +93,19 @@ T l_t_cdf(T t, T df) {
 
 template <class T>
 T l_t_inverse_cdf(T p, T df) {
-    const T e = zc::epsilon<T>();
+    const T e = zorvs::epsilon<T>();
     const T half_pi = T(1.570796);
     bool bad = false;
     if (!(df >= 1)) {
-        zc::raise_reals(5, 9042, df);
+        zorvs::raise(5, 9042, df);
         bad = true;
     }
     if (!(p > 0 && p < 1)) {
-        zc::raise_reals(5, 9043, p);
+        zorvs::raise(5, 9043, p);
         bad = true;
     }
-    if (bad) return zc::nan<T>();
-    if (std::isinf(df)) return zc::normal_inverse_cdf<T>(p);  // the normal limit
+    if (bad) return zorvs::missing<T>();
+    if (std::isinf(df)) return zorvs::dist::normal_inverse_cdf(p);  // the normal limit
 
     if (p > T(0.5) - e && p < T(0.5) + e) return 0;
     T P = p < T(0.5) ? 2 * p : 2 * (1 - p);
@@ -131,7 +124,7 @@ T l_t_inverse_cdf(T p, T df) {
         T x = zc::betin_with_complement<T>(P, T(0.5) * df, T(0.5), &cx);
         if (x == 0) {
             zorvs_ermes(4, 9008);
-            return zc::infinity<T>();
+            return zorvs::infinity<T>();
         }
         t = std::sqrt(cx / x * df);
     } else {
@@ -146,7 +139,7 @@ T l_t_inverse_cdf(T p, T df) {
             T v = (1 / w + T(0.5) / (df + 4)) * y - 1;
             t2 = df * (v * (df + 1) / (df + 2) + 1 / y);
         } else {
-            T x = zc::normal_inverse_cdf<T>(T(0.5) * P);
+            T x = zorvs::dist::normal_inverse_cdf(T(0.5) * P);
             y = x * x;
             if (df < 5) c += (df - T(4.5)) * T(0.3) * (x + T(0.6));
             c = (((T(0.05) * d * x - 5) * x - 7) * x - 2) * x + b + c;
@@ -164,15 +157,9 @@ T l_t_inverse_cdf(T p, T df) {
 
 extern "C" {
 
-float zorvs_f_t_cdf(float t, float df) {
-    return zorvs::value_routine("zorvs_f_t_cdf", [&] { return l_t_cdf<float>(t, df); });
-}
-double zorvs_d_t_cdf(double t, double df) {
-    return zorvs::value_routine("zorvs_d_t_cdf", [&] { return l_t_cdf<double>(t, df); });
-}
-float zorvs_f_t_inverse_cdf(float p, float df) {
-    return zorvs::value_routine("zorvs_f_t_inverse_cdf", [&] { return l_t_inverse_cdf<float>(p, df); });
-}
+float zorvs_f_t_cdf(float t, float df) { ZORVS_VALUE_ENTRY(l_t_cdf<float>(t, df)); }
+double zorvs_d_t_cdf(double t, double df) { ZORVS_VALUE_ENTRY(l_t_cdf<double>(t, df)); }
+float zorvs_f_t_inverse_cdf(float p, float df) { ZORVS_VALUE_ENTRY(l_t_inverse_cdf<float>(p, df)); }
 // The double twin reports under its historical name.
 double zorvs_d_t_inverse_cdf(double p, double df) {
     return zorvs::value_routine("zorvs_d_t_inverse", [&] { return l_t_inverse_cdf<double>(p, df); });

@@ -7,7 +7,6 @@
 // argument counter, pass or fail, apart from where told otherwise.
 
 #include <cmath>
-#include <limits>
 #include <type_traits>
 
 #include "frame/checks.h"
@@ -83,8 +82,8 @@ void c1r(int n, const T *r, int ldr, int *arg_no) {
 
 template <class T>
 T c1div(T a, T b) {
-    const T tiny = std::numeric_limits<T>::min();
-    const T huge = std::numeric_limits<T>::max();
+    const T tiny = zorvs::smallest<T>();
+    const T huge = zorvs::largest<T>();
     const T nan = zorvs::missing<T>();
     if (zorvs::is_missing(a) || zorvs::is_missing(b)) return nan;
     T abs_a = std::fabs(a), abs_b = std::fabs(b);
@@ -93,7 +92,7 @@ T c1div(T a, T b) {
         if (a == T(0)) return nan;
         // A b of 0 counts as positive.
         bool negative = (a < T(0)) != (b < T(0));
-        return negative ? -std::numeric_limits<T>::infinity() : std::numeric_limits<T>::infinity();
+        return negative ? -zorvs::infinity<T>() : zorvs::infinity<T>();
     }
     if (abs_a < tiny * abs_b) return T(0);
     return a / b;

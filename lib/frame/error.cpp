@@ -27,7 +27,7 @@ int zorvs_error_n1rty[2];
 
 // Constant-initialised, so that it is ready before any constructor runs.
 zorvs::ErrorStack zorvs::error_stack = {
-    {{0, 1, 0, "USER"}}, &zorvs::error_stack.frames[0], {0, 0}, nullptr, 0, nullptr};
+    {{0, 1, 0, "USER"}}, &zorvs::error_stack.frames[0], {0, 0}, 0, 0, nullptr, 0, nullptr, nullptr};
 
 namespace {
 
@@ -450,6 +450,8 @@ void zorvs_e1pop(const char *name) {
         while (lv_stack.top > base() &&
                !(name && lv_stack.top->name && std::strcmp(name, lv_stack.top->name) == 0))
             --lv_stack.top;
+        // The blocks of the abandoned body and of the frames dropped above it.
+        if (zorvs::owns_work(lv_stack, lv_stack.top)) zorvs::close_work(lv_stack.top, zorvs_error_n1rty[0], true);
     }
     ErrorFrame *t = lv_stack.top;
     bool same = t != base() && name &&
@@ -460,6 +462,7 @@ void zorvs_e1pop(const char *name) {
         zorvs_ermes(8, 60001);
         std::exit(t->type);  // not reached: type 8 ends the process in the raise
     }
+    if (zorvs::owns_work(lv_stack, t)) [[unlikely]] zorvs::close_work(t, zorvs_error_n1rty[0], false);
     ErrorFrame *below = t - 1;
     if (below->user) release();
     if (below->type <= t->type) {
@@ -585,10 +588,7 @@ int zorvs_error_code(void) { return lv_stack.n1rcd[1]; }
 void zorvs_set_at_checksum(void (*f)(int, int, const char *)) { lv_stack.at_checksum = f; }
 
 void zorvs_error_options(int keyword, ...) {
-    va_list list;
-    va_start(list, keyword);
-    zorvs::keyword_routine("zorvs_error_options", [&] { l_error_options(keyword, &list); });
-    va_end(list);
+    ZORVS_KEYWORD_ENTRY_VOID(keyword, "zorvs_error_options", l_error_options(keyword, &list));
 }
 
 }  // extern "C"

@@ -9,6 +9,12 @@
 // event in it, no trap pending and no observer waiting at user level.  These
 // steps do exactly what zorvs_e1psh and zorvs_e1pop do in that case; every
 // other case goes to those two routines.
+//
+// The stack also owns the workspace: the blocks that routines take for work
+// arrays and outputs (frame.hpp), each recorded with the frame that was on top
+// when it was taken.  The pop of that frame frees the block, or hands an
+// output over to the caller, on every path, the unwinding after a trap
+// included; a frame that owns no block pops as before.
 #ifndef ZORVS_FRAME_ERROR_STACK_HPP
 #define ZORVS_FRAME_ERROR_STACK_HPP
 
@@ -25,18 +31,57 @@ struct ErrorFrame {
     const char *name;    // routine name, kept by pointer
 };
 
+// What becomes of a workspace block at the pop of its frame.
+enum class BlockUse : unsigned char {
+    work,    // a work array: freed
+    result,  // the routine's static result, the caller's from the start:
+             // freed and the result nulled if the call failed
+    output,  // an optional output: handed over through the caller's address
+             // if the call succeeded, else freed and the address not written
+};
+
+// When the pop counts a routine's call as failed, for its outputs.
+enum class Failure : unsigned char {
+    above_warning,         // the latest type at this level above 3
+    above_warning_but_immediate,  // the frame's own type above 3, other than 6
+};
+
+struct WorkBlock {
+    void *block;
+    const ErrorFrame *frame;         // the owner: the block ends at its pop
+    void *slot;                      // result or output: where the pointer goes
+    void (*store)(void *slot, void *block);  // writes the pointer as its own type
+    BlockUse use;
+    Failure failure;
+};
+
 // The frame array has one spare frame above the ZORVS_STACK_FRAMES so that
 // the overflow raise writes inside the array.  frames[0] is the user's level.
 struct ErrorStack {
     ErrorFrame frames[ZORVS_STACK_FRAMES + 1];
     ErrorFrame *top;          // innermost frame
     int n1rcd[2];             // codes that go with zorvs_error_n1rty
+    int work_count;           // blocks in the workspace, oldest first
+    int work_capacity;        // room in `work`
     char *message;            // deferred message buffer; null until initialised
     std::size_t end_message;  // length of the text in it
     void (*at_checksum)(int type, int code, const char *message);  // observer of releases
+    WorkBlock *work;          // the workspace's records; grows, never shrinks
 };
 
 extern ErrorStack error_stack;
+
+// Does the frame `t` own a block?  Blocks are recorded in the order of their
+// frames, since a frame's blocks end before the frame below takes more.
+inline bool owns_work(const ErrorStack &s, const ErrorFrame *t) {
+    return s.work_count != 0 && s.work[s.work_count - 1].frame >= t;
+}
+
+// The pop's end of the workspace for the frame `t` and those above it: work
+// arrays freed, outputs handed over or freed by their exit test.  `latest` is
+// zorvs_error_n1rty[0] as the routine left it; after a trap every output is
+// freed and a result is left as it stands.
+void close_work(const ErrorFrame *t, int latest, bool trapped);
 
 // zorvs_e1psh in line: clear the message buffer when called from user level,
 // open a clean frame, clear the latest-event records.
@@ -64,7 +109,7 @@ inline void pop_value_frame(const char *name) {
     ErrorStack &s = error_stack;
     ErrorFrame *t = s.top;
     if (t == s.frames || t->name != name || t->type != 0 || t->code != 0 ||
-        zorvs_error_param.trapped || ((t - 1)->user && s.at_checksum)) [[unlikely]] {
+        zorvs_error_param.trapped || ((t - 1)->user && s.at_checksum) || owns_work(s, t)) [[unlikely]] {
         zorvs_e1pop(name);
         return;
     }

@@ -7,28 +7,32 @@
 //     namespace {
 //     template <class T> T *lv_example = nullptr;          // static result
 //     template <class T> void l_example(int n, va_list *list) {
+//         zorvs::OutputPair<T> result(lv_example<T>);
 //         zorvs::KeywordReader kw(list, 1);                  // 1 fixed argument
-//         bool user = false;
 //         for (int k = kw.keyword(); k != 0; k = kw.keyword()) {
 //             switch (k) {
-//             case ZORVS_RETURN_USER: lv_example<T> = kw.pointer<T>(); user = true; break;
+//             case ZORVS_RETURN_USER: result.take_user(kw.pointer<T>()); break;
 //             default: kw.unknown(k); return;                 // (5, 11001)
 //             }
 //         }
-//         ... checks, allocation, work ...
-//         zorvs::exit_test(lv_example<T>, user);
+//         ... checks ...
+//         if (!result.obtain(n, "n")) return;               // unless the caller's array
+//         T *work = zorvs::workspace<T>(n, "n");
+//         if (!work) return;
+//         ... work ...
 //     }
 //     }
 //     extern "C" float *zorvs_f_example(int n, ...) {
 //         ZORVS_KEYWORD_ENTRY(n, "zorvs_f_example", lv_example<float>, l_example<float>(n, &list));
 //     }
 //
-// The trap bracket leaves by longjmp: no object with a non-trivial destructor
-// may live in a body, or in anything a body calls, while trapping is on.
+// The pop of the routine's frame frees the work array and, if the call
+// failed, the result, whichever way the body left.  The trap bracket leaves
+// by longjmp: no object with a non-trivial destructor may live in a body, or
+// in anything a body calls, while trapping is on.
 #ifndef ZORVS_FRAME_HPP
 #define ZORVS_FRAME_HPP
 
-#include <bit>
 #include <cmath>
 #include <csetjmp>
 #include <cstdarg>
@@ -38,6 +42,8 @@
 
 #include "frame/error_stack.hpp"
 #include "frame/services.h"
+#include "frame/twin.hpp"
+#include "zorvstat.h"
 
 namespace zorvs {
 
@@ -142,6 +148,16 @@ auto value_routine(const char *name, Body &&body) {
     return value;
 }
 
+// Short routine: push, run, pop; no bracket and no result.  The short
+// routines that take their numbers by pointer (zorvs_chfac, zorvs_e2csf, ...)
+// have this shape.
+template <class Body>
+void framed(const char *name, Body &&body) {
+    zorvs_e1psh(name);
+    body();
+    zorvs_e1pop(name);
+}
+
 // Call a user's function from a body.  For the length of the call the
 // routine's frame is marked as user level, so that a library routine the
 // user's function calls reports and stops as if called from the top.
@@ -175,19 +191,28 @@ void exit_test(T *&result, bool user_storage, int highest_allowed = 3) {
 extern int allocation_failure_countdown;
 void *raw_allocate(std::size_t bytes);
 
-// An unnamed block; failure raises (5, 200).
-template <class T>
-T *allocate(std::size_t count) {
-    T *p = static_cast<T *>(raw_allocate((count ? count : 1) * sizeof(T)));
+// The workspace (workspace.cpp): blocks owned by the frame on top of the error
+// stack when they are taken, ended by that frame's pop on every path.
+void *tracked_block(std::size_t bytes, BlockUse use, Failure failure, void *slot,
+                    void (*store)(void *slot, void *block));
+void *workspace_block(std::size_t bytes);
+// Free one block before its frame's pop; a block not in the workspace is left alone.
+void workspace_free(void *block);
+
+// A block of `count` elements from `take`, which takes a size in bytes and
+// gives a block or null; failure raises (5, 200).
+template <class T, class Take>
+T *allocate_from(Take &&take, std::size_t count) {
+    T *p = static_cast<T *>(take((count ? count : 1) * sizeof(T)));
     if (!p) zorvs_ermes(5, 200);
     return p;
 }
 
 // A block of one counted size; failure raises (5, 201) with the count and the
 // argument that set it.
-template <class T>
-T *allocate(int count, const char *name) {
-    T *p = count >= 0 ? static_cast<T *>(raw_allocate((count ? count : 1) * sizeof(T))) : nullptr;
+template <class T, class Take>
+T *allocate_from(Take &&take, int count, const char *name) {
+    T *p = count >= 0 ? static_cast<T *>(take((count ? count : 1) * sizeof(T))) : nullptr;
     if (!p) {
         zorvs_e1sti(1, count);
         zorvs_e1stl(1, name);
@@ -197,13 +222,12 @@ T *allocate(int count, const char *name) {
 }
 
 // A block of two counted sizes; failure raises (5, 202).
-template <class T>
-T *allocate(int count1, const char *name1, int count2, const char *name2) {
+template <class T, class Take>
+T *allocate_from(Take &&take, int count1, const char *name1, int count2, const char *name2) {
     std::size_t n = (count1 >= 0 && count2 >= 0)
                         ? static_cast<std::size_t>(count1) * static_cast<std::size_t>(count2)
                         : 0;
-    T *p = (count1 >= 0 && count2 >= 0) ? static_cast<T *>(raw_allocate((n ? n : 1) * sizeof(T)))
-                                        : nullptr;
+    T *p = (count1 >= 0 && count2 >= 0) ? static_cast<T *>(take((n ? n : 1) * sizeof(T))) : nullptr;
     if (!p) {
         zorvs_e1sti(1, count1);
         zorvs_e1stl(1, name1);
@@ -214,36 +238,115 @@ T *allocate(int count1, const char *name1, int count2, const char *name2) {
     return p;
 }
 
-// Free a work array and null the pointer.
+// A block the caller of the routine will own and free, with the sizes as
+// allocate_from takes them: (count), (count, name) or (count, name, count, name).
+template <class T, class... Sizes>
+T *allocate(Sizes... sizes) {
+    return allocate_from<T>(raw_allocate, sizes...);
+}
+
+// A work array, with the same sizes: freed at the pop of the routine's frame,
+// on every path, a trap's included.  No hand-written free is needed.
+template <class T, class... Sizes>
+T *workspace(Sizes... sizes) {
+    return allocate_from<T>(workspace_block, sizes...);
+}
+
+// Free a block obtained with allocate and null the pointer.
 template <class T>
 void release(T *&p) {
     std::free(p);
     p = nullptr;
 }
 
-// The routine name of a twin: by_type<T>("zorvs_f_x", "zorvs_d_x").
+// One output of a routine, given by a pair of keywords: ZORVS_X passes the
+// address of a pointer that receives a block the routine allocates, and
+// ZORVS_X_USER the caller's own array.  The block is taken from the
+// workspace; the pop of the routine's frame hands it over through the
+// address if the call succeeded, and otherwise frees it and leaves the
+// address unwritten, a trap included.
+//
+// The static result is a pair of the same kind, its own block by default and
+// the caller's storage with ZORVS_RETURN_USER.  Built on the static result,
+// the pair keeps that variable in step at once, since a trap's return hands
+// it back as it stands; its block belongs to the caller from the start, and
+// the pop frees it and nulls the result if the call failed.
+//
+// Failure is told by `failure`: by default a type above 3 at the routine's
+// level, as exit_test.  The object has no destructor and may be abandoned by
+// a trap; it keeps nothing that the pop needs.
 template <class T>
-constexpr const char *by_type(const char *single, const char *dbl, const char *integer = nullptr) {
-    if constexpr (std::is_same_v<T, float>)
-        return single;
-    else if constexpr (std::is_same_v<T, double>)
-        return dbl;
-    else
-        return integer;
-}
+class OutputPair {
+public:
+    explicit OutputPair(Failure failure = Failure::above_warning) : failure_(failure) {}
+    explicit OutputPair(T *&static_result, Failure failure = Failure::above_warning)
+        : result_(&static_result), failure_(failure) {}
 
-// The library's missing value and the NaN test, widened to double.
-// It has all mantissa bits set, as zorvs_f_machine(6) and zorvs_d_machine(6).
+    // ZORVS_X_USER, or ZORVS_RETURN_USER for the result: the caller's array.
+    void take_user(T *storage) {
+        user_ = true;
+        address_ = nullptr;
+        set(storage);
+    }
+    // ZORVS_X: where the block goes on success.  A null address asks for nothing.
+    void take_address(T **address) {
+        user_ = false;
+        address_ = address;
+        set(nullptr);
+    }
+    // The result is always wanted; an optional output once a keyword asked for it.
+    bool wanted() const { return result_ || user_ || address_; }
+    bool user() const { return user_; }
+    T *data() const { return storage_; }
+
+    // Make the storage ready: the caller's array as it was given, or a block
+    // of the sizes given, as allocate takes them, for data() to return.
+    // False, with the message raised, only when the block cannot be had; an
+    // optional output that nobody asked for needs nothing and is ready.
+    template <class... Sizes>
+    bool obtain(Sizes... sizes) {
+        if (user_ || storage_ || !wanted()) return true;
+        void *slot = result_ ? static_cast<void *>(result_) : static_cast<void *>(address_);
+        BlockUse use = result_ ? BlockUse::result : BlockUse::output;
+        auto take = [&](std::size_t bytes) { return tracked_block(bytes, use, failure_, slot, &store); };
+        set(allocate_from<T>(take, sizes...));
+        return storage_ != nullptr;
+    }
+
+    // Give the output up before the pop: the block freed, the static result
+    // null even with the caller's storage, no address written.
+    void drop() {
+        if (!user_) workspace_free(storage_);
+        user_ = false;
+        address_ = nullptr;
+        set(nullptr);
+    }
+
+private:
+    static void store(void *slot, void *block) { *static_cast<T **>(slot) = static_cast<T *>(block); }
+    void set(T *p) {
+        storage_ = p;
+        if (result_) *result_ = p;
+    }
+    T **result_ = nullptr;   // the static result, for the routine's result
+    T **address_ = nullptr;  // ZORVS_X
+    T *storage_ = nullptr;
+    bool user_ = false;
+    Failure failure_;
+};
+
+// The keyword list of a routine whose one keyword is ZORVS_RETURN_USER.
+// False after an unknown keyword, which is raised and ends the list.
 template <class T>
-constexpr T missing() {
-    if constexpr (std::is_same_v<T, float>)
-        return std::bit_cast<float>(0x7FFFFFFFu);
-    else
-        return std::bit_cast<double>(0x7FFFFFFFFFFFFFFFull);
-}
-template <class T>
-bool is_missing(T x) {
-    return std::isnan(static_cast<double>(x));
+bool read_return_user(KeywordReader &kw, OutputPair<T> &result) {
+    for (int k = kw.keyword(); k != 0; k = kw.keyword()) {
+        if (k != ZORVS_RETURN_USER) {
+            kw.unknown(k);
+            return false;
+        }
+        result.take_user(kw.pointer<T>());
+    }
+    return true;
 }
 
 }  // namespace zorvs
@@ -256,5 +359,16 @@ bool is_missing(T x) {
     auto zorvs_result_ = zorvs::keyword_routine(name, static_result, [&] { body_call; }); \
     va_end(list);                                                                         \
     return zorvs_result_
+
+// The same for a keyword routine that returns nothing.
+#define ZORVS_KEYWORD_ENTRY_VOID(last_fixed, name, body_call) \
+    va_list list;                                            \
+    va_start(list, last_fixed);                              \
+    zorvs::keyword_routine(name, [&] { body_call; });        \
+    va_end(list)
+
+// The whole body of a value routine's extern "C" entry point: the body
+// expression computed in a value frame that bears the entry point's own name.
+#define ZORVS_VALUE_ENTRY(body_call) return zorvs::value_routine(__func__, [&] { return body_call; })
 
 #endif  // ZORVS_FRAME_HPP

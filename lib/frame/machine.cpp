@@ -20,6 +20,16 @@ namespace {
 constexpr float f_bits(std::uint32_t b) { return std::bit_cast<float>(b); }
 constexpr double d_bits(std::uint64_t b) { return std::bit_cast<double>(b); }
 
+// The constants a body reads at compile time (twin.hpp) are the table's.
+static_assert(zorvs::smallest<float>() == f_bits(0x00800000u) && zorvs::smallest<double>() == d_bits(0x0010000000000000ull));
+static_assert(zorvs::largest<float>() == f_bits(0x7F7FFFFFu) && zorvs::largest<double>() == d_bits(0x7FEFFFFFFFFFFFFFull));
+static_assert(zorvs::half_epsilon<float>() == f_bits(0x33800000u) &&
+              zorvs::half_epsilon<double>() == d_bits(0x3CA0000000000000ull));
+static_assert(zorvs::epsilon<float>() == f_bits(0x34000000u) && zorvs::epsilon<double>() == d_bits(0x3CB0000000000000ull));
+static_assert(std::bit_cast<std::uint32_t>(zorvs::missing<float>()) == 0x7FFFFFFFu &&
+              std::bit_cast<std::uint64_t>(zorvs::missing<double>()) == 0x7FFFFFFFFFFFFFFFull);
+static_assert(zorvs::infinity<float>() == f_bits(0x7F800000u) && zorvs::infinity<double>() == d_bits(0x7FF0000000000000ull));
+
 // Integer constants of zorvs_i_machine, index 0 to 12.
 constexpr int lv_imachv[13] = {8, 2, 15, 32767, 31, 2147483647, 2, 24, -125, 128, 53, -1021, 1024};
 
@@ -41,12 +51,13 @@ void bad_index(int low, int high, int i, const char *argument) {
     zorvs_ermes(5, 132);
 }
 
+// The table of a twin, chosen by the type of the argument.
+const float *real_table(float) { return zorvs_machine.f; }
+const double *real_table(double) { return zorvs_machine.d; }
+
 template <class T>
 T real_constant(int i) {
-    if constexpr (std::is_same_v<T, float>)
-        return zorvs_machine.f[i - 1];
-    else
-        return zorvs_machine.d[i - 1];
+    return real_table(T{})[i - 1];
 }
 
 // zorvs_f_machine and zorvs_d_machine: value routines with their own frame.

@@ -61,10 +61,7 @@ void zorvs_umach(int n, FILE **unit) {
 }
 
 void zorvs_output_file(int keyword, ...) {
-    va_list list;
-    va_start(list, keyword);
-    zorvs::keyword_routine("zorvs_output_file", [&] { l_output_file(keyword, &list); });
-    va_end(list);
+    ZORVS_KEYWORD_ENTRY_VOID(keyword, "zorvs_output_file", l_output_file(keyword, &list));
 }
 
 }  // extern "C"

@@ -19,27 +19,24 @@
 
 #include <cmath>
 #include <cstring>
-#include <type_traits>
 
 #include "frame/machine.h"
 #include "frame/services.h"
+#include "frame/twin.hpp"
 #include "kernels/kernels.h"
 
 namespace {
 
+// 0 and 1 of the twin, read from the table of small numbers (machine.h).
+inline const float *small_numbers(float) { return zorvs_F_NUMBER; }
+inline const double *small_numbers(double) { return zorvs_D_NUMBER; }
 template <class T>
 T zero() {
-    if constexpr (std::is_same_v<T, float>)
-        return zorvs_F_NUMBER[0];
-    else
-        return zorvs_D_NUMBER[0];
+    return small_numbers(T{})[0];
 }
 template <class T>
 T one() {
-    if constexpr (std::is_same_v<T, float>)
-        return zorvs_F_NUMBER[1];
-    else
-        return zorvs_D_NUMBER[1];
+    return small_numbers(T{})[1];
 }
 
 // Offset of element 1 under the far-end rule.
@@ -176,17 +173,7 @@ void l_hprod(int n, const T *x, int incx, const T *y, int incy, T *z, int incz) 
 // as they are.  The square roots of the constants are taken in double.
 template <class T>
 T l_nrm2(int n, const T *x) {
-    const int base = 0;
-    T s, b, e;
-    if constexpr (std::is_same_v<T, float>) {
-        s = zorvs_machine.f[base + 0];
-        b = zorvs_machine.f[base + 1];
-        e = zorvs_machine.f[base + 3];
-    } else {
-        s = zorvs_machine.d[base + 0];
-        b = zorvs_machine.d[base + 1];
-        e = zorvs_machine.d[base + 3];
-    }
+    const T s = zorvs::smallest<T>(), b = zorvs::largest<T>(), e = zorvs::epsilon<T>();
     const T cutlo = static_cast<T>(std::sqrt(static_cast<double>(s / e)));
     const T cuthi = static_cast<T>(std::sqrt(static_cast<double>(b * e)));
     const T small = one<T>() / (cutlo * e);
@@ -314,6 +301,18 @@ void l_rotmg(T *d1, T *d2, T *x1, T y1, T *param) {
         h11 = h12 = h21 = h22 = z;
         *d1 = *d2 = *x1 = z;
     };
+    // Rescaling works on the full form of H (flag -1): the unit entries that
+    // the short forms leave implicit are written out first.
+    auto full_form = [&] {
+        if (flag == z) {
+            h11 = o;
+            h22 = o;
+        } else {
+            h21 = -o;
+            h12 = o;
+        }
+        flag = -o;
+    };
     if (*d1 < z) {
         zero_all();
     } else {
@@ -351,14 +350,7 @@ void l_rotmg(T *d1, T *d2, T *x1, T y1, T *param) {
         }
         if (*d1 != z) {
             while (*d1 <= rgamsq || *d1 >= gamsq) {
-                if (flag == z) {
-                    h11 = o;
-                    h22 = o;
-                } else {
-                    h21 = -o;
-                    h12 = o;
-                }
-                flag = -o;
+                full_form();
                 if (*d1 <= rgamsq) {
                     *d1 = *d1 * (gam * gam);
                     *x1 = *x1 / gam;
@@ -374,14 +366,7 @@ void l_rotmg(T *d1, T *d2, T *x1, T y1, T *param) {
         }
         if (*d2 != z) {
             while (std::fabs(*d2) <= rgamsq || std::fabs(*d2) >= gamsq) {
-                if (flag == z) {
-                    h11 = o;
-                    h22 = o;
-                } else {
-                    h21 = -o;
-                    h12 = o;
-                }
-                flag = -o;
+                full_form();
                 if (std::fabs(*d2) <= rgamsq) {
                     *d2 = *d2 * (gam * gam);
                     h21 = h21 / gam;
@@ -488,6 +473,22 @@ void l_gemv(const char *trans, int m, int n, T alpha, const T *a, int lda, const
     }
 }
 
+// The transposition flag of a gemm operand and its leading dimension: "N"
+// takes the operand as it is, with ld at least `rows`, "T" or "C" its
+// transpose, with ld at least `rows_transposed`.  The message of a bad flag
+// or dimension is raised in a frame of the routine's name; false then.
+inline bool l_gemm_operand(const char *name, const char *trans, int ld, int rows, int code, int rows_transposed,
+                           int code_transposed, bool *plain) {
+    *plain = zorvs_l1ame(trans, 1, "N");
+    const bool transposed = !*plain && (zorvs_l1ame(trans, 1, "T") || zorvs_l1ame(trans, 1, "C"));
+    if (*plain && (ld < rows || ld == 0)) l_kernel_error(name, code, ld, rows, true);
+    else if (!*plain && !transposed) l_kernel_error(name, 11286, 0, 0, false, trans);
+    else if (transposed && (ld < rows_transposed || ld == 0))
+        l_kernel_error(name, code_transposed, ld, rows_transposed, true);
+    else return true;
+    return false;
+}
+
 template <class T>
 void l_gemm(const char *transa, const char *transb, int m, int n, int k, T alpha, const T *a, int lda,
             const T *b, int ldb, T beta, T *c, int ldc) {
@@ -496,24 +497,9 @@ void l_gemm(const char *transa, const char *transb, int m, int n, int k, T alpha
     if (n < 0) return l_kernel_error(name, 2014, n, 0, false);
     if (k < 0) return l_kernel_error(name, 11282, k, 0, false);
     if (ldc < m || ldc == 0) return l_kernel_error(name, 11283, ldc, m, true);
-    const bool nota = zorvs_l1ame(transa, 1, "N");
-    const bool nota_ok = nota || zorvs_l1ame(transa, 1, "T") || zorvs_l1ame(transa, 1, "C");
-    if (nota) {
-        if (lda < m || lda == 0) return l_kernel_error(name, 11284, lda, m, true);
-    } else if (!nota_ok) {
-        return l_kernel_error(name, 11286, 0, 0, false, transa);
-    } else if (lda < k || lda == 0) {
-        return l_kernel_error(name, 11285, lda, k, true);
-    }
-    const bool notb = zorvs_l1ame(transb, 1, "N");
-    const bool notb_ok = notb || zorvs_l1ame(transb, 1, "T") || zorvs_l1ame(transb, 1, "C");
-    if (notb) {
-        if (ldb < k || ldb == 0) return l_kernel_error(name, 11287, ldb, k, true);
-    } else if (!notb_ok) {
-        return l_kernel_error(name, 11286, 0, 0, false, transb);
-    } else if (ldb < n || ldb == 0) {
-        return l_kernel_error(name, 11281, ldb, n, true);
-    }
+    bool nota, notb;
+    if (!l_gemm_operand(name, transa, lda, m, 11284, k, 11285, &nota)) return;
+    if (!l_gemm_operand(name, transb, ldb, k, 11287, n, 11281, &notb)) return;
     if (m == 0 || n == 0 || ((alpha == zero<T>() || k == 0) && beta == one<T>())) return;
     if (beta != one<T>()) {
         for (int j = 0; j < n; ++j) {

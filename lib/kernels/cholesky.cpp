@@ -22,39 +22,15 @@
 
 #include <cmath>
 #include <cstring>
-#include <limits>
 
 #include "frame/checks.h"
+#include "frame/checks.hpp"
 #include "frame/frame.hpp"
-#include "kernels/kernels.h"
+#include "frame/raise.hpp"
+#include "kernels/blas.hpp"
 #include "kernels/linalg.h"
 
 namespace {
-
-inline float dot(int n, const float *x, const float *y) { return zorvs_sdot(n, x, 1, y, 1); }
-inline double dot(int n, const double *x, const double *y) { return zorvs_ddot(n, x, 1, y, 1); }
-inline float nrm2(int n, const float *x) { return zorvs_snrm2(n, x); }
-inline double nrm2(int n, const double *x) { return zorvs_dnrm2(n, x); }
-inline float asum(int n, const float *x) { return zorvs_sasum(n, x, 1); }
-inline double asum(int n, const double *x) { return zorvs_dasum(n, x, 1); }
-inline float a1ot(int n, const float *x, const float *y) { return zorvs_a1ot(n, x, 1, y, 1); }
-inline double a1ot(int n, const double *x, const double *y) { return zorvs_da1ot(n, x, 1, y, 1); }
-inline void trsv(const char *trans, int n, const float *a, int lda, float *x) {
-    zorvs_strsv("UPPER", trans, "NON-UNIT", n, a, lda, x, 1);
-}
-inline void trsv(const char *trans, int n, const double *a, int lda, double *x) {
-    zorvs_dtrsv("UPPER", trans, "NON-UNIT", n, a, lda, x, 1);
-}
-inline void gemm_tn(const int *m, const int *k, const float *a, const int *lda, float *c, const int *ldc) {
-    const float one = 1, zero = 0;
-    zorvs_sgemm("T", 1, "N", 1, m, m, k, &one, a, lda, a, lda, &zero, c, ldc);
-}
-inline void gemm_tn(const int *m, const int *k, const double *a, const int *lda, double *c, const int *ldc) {
-    const double one = 1, zero = 0;
-    zorvs_dsgemm("T", 1, "N", 1, m, m, k, &one, a, lda, a, lda, &zero, c, ldc);
-}
-inline void check_r(int n, const float *r, int ldr, int *arg) { zorvs_c1r(n, r, ldr, arg); }
-inline void check_r(int n, const double *r, int ldr, int *arg) { zorvs_dc1r(n, r, ldr, arg); }
 
 // A terminal or fatal error has been raised in the current routine.
 inline bool failed() { return zorvs_error_n1rty[0] >= 4; }
@@ -73,14 +49,11 @@ inline const T &at(const T *a, int lda, int i, int j) {
 template <class T>
 void l_c1trg(int n, T *a, int lda) {
     if (n < 1) {
-        zorvs_e1sti(1, n);
-        zorvs_ermes(5, 2025);
+        zorvs::raise(5, 2025, n);
         return;
     }
     if (n > lda) {
-        zorvs_e1sti(1, n);
-        zorvs_e1sti(2, lda);
-        zorvs_ermes(5, 2026);
+        zorvs::raise(5, 2026, n, lda);
         return;
     }
     for (int j = 1; j < n; ++j)
@@ -110,13 +83,13 @@ void l_chfac(int n, const T *a, int lda, T tol, int *irank, T *fac, int ldfac) {
         T *column = &at(fac, ldfac, 1, j);
         for (int i = 1; i < j; ++i) {
             const T *ci = &at(fac, ldfac, 1, i);
-            T t = column[i - 1] - dot(i - 1, ci, column);
+            T t = column[i - 1] - zorvs::blas::dot(i - 1, ci, 1, column, 1);
             if (ci[i - 1] != T(0)) {
                 t /= ci[i - 1];
                 column[i - 1] = t;
                 sum += t * t;
             } else {
-                if (inconsistent == 0 && std::fabs(t) > x * nrm2(i - 1, ci)) inconsistent = j;
+                if (inconsistent == 0 && std::fabs(t) > x * zorvs::blas::nrm2(i - 1, ci)) inconsistent = j;
                 column[i - 1] = 0;
             }
         }
@@ -157,7 +130,7 @@ void l_girts(int n, const T *r, int ldr, int nb, const T *b, int ldb, int ipath,
     }
     if (ipath == 3 || ipath == 4) zorvs_c1dim(1, n, "*N", ldrinv, "tdrinv", &arg);
     if (failed()) return;
-    check_r(n, r, ldr, &arg);
+    zorvs::check::c1r(n, r, ldr, &arg);
     if (failed()) return;
     *irank = 0;
     for (int i = 1; i <= n; ++i)
@@ -168,7 +141,7 @@ void l_girts(int n, const T *r, int ldr, int nb, const T *b, int ldb, int ipath,
         const T *bk = &at(b, ldb, 1, k);
         if (xk != bk) std::memmove(xk, bk, sizeof(T) * n);
         if (*irank == n) {
-            trsv(transposed ? "TRANSPOSE" : "NOT-TRANS", n, r, ldr, xk);
+            zorvs::blas::trsv("UPPER", transposed ? "TRANSPOSE" : "NOT-TRANS", "NON-UNIT", n, r, ldr, xk, 1);
         } else if (!transposed) {
             for (int i = n; i >= 1; --i) {
                 const T rii = at(r, ldr, i, i);
@@ -188,20 +161,18 @@ void l_girts(int n, const T *r, int ldr, int nb, const T *b, int ldb, int ipath,
                 }
             }
         } else {
-            const T eps = std::numeric_limits<T>::epsilon();
+            const T eps = zorvs::epsilon<T>();
             for (int i = 1; i <= n; ++i) {
                 const T *ri = &at(r, ldr, 1, i);
-                const T t = xk[i - 1] - dot(i - 1, ri, xk);
+                const T t = xk[i - 1] - zorvs::blas::dot(i - 1, ri, 1, xk, 1);
                 if (ri[i - 1] != T(0)) {
                     xk[i - 1] = t / ri[i - 1];
                 } else {
                     // The residual of an equation of a dependent row must vanish
                     // on the scale of the terms that formed it.
-                    const T scale = std::fabs(bk[i - 1]) + a1ot(i - 1, ri, xk);
+                    const T scale = std::fabs(bk[i - 1]) + zorvs::blas::a1ot(i - 1, ri, 1, xk, 1);
                     if (std::fabs(t) > T(100) * T(n) * eps * scale) {
-                        zorvs_e1sti(1, i);
-                        zorvs_e1sti(2, k);
-                        zorvs_ermes(3, 11059);
+                        zorvs::raise(3, 11059, i, k);
                     }
                     xk[i - 1] = 0;
                 }
@@ -310,32 +281,22 @@ void l_gswep(int krow, int n, T *a, int lda, int irev, T tol, const T *d, T *isw
 template <class T>
 void l_mxtxf(int nra, int nca, const T *a, int lda, int nb, T *b, int ldb) {
     if (nra <= 0 || nca <= 0) {
-        zorvs_e1sti(1, nra);
-        zorvs_e1sti(2, nca);
-        zorvs_ermes(5, 20136);
+        zorvs::raise(5, 20136, nra, nca);
     } else if (nra > lda) {
-        zorvs_e1sti(1, nra);
-        zorvs_e1sti(2, lda);
-        zorvs_ermes(5, 20137);
+        zorvs::raise(5, 20137, nra, lda);
     } else if (nb != nca) {
-        zorvs_e1sti(1, nb);
-        zorvs_e1sti(2, nca);
-        zorvs_ermes(5, 11278);
+        zorvs::raise(5, 11278, nb, nca);
     } else if (nb > ldb) {
-        zorvs_e1sti(1, ldb);
-        zorvs_e1sti(2, nb);
-        zorvs_ermes(5, 11279);
+        zorvs::raise(5, 11279, ldb, nb);
     } else {
-        gemm_tn(&nca, &nra, a, &lda, b, &ldb);
+        zorvs::blas::gemm("T", "N", nca, nca, nra, T(1), a, lda, a, lda, T(0), b, ldb);  // B = A'A
     }
 }
 
 template <class T>
 void l_crgrg(int n, const T *a, int lda, T *b, int ldb) {
     if (lda < n || ldb < n) {
-        zorvs_e1sti(1, lda < n ? lda : ldb);
-        zorvs_e1sti(2, n);
-        zorvs_ermes(5, lda < n ? 11280 : 11281);
+        zorvs::raise(5, lda < n ? 11280 : 11281, lda < n ? lda : ldb, n);
         return;
     }
     for (int j = 1; j <= n; ++j) {
@@ -348,12 +309,9 @@ void l_crgrg(int n, const T *a, int lda, T *b, int ldb) {
 template <class T>
 void l_csfrg(int n, T *a, int lda) {
     if (n < 1) {
-        zorvs_e1sti(1, n);
-        zorvs_ermes(5, 2025);
+        zorvs::raise(5, 2025, n);
     } else if (n > lda) {
-        zorvs_e1sti(1, n);
-        zorvs_e1sti(2, lda);
-        zorvs_ermes(5, 2026);
+        zorvs::raise(5, 2026, n, lda);
     } else {
         for (int j = 2; j <= n; ++j)
             for (int i = 1; i < j; ++i) at(a, lda, j, i) = at(a, lda, i, j);
@@ -363,33 +321,21 @@ void l_csfrg(int n, T *a, int lda) {
 template <class T>
 void l_nr1rr(int nra, int nca, const T *a, int lda, T *anorm) {
     if (nra > lda) {
-        zorvs_e1sti(1, nra);
-        zorvs_e1sti(2, lda);
-        zorvs_ermes(5, 20137);
+        zorvs::raise(5, 20137, nra, lda);
     }
     if (nra < 1) {
-        zorvs_e1sti(1, nra);
-        zorvs_ermes(5, 620);
+        zorvs::raise(5, 620, nra);
     }
     if (nca < 1) {
-        zorvs_e1sti(1, nca);
-        zorvs_ermes(5, 621);
+        zorvs::raise(5, 621, nca);
     }
     if (failed()) return;
     T norm = 0;
     for (int j = 1; j <= nca; ++j) {
-        const T s = asum(nra, &at(a, lda, 1, j));
+        const T s = zorvs::blas::asum(nra, &at(a, lda, 1, j), 1);
         if (s > norm) norm = s;
     }
     *anorm = norm;
-}
-
-// Pushes the routine's name for the length of the call.
-template <class F>
-void framed(const char *name, F &&body) {
-    zorvs_e1psh(name);
-    body();
-    zorvs_e1pop(name);
 }
 
 }  // namespace
@@ -398,60 +344,60 @@ extern "C" {
 
 void zorvs_chfac(const int *n, const float a[], const int *lda, const float *tol, int *irank, float fac[],
                  const int *ldfac) {
-    framed("zorvs_chfac", [&] { l_chfac(*n, a, *lda, *tol, irank, fac, *ldfac); });
+    zorvs::framed("zorvs_chfac", [&] { l_chfac(*n, a, *lda, *tol, irank, fac, *ldfac); });
 }
 void zorvs_dchfac(const int *n, const double a[], const int *lda, const double *tol, int *irank, double fac[],
                   const int *ldfac) {
-    framed("zorvs_dchfac", [&] { l_chfac(*n, a, *lda, *tol, irank, fac, *ldfac); });
+    zorvs::framed("zorvs_dchfac", [&] { l_chfac(*n, a, *lda, *tol, irank, fac, *ldfac); });
 }
 
 void zorvs_girts(const int *n, const float r[], const int *ldr, const int *nb, const float b[], const int *ldb,
                  const int *ipath, int *irank, float x[], const int *ldx, float rinv[], const int *ldrinv) {
-    framed("zorvs_girts", [&] { l_girts(*n, r, *ldr, *nb, b, *ldb, *ipath, irank, x, *ldx, rinv, *ldrinv); });
+    zorvs::framed("zorvs_girts", [&] { l_girts(*n, r, *ldr, *nb, b, *ldb, *ipath, irank, x, *ldx, rinv, *ldrinv); });
 }
 void zorvs_dgirts(const int *n, const double r[], const int *ldr, const int *nb, const double b[],
                   const int *ldb, const int *ipath, int *irank, double x[], const int *ldx, double rinv[],
                   const int *ldrinv) {
-    framed("zorvs_dgirts", [&] { l_girts(*n, r, *ldr, *nb, b, *ldb, *ipath, irank, x, *ldx, rinv, *ldrinv); });
+    zorvs::framed("zorvs_dgirts", [&] { l_girts(*n, r, *ldr, *nb, b, *ldb, *ipath, irank, x, *ldx, rinv, *ldrinv); });
 }
 
 void zorvs_gswep(const int *krow, const int *n, float a[], const int *lda, const int *irev, const float *tol,
                  const float d[], float isw[]) {
-    framed("zorvs_gswep", [&] { l_gswep(*krow, *n, a, *lda, *irev, *tol, d, isw); });
+    zorvs::framed("zorvs_gswep", [&] { l_gswep(*krow, *n, a, *lda, *irev, *tol, d, isw); });
 }
 void zorvs_dgswep(const int *krow, const int *n, double a[], const int *lda, const int *irev, const double *tol,
                   const double d[], double isw[]) {
-    framed("zorvs_dgswep", [&] { l_gswep(*krow, *n, a, *lda, *irev, *tol, d, isw); });
+    zorvs::framed("zorvs_dgswep", [&] { l_gswep(*krow, *n, a, *lda, *irev, *tol, d, isw); });
 }
 
 void zorvs_mxtxf(const int *nra, const int *nca, const float a[], const int *lda, const int *nb, float b[],
                  const int *ldb) {
-    framed("zorvs_mxtxf", [&] { l_mxtxf(*nra, *nca, a, *lda, *nb, b, *ldb); });
+    zorvs::framed("zorvs_mxtxf", [&] { l_mxtxf(*nra, *nca, a, *lda, *nb, b, *ldb); });
 }
 void zorvs_dmxtxf(const int *nra, const int *nca, const double a[], const int *lda, const int *nb, double b[],
                   const int *ldb) {
-    framed("zorvs_dmxtxf", [&] { l_mxtxf(*nra, *nca, a, *lda, *nb, b, *ldb); });
+    zorvs::framed("zorvs_dmxtxf", [&] { l_mxtxf(*nra, *nca, a, *lda, *nb, b, *ldb); });
 }
 
 void zorvs_crgrg(const int *n, const float a[], const int *lda, float b[], const int *ldb) {
-    framed("zorvs_crgrg", [&] { l_crgrg(*n, a, *lda, b, *ldb); });
+    zorvs::framed("zorvs_crgrg", [&] { l_crgrg(*n, a, *lda, b, *ldb); });
 }
 void zorvs_dcrgrg(const int *n, const double a[], const int *lda, double b[], const int *ldb) {
-    framed("zorvs_dcrgrg", [&] { l_crgrg(*n, a, *lda, b, *ldb); });
+    zorvs::framed("zorvs_dcrgrg", [&] { l_crgrg(*n, a, *lda, b, *ldb); });
 }
 
 void zorvs_csfrg(const int *n, float a[], const int *lda) {
-    framed("zorvs_csfrg", [&] { l_csfrg(*n, a, *lda); });
+    zorvs::framed("zorvs_csfrg", [&] { l_csfrg(*n, a, *lda); });
 }
 void zorvs_dcsfrg(const int *n, double a[], const int *lda) {
-    framed("zorvs_dcsfrg", [&] { l_csfrg(*n, a, *lda); });
+    zorvs::framed("zorvs_dcsfrg", [&] { l_csfrg(*n, a, *lda); });
 }
 
 void zorvs_nr1rr(const int *nra, const int *nca, const float a[], const int *lda, float *anorm) {
-    framed("zorvs_nr1rr", [&] { l_nr1rr(*nra, *nca, a, *lda, anorm); });
+    zorvs::framed("zorvs_nr1rr", [&] { l_nr1rr(*nra, *nca, a, *lda, anorm); });
 }
 void zorvs_dnr1rr(const int *nra, const int *nca, const double a[], const int *lda, double *anorm) {
-    framed("zorvs_dnr1rr", [&] { l_nr1rr(*nra, *nca, a, *lda, anorm); });
+    zorvs::framed("zorvs_dnr1rr", [&] { l_nr1rr(*nra, *nca, a, *lda, anorm); });
 }
 
 void zorvs_prime(const int *n, int *nfactors, int factors[], int exponents[], int powers[]) {

@@ -24,34 +24,21 @@
 
 #include <cmath>
 #include <cstring>
-#include <limits>
 
 #include "frame/checks.h"
 #include "frame/frame.hpp"
-#include "kernels/kernels.h"
+#include "frame/raise.hpp"
+#include "kernels/blas.hpp"
 #include "kernels/linalg.h"
+#include "kernels/sort.hpp"
 
 namespace {
 
 inline bool failed() { return zorvs_error_n1rty[0] >= 4; }
 
-inline int iamax(int n, const float *x) { return zorvs_isamax(n, x, 1); }
-inline int iamax(int n, const double *x) { return zorvs_idamax(n, x, 1); }
-inline void svrgp(int n, const float *ra, float *rb, int *iperm) { zorvs_svrgp(n, ra, rb, iperm); }
-inline void svrgp(int n, const double *ra, double *rb, int *iperm) { zorvs_dsvrgp(n, ra, rb, iperm); }
-
 template <class T>
 inline T &el(T *v, int ld, int row, int col) {  // from 0
     return v[static_cast<std::size_t>(col) * ld + row];
-}
-
-inline void rot(int n, float *x, float *y, float c, float s) { zorvs_srot(n, x, 1, y, 1, c, s); }
-inline void rot(int n, double *x, double *y, double c, double s) { zorvs_drot(n, x, 1, y, 1, c, s); }
-inline void ger(int m, int n, float alpha, const float *x, const float *y, float *a, int lda) {
-    zorvs_sger(m, n, alpha, x, 1, y, 1, a, lda);
-}
-inline void ger(int m, int n, double alpha, const double *x, const double *y, double *a, int lda) {
-    zorvs_dger(m, n, alpha, x, 1, y, 1, a, lda);
 }
 
 // Private level-2 kernels with the meaning of the Level 2 BLAS routines of
@@ -204,7 +191,7 @@ void l_e3csf(int n, T *v, int ld, T *d, T *e) {
             // whose h values are spent.
             l_sgemv("TRANS", i + 1, i + 1, T(1), v, ld, next, 1, T(0), d, 1);
             for (int k = 0; k <= i; ++k) next[k] /= h;
-            ger(i + 1, i + 1, T(-1), next, d, v, ld);
+            zorvs::blas::ger(i + 1, i + 1, T(-1), next, 1, d, 1, v, ld);
         }
         for (int k = 0; k <= i; ++k) next[k] = 0;
     }
@@ -221,8 +208,8 @@ void l_e3csf(int n, T *v, int ld, T *d, T *e) {
 // Returns false when the iterations ran out (count is shared by the block).
 template <class T>
 bool l_e4csf(int first, int last, T *d, T *e, int nv, T *v, int ld, int limit) {
-    const T eps = std::numeric_limits<T>::epsilon();
-    const T small = T(100) * std::numeric_limits<T>::min();
+    const T eps = zorvs::epsilon<T>();
+    const T small = T(100) * zorvs::smallest<T>();
     if (last <= first) return true;
     // Off-diagonal i couples i and i+1.
     for (int i = first; i < last; ++i) e[i] = e[i + 1];
@@ -262,7 +249,7 @@ bool l_e4csf(int first, int last, T *d, T *e, int nv, T *v, int ld, int limit) {
                 d[i + 1] = g + p;
                 g = c * r - b;
                 // Column i+1 := c col(i+1) + s col(i), column i := c col(i) - s col(i+1).
-                rot(nv, &el(v, ld, 0, i + 1), &el(v, ld, 0, i), c, s);
+                zorvs::blas::rot(nv, &el(v, ld, 0, i + 1), 1, &el(v, ld, 0, i), 1, c, s);
             }
             if (r == T(0) && i >= l) continue;
             d[l] -= p;
@@ -276,20 +263,15 @@ bool l_e4csf(int first, int last, T *d, T *e, int nv, T *v, int ld, int limit) {
 template <class T>
 void l_e2csf(int n, const T *a, int lda, T *eval, T *evec, int ldevec, T *work) {
     if (n < 1) {
-        zorvs_e1sti(1, n);
-        zorvs_ermes(5, 20407);
+        zorvs::raise(5, 20407, n);
         return;
     }
     if (lda < n) {
-        zorvs_e1sti(1, lda);
-        zorvs_e1sti(2, n);
-        zorvs_ermes(5, 20408);
+        zorvs::raise(5, 20408, lda, n);
         return;
     }
     if (ldevec < n) {
-        zorvs_e1sti(1, ldevec);
-        zorvs_e1sti(2, n);
-        zorvs_ermes(5, 20409);
+        zorvs::raise(5, 20409, ldevec, n);
         return;
     }
     for (int j = 0; j < n; ++j) std::memcpy(&el(evec, ldevec, 0, j), &a[static_cast<std::size_t>(j) * lda], sizeof(T) * n);
@@ -301,7 +283,7 @@ void l_e2csf(int n, const T *a, int lda, T *eval, T *evec, int ldevec, T *work) 
     }
     for (int j = 0; j < n; ++j) {
         T *column = &el(evec, ldevec, 0, j);
-        const int k = iamax(n, column);
+        const int k = zorvs::blas::iamax(n, column, 1);
         if (k < 1 || column[k - 1] == T(0)) continue;
         const T big = column[k - 1];
         for (int i = 0; i < n; ++i) column[i] /= big;
@@ -342,7 +324,7 @@ void l_e5csf(int n, const T *a, int lda, T *eval, T *evec, int ldevec, T *work, 
     // a NaN cuts nothing.
     T total = 0;
     for (int i = 0; i < n; ++i) total += eval[i] * eval[i] + e[i] * e[i];
-    const T threshold = std::numeric_limits<T>::epsilon() * std::sqrt(total);
+    const T threshold = zorvs::epsilon<T>() * std::sqrt(total);
     bool converged = true;
     int first = 0;
     for (int i = 1; i <= n; ++i) {
@@ -362,7 +344,7 @@ void l_e5csf(int n, const T *a, int lda, T *eval, T *evec, int ldevec, T *work, 
         key[i] = -std::fabs(eval[i]);
         iwork[i] = i + 1;
     }
-    svrgp(n, key, sorted, iwork);
+    zorvs::sort::svrgp(n, key, sorted, iwork);
     for (int i = 0; i < n; ++i) key[i] = eval[iwork[i] - 1];
     std::memcpy(eval, key, sizeof(T) * n);
     // Columns by cycles of the permutation: column i takes column iwork(i).
@@ -385,32 +367,25 @@ void l_e5csf(int n, const T *a, int lda, T *eval, T *evec, int ldevec, T *work, 
     for (int i = 0; i < n; ++i) iwork[i] = iwork[i] < 0 ? -iwork[i] : iwork[i];
 }
 
-template <class F>
-void framed(const char *name, F &&body) {
-    zorvs_e1psh(name);
-    body();
-    zorvs_e1pop(name);
-}
-
 }  // namespace
 
 extern "C" {
 
 void zorvs_e2csf(const int *n, const float a[], const int *lda, float eval[], float evec[], const int *ldevec,
                  float work[]) {
-    framed("zorvs_e2csf", [&] { l_e2csf(*n, a, *lda, eval, evec, *ldevec, work); });
+    zorvs::framed("zorvs_e2csf", [&] { l_e2csf(*n, a, *lda, eval, evec, *ldevec, work); });
 }
 void zorvs_de2csf(const int *n, const double a[], const int *lda, double eval[], double evec[],
                   const int *ldevec, double work[]) {
-    framed("zorvs_de2csf", [&] { l_e2csf(*n, a, *lda, eval, evec, *ldevec, work); });
+    zorvs::framed("zorvs_de2csf", [&] { l_e2csf(*n, a, *lda, eval, evec, *ldevec, work); });
 }
 void zorvs_e5csf(const int *n, const float a[], const int *lda, float eval[], float evec[], const int *ldevec,
                  float work[], int iwork[]) {
-    framed("zorvs_e5csf", [&] { l_e5csf(*n, a, *lda, eval, evec, *ldevec, work, iwork); });
+    zorvs::framed("zorvs_e5csf", [&] { l_e5csf(*n, a, *lda, eval, evec, *ldevec, work, iwork); });
 }
 void zorvs_de5csf(const int *n, const double a[], const int *lda, double eval[], double evec[],
                   const int *ldevec, double work[], int iwork[]) {
-    framed("zorvs_de5csf", [&] { l_e5csf(*n, a, *lda, eval, evec, *ldevec, work, iwork); });
+    zorvs::framed("zorvs_de5csf", [&] { l_e5csf(*n, a, *lda, eval, evec, *ldevec, work, iwork); });
 }
 
 }  // extern "C"

@@ -24,6 +24,7 @@
 #include "frame/checks.h"
 #include "frame/frame.hpp"
 #include "frame/machine.h"
+#include "kernels/linalg.hpp"
 #include "output/output.h"
 #include "zorvstat.h"
 
@@ -146,7 +147,7 @@ bool scan_format(const char *format, const char *letters, int *max_width, int *n
 template <class T>
 constexpr int significant_limit() {
     // Decimal digits the type carries: 7 in float, 15 in double.
-    return std::is_same_v<T, float> ? 7 : 15;
+    return zorvs::by_type<T>(7, 15, 15);
 }
 
 // Format for a value of size |x|: fixed with enough decimals for `digits`
@@ -930,34 +931,24 @@ void l_write_matrix(const char *title, int n_rows, int n_columns, T *a, int lda,
     lay.title_lines = l_w4rrl(title, lay.page_width, lay.page_width / 3 + 1, nullptr, nullptr, 0);
     if (title[0] == '\0') lay.title_lines = 0;
 
-    // Work arrays, freed on every path below.
+    // Work arrays, freed by the pop of the routine's frame.
     int ncol = pc > 0 ? pc : 1;
-    job.conv = zorvs::allocate<Conversion>(n_conv, "format");
-    job.cell_format = reinterpret_cast<char (*)[lc_max_conv]>(zorvs::allocate<char>(ncol * lc_max_conv, "nca"));
-    job.field = zorvs::allocate<int>(ncol, "nca");
-    job.cell_limit = zorvs::allocate<int>(ncol, "nca");
-    job.column_width = zorvs::allocate<int>(ncol, "nca");
-    job.line = zorvs::allocate<char>(lc_line_buffer, "line");
-    char *use = zorvs::allocate<char>(ncol, "nca");
-    if (!job.conv || !job.cell_format || !job.field || !job.cell_limit || !job.column_width || !job.line || !use) {
-        std::free(job.conv);
-        std::free(job.cell_format);
-        std::free(job.field);
-        std::free(job.cell_limit);
-        std::free(job.column_width);
-        std::free(job.line);
-        std::free(use);
+    job.conv = zorvs::workspace<Conversion>(n_conv, "format");
+    job.cell_format = reinterpret_cast<char (*)[lc_max_conv]>(zorvs::workspace<char>(ncol * lc_max_conv, "nca"));
+    job.field = zorvs::workspace<int>(ncol, "nca");
+    job.cell_limit = zorvs::workspace<int>(ncol, "nca");
+    job.column_width = zorvs::workspace<int>(ncol, "nca");
+    job.line = zorvs::workspace<char>(lc_line_buffer, "line");
+    char *use = zorvs::workspace<char>(ncol, "nca");
+    if (!job.conv || !job.cell_format || !job.field || !job.cell_limit || !job.column_width || !job.line || !use)
         return;
-    }
     scan_format(format, letters, &max_width, &n_conv, &n_w, job.conv);
 
     // A matrix without rows or columns has no elements to move, and `a` may
     // be null.
     transpose = transpose && n_rows > 0 && n_columns > 0;
     if (transpose) {
-        if constexpr (std::is_same_v<T, float>) zorvs_f_m1ran(n_rows, lda, a, a);
-        if constexpr (std::is_same_v<T, double>) zorvs_d_m1ran(n_rows, lda, a, a);
-        if constexpr (std::is_same_v<T, int>) zorvs_i_m1ran(n_rows, lda, a, a);
+        zorvs::linalg::m1ran(n_rows, lda, a, a);
         job.lda = n_rows > 0 ? n_rows : 1;
     } else {
         job.lda = lda;
@@ -1035,17 +1026,8 @@ void l_write_matrix(const char *title, int n_rows, int n_columns, T *a, int lda,
     print_blocks(job);
 
     if (transpose) {
-        if constexpr (std::is_same_v<T, float>) zorvs_f_m1ran(lda, n_rows, a, a);
-        if constexpr (std::is_same_v<T, double>) zorvs_d_m1ran(lda, n_rows, a, a);
-        if constexpr (std::is_same_v<T, int>) zorvs_i_m1ran(lda, n_rows, a, a);
+        zorvs::linalg::m1ran(lda, n_rows, a, a);
     }
-    std::free(job.conv);
-    std::free(job.cell_format);
-    std::free(job.field);
-    std::free(job.cell_limit);
-    std::free(job.column_width);
-    std::free(job.line);
-    std::free(use);
 }
 
 // Keyword reading of the public forms.

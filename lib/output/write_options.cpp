@@ -138,24 +138,20 @@ extern "C" void zorvs_wrtrl(const char *text, int width) {
     zorvs_e1pop("zorvs_wrtrl");
 }
 
-// One-element matrices: a blank line, then the printer with all defaults.
-extern "C" void zorvs_wrrrs(const char *title, float x) {
-    zorvs_e1psh("zorvs_wrrrs");
-    zorvs_write_line(1, " ");
-    zorvs_f_write_matrix(title, 1, 1, &x, 0);
-    zorvs_e1pop("zorvs_wrrrs");
+namespace {
+
+// One-element matrices: a blank line, then the printer with all defaults,
+// in a frame named after the entry point.
+template <class T>
+void l_write_scalar(const char *name, void (*print)(const char *, int, int, T *, ...), const char *title, T x) {
+    zorvs::framed(name, [&] {
+        zorvs_write_line(1, " ");
+        print(title, 1, 1, &x, 0);
+    });
 }
 
-extern "C" void zorvs_dwrrrs(const char *title, double x) {
-    zorvs_e1psh("zorvs_dwrrrs");
-    zorvs_write_line(1, " ");
-    zorvs_d_write_matrix(title, 1, 1, &x, 0);
-    zorvs_e1pop("zorvs_dwrrrs");
-}
+}  // namespace
 
-extern "C" void zorvs_wrirs(const char *title, int x) {
-    zorvs_e1psh("zorvs_wrirs");
-    zorvs_write_line(1, " ");
-    zorvs_i_write_matrix(title, 1, 1, &x, 0);
-    zorvs_e1pop("zorvs_wrirs");
-}
+extern "C" void zorvs_wrrrs(const char *title, float x) { l_write_scalar(__func__, zorvs_f_write_matrix, title, x); }
+extern "C" void zorvs_dwrrrs(const char *title, double x) { l_write_scalar(__func__, zorvs_d_write_matrix, title, x); }
+extern "C" void zorvs_wrirs(const char *title, int x) { l_write_scalar(__func__, zorvs_i_write_matrix, title, x); }

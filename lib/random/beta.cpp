@@ -31,6 +31,7 @@
 #include "frame/checks.h"
 #include "frame/frame.hpp"
 #include "random/random.h"
+#include "random/random.hpp"
 #include "random/stream.hpp"
 #include "zorvstat.h"
 
@@ -39,14 +40,6 @@ namespace {
 template <class T> T *lv_beta = nullptr;
 
 constexpr int max_rounds = 1000;
-
-template <class T>
-void uniforms(int n, T r[]) {
-    if constexpr (std::is_same_v<T, float>)
-        zorvs_f_r1uni(n, r);
-    else
-        zorvs_d_r1uni(n, r);
-}
 
 // Two uniforms of the twin's stream, widened.
 template <class T>
@@ -207,7 +200,7 @@ template <class T>
 void l_rnbet(int n, T pin, T qin, T r[]) {
     const double p = pin, q = qin;
     if (p == 1.0 || q == 1.0) {
-        uniforms<T>(n, r);
+        zorvs::random::uniforms(n, r);
         if (q == 1.0) {
             const double rp = 1.0 / p;
             for (int i = 0; i < n; ++i) r[i] = static_cast<T>(std::pow(static_cast<double>(r[i]), rp));
@@ -247,32 +240,20 @@ void l_rnbet(int n, T pin, T qin, T r[]) {
 
 template <class T>
 void l_random_beta(int n, T pin, T qin, va_list *list) {
+    zorvs::OutputPair<T> result(lv_beta<T>);
     zorvs::KeywordReader kw(list, 3);
-    bool user = false;
-    for (int k = kw.keyword(); k != 0; k = kw.keyword()) {
-        switch (k) {
-        case ZORVS_RETURN_USER:
-            lv_beta<T> = kw.pointer<T>();
-            user = true;
-            break;
-        default: kw.unknown(k); lv_beta<T> = nullptr; return;
-        }
+    if (!zorvs::read_return_user(kw, result)) {
+        result.drop();
+        return;
     }
     // A NaN shape is refused with the non-positive ones.
     if (!(pin > 0)) zorvs_ermes(5, 11033);
     if (!(qin > 0)) zorvs_ermes(5, 11034);
     int arg = 0;
     zorvs_c1iarg(n, "n_random", 1, 0, &arg);
-    if (zorvs_n1rcd(0) != 0) {
-        if (!user) lv_beta<T> = nullptr;
-        return;
-    }
-    if (!user) {
-        lv_beta<T> = zorvs::allocate<T>(static_cast<std::size_t>(n));
-        if (!lv_beta<T>) return;
-    }
-    l_rnbet<T>(n, pin, qin, lv_beta<T>);
-    zorvs::exit_test(lv_beta<T>, user);
+    if (zorvs_n1rcd(0) != 0) return;
+    if (!result.obtain(static_cast<std::size_t>(n))) return;
+    l_rnbet<T>(n, pin, qin, result.data());
 }
 
 }  // namespace

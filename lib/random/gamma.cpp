@@ -18,25 +18,17 @@
 //   algorithm GS.
 #include <cfloat>
 #include <cmath>
-#include <limits>
 
 #include "frame/checks.h"
 #include "frame/frame.hpp"
 #include "random/random.h"
+#include "random/random.hpp"
 #include "random/stream.hpp"
 #include "zorvstat.h"
 
 namespace {
 
 template <class T> T *lv_gamma = nullptr;
-
-template <class T>
-void uniforms(int n, T r[]) {
-    if constexpr (std::is_same_v<T, float>)
-        zorvs_f_r1uni(n, r);
-    else
-        zorvs_d_r1uni(n, r);
-}
 
 // Set-up of the Schmeiser-Lal hat for one shape.
 struct Hat {
@@ -51,8 +43,8 @@ inline double log_f(double x, double x3) { return x > 0 ? x3 * std::log(x / x3) 
 
 template <class T>
 bool hat_setup(double a, Hat &h) {
-    const double eps = std::numeric_limits<T>::epsilon();
-    const double big = std::log(static_cast<double>(std::numeric_limits<T>::max())) + 1.0;
+    const double eps = zorvs::epsilon<T>();
+    const double big = std::log(static_cast<double>(zorvs::largest<T>())) + 1.0;
     h.x3 = a - 1.0;
     const double s = std::sqrt(h.x3);
     h.x4 = h.x3 + s;
@@ -209,21 +201,18 @@ void l_rngam(int n, T a, T r[]) {
         for (int i = 0; i < n; ++i) r[i] = static_cast<T>(schmeiser_lal<T>(h, s));
         zorvs::close_uniform_source(s);
     } else if (ad == 1.0) {
-        uniforms<T>(n, r);
+        zorvs::random::uniforms(n, r);
         for (int i = 0; i < n; ++i) r[i] = -std::log(r[i]);
     } else if (ad == 0.5) {
-        if constexpr (std::is_same_v<T, float>)
-            zorvs_f_random_normal(n, ZORVS_RETURN_USER, r, 0);
-        else
-            zorvs_d_random_normal(n, ZORVS_RETURN_USER, r, 0);
+        zorvs::random::normals(n, r);
         for (int i = 0; i < n; ++i) r[i] = static_cast<T>(0.5) * r[i] * r[i];
     } else {
         // Algorithm GS: a mixture of the power density below 1 and the
         // exponential tail above, accepted against e^-x or x^(a-1).
         const double e = 2.7182818284590451;
         const double b = (e + ad) / e, ra = 1.0 / ad;
-        const double log_small = std::log(static_cast<double>(std::numeric_limits<T>::min()));
-        const double small = std::numeric_limits<T>::min();
+        const double log_small = std::log(static_cast<double>(zorvs::smallest<T>()));
+        const double small = zorvs::smallest<T>();
         zorvs::UniformSource<T> s;
         zorvs::open_uniform_source(s);
         for (int i = 0; i < n; ++i) {
@@ -253,16 +242,11 @@ void l_rngam(int n, T a, T r[]) {
 
 template <class T>
 void l_random_gamma(int n, T a, va_list *list) {
+    zorvs::OutputPair<T> result(lv_gamma<T>);
     zorvs::KeywordReader kw(list, 2);
-    bool user = false;
-    for (int k = kw.keyword(); k != 0; k = kw.keyword()) {
-        switch (k) {
-        case ZORVS_RETURN_USER:
-            lv_gamma<T> = kw.pointer<T>();
-            user = true;
-            break;
-        default: kw.unknown(k); lv_gamma<T> = nullptr; return;
-        }
+    if (!zorvs::read_return_user(kw, result)) {
+        result.drop();
+        return;
     }
     int arg = 0;
     zorvs_c1iarg(n, "n_random", 1, 0, &arg);
@@ -270,16 +254,9 @@ void l_random_gamma(int n, T a, va_list *list) {
         zorvs_e1std(1, static_cast<double>(a));
         zorvs_ermes(5, 11036);
     }
-    if (zorvs_n1rcd(0) != 0) {
-        if (!user) lv_gamma<T> = nullptr;
-        return;
-    }
-    if (!user) {
-        lv_gamma<T> = zorvs::allocate<T>(static_cast<std::size_t>(n));
-        if (!lv_gamma<T>) return;
-    }
-    l_rngam<T>(n, a, lv_gamma<T>);
-    zorvs::exit_test(lv_gamma<T>, user);
+    if (zorvs_n1rcd(0) != 0) return;
+    if (!result.obtain(static_cast<std::size_t>(n))) return;
+    l_rngam<T>(n, a, result.data());
 }
 
 }  // namespace

@@ -18,10 +18,12 @@
 #include <cstddef>
 
 #include "frame/checks.h"
+#include "frame/checks.hpp"
 #include "frame/frame.hpp"
-#include "kernels/kernels.h"
-#include "kernels/linalg.h"
+#include "kernels/blas.hpp"
+#include "kernels/linalg.hpp"
 #include "random/random.h"
+#include "random/random.hpp"
 #include "random/stream.hpp"
 #include "zorvstat.h"
 
@@ -103,11 +105,6 @@ void l_rnnoa(std::size_t n, T r[]) {
     zorvs::close_uniform_source(src);
 }
 
-inline void check_r(int n, const float *r, int ldr, int *arg) { zorvs_c1r(n, r, ldr, arg); }
-inline void check_r(int n, const double *r, int ldr, int *arg) { zorvs_dc1r(n, r, ldr, arg); }
-inline float dot(int n, const float *x, int incx, const float *y) { return zorvs_sdot(n, x, incx, y, 1); }
-inline double dot(int n, const double *x, int incx, const double *y) { return zorvs_ddot(n, x, incx, y, 1); }
-
 // n_vectors vectors of length l_vectors with covariance R'R, column-major
 // into result (leading dimension ldresult).
 template <class T>
@@ -116,7 +113,7 @@ void l_rnmvn(int n_vectors, int l_vectors, const T r[], int ldr, T result[], int
     zorvs_c1dim(1, n_vectors, "NR", ldresult, "LDR", &arg);
     zorvs_c1dim(1, l_vectors, "K", ldr, "LDRSIG", &arg);
     if (zorvs_n1rcd(0) != 0) return;
-    check_r(l_vectors, r, ldr, &arg);
+    zorvs::check::c1r(l_vectors, r, ldr, &arg);
     if (zorvs_n1rcd(0) != 0) return;
     if (ldresult == n_vectors) {
         l_rnnoa<T>(static_cast<std::size_t>(n_vectors) * static_cast<std::size_t>(l_vectors), result);
@@ -129,53 +126,26 @@ void l_rnmvn(int n_vectors, int l_vectors, const T r[], int ldr, T result[], int
         T *row = result + i;
         for (int j = l_vectors; j >= 1; --j)
             row[static_cast<std::size_t>(j - 1) * ldresult] =
-                dot(j, row, ldresult, r + static_cast<std::size_t>(j - 1) * ldr);
+                zorvs::blas::dot(j, row, ldresult, r + static_cast<std::size_t>(j - 1) * ldr, 1);
     }
-}
-
-template <class T>
-void chfac(int n, T a[], T tol, int *rank) {
-    if constexpr (std::is_same_v<T, float>)
-        zorvs_chfac(&n, a, &n, &tol, rank, a, &n);
-    else
-        zorvs_dchfac(&n, a, &n, &tol, rank, a, &n);
-}
-
-template <class T>
-void transpose(int nra, int nca, T a[]) {
-    if constexpr (std::is_same_v<T, float>)
-        zorvs_f_m1ran(nra, nca, a, a);
-    else
-        zorvs_d_m1ran(nra, nca, a, a);
 }
 
 template <class T>
 void l_random_normal_multivariate(int n_vectors, int l_vectors, const T covariance[], va_list *list) {
+    zorvs::OutputPair<T> vectors(lv_normal_multivariate<T>);
     zorvs::KeywordReader kw(list, 3);
-    bool user = false;
-    for (int k = kw.keyword(); k != 0; k = kw.keyword()) {
-        switch (k) {
-        case ZORVS_RETURN_USER:
-            lv_normal_multivariate<T> = kw.pointer<T>();
-            user = true;
-            break;
-        default: kw.unknown(k); lv_normal_multivariate<T> = nullptr; return;
-        }
+    if (!zorvs::read_return_user(kw, vectors)) {
+        vectors.drop();
+        return;
     }
     int arg = 0;
     zorvs_c1iarg(n_vectors, "n_vectors", 1, 0, &arg);
     zorvs_c1iarg(l_vectors, "l_vectors", 1, 0, &arg);
-    if (zorvs_n1rcd(0) != 0) {
-        if (!user) lv_normal_multivariate<T> = nullptr;
-        return;
-    }
-    if (!user) {
-        lv_normal_multivariate<T> = zorvs::allocate<T>(n_vectors, "n_vectors", l_vectors, "l_vectors");
-        if (!lv_normal_multivariate<T>) return;
-    }
-    T *result = lv_normal_multivariate<T>;
+    if (zorvs_n1rcd(0) != 0) return;
+    if (!vectors.obtain(n_vectors, "n_vectors", l_vectors, "l_vectors")) return;
+    T *result = vectors.data();
     const std::size_t l = static_cast<std::size_t>(l_vectors);
-    T *factor = static_cast<T *>(zorvs::raw_allocate(l * l * sizeof(T)));
+    T *factor = static_cast<T *>(zorvs::workspace_block(l * l * sizeof(T)));
     if (!factor) {
         zorvs_e1sti(1, l_vectors);
         zorvs_e1stl(1, "l_vectors");
@@ -186,16 +156,14 @@ void l_random_normal_multivariate(int n_vectors, int l_vectors, const T covarian
         for (std::size_t j = 0; j < l; ++j)
             for (std::size_t i = 0; i <= j; ++i) factor[j * l + i] = covariance[i * l + j];
         int rank = 0;
-        chfac<T>(l_vectors, factor, static_cast<T>(1e-5), &rank);
+        zorvs::linalg::chfac(l_vectors, factor, l_vectors, static_cast<T>(1e-5), &rank, factor, l_vectors);
         if (zorvs_error_n1rty[1] < 4) {
             l_rnmvn<T>(n_vectors, l_vectors, factor, l_vectors, result, n_vectors);
             // Column-major n_vectors x l_vectors is row-major l_vectors x
             // n_vectors: transpose it to the caller's row-major layout.
-            transpose<T>(l_vectors, n_vectors, result);
+            zorvs::linalg::m1ran(l_vectors, n_vectors, result, result);
         }
-        zorvs::release(factor);
     }
-    zorvs::exit_test(lv_normal_multivariate<T>, user);
 }
 
 }  // namespace

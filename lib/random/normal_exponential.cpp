@@ -6,9 +6,11 @@
 // aligned between the single and the double routines.
 #include <cmath>
 
+#include "dist/dist.hpp"
 #include "frame/checks.h"
 #include "frame/frame.hpp"
 #include "random/random.h"
+#include "random/random.hpp"
 #include "zorvstat.h"
 
 namespace {
@@ -16,63 +18,38 @@ namespace {
 template <class T> T *lv_normal = nullptr;
 template <class T> T *lv_exponential = nullptr;
 
+// Keyword list, check of n, storage and uniforms; null when nothing to do.
 template <class T>
-void uniforms(int n, T r[]) {
-    if constexpr (std::is_same_v<T, float>)
-        zorvs_f_r1uni(n, r);
-    else
-        zorvs_d_r1uni(n, r);
-}
-
-// Keyword list, check of n, allocation and uniforms; false when nothing to do.
-template <class T>
-bool prepare(int n, va_list *list, T *&result, bool &user) {
+T *prepare(int n, va_list *list, T *&static_result) {
+    zorvs::OutputPair<T> result(static_result);
     zorvs::KeywordReader kw(list, 1);
-    user = false;
-    for (int k = kw.keyword(); k != 0; k = kw.keyword()) {
-        switch (k) {
-        case ZORVS_RETURN_USER:
-            result = kw.pointer<T>();
-            user = true;
-            break;
-        default: kw.unknown(k); result = nullptr; return false;
-        }
+    if (!zorvs::read_return_user(kw, result)) {
+        result.drop();
+        return nullptr;
     }
     int arg = 0;
     zorvs_c1iarg(n, "n_random", 1, 0, &arg);
     if (zorvs_n1rcd(0) != 0) {
-        result = nullptr;
-        return false;
+        result.drop();
+        return nullptr;
     }
-    if (!user) {
-        result = zorvs::allocate<T>(static_cast<std::size_t>(n));
-        if (!result) return false;
-    }
-    uniforms<T>(n, result);
-    return true;
+    if (!result.obtain(static_cast<std::size_t>(n))) return nullptr;
+    zorvs::random::uniforms(n, result.data());
+    return result.data();
 }
 
 template <class T>
 void l_random_normal(int n, va_list *list) {
-    bool user;
-    if (!prepare<T>(n, list, lv_normal<T>, user)) return;
-    T *r = lv_normal<T>;
-    for (int i = 0; i < n; ++i) {
-        if constexpr (std::is_same_v<T, float>)
-            r[i] = zorvs_f_normal_inverse_cdf(r[i]);
-        else
-            r[i] = zorvs_d_normal_inverse_cdf(r[i]);
-    }
-    zorvs::exit_test(lv_normal<T>, user);
+    T *r = prepare<T>(n, list, lv_normal<T>);
+    if (!r) return;
+    for (int i = 0; i < n; ++i) r[i] = zorvs::dist::normal_inverse_cdf(r[i]);
 }
 
 template <class T>
 void l_rnexp(int n, va_list *list) {
-    bool user;
-    if (!prepare<T>(n, list, lv_exponential<T>, user)) return;
-    T *r = lv_exponential<T>;
+    T *r = prepare<T>(n, list, lv_exponential<T>);
+    if (!r) return;
     for (int i = 0; i < n; ++i) r[i] = -std::log(r[i]);
-    zorvs::exit_test(lv_exponential<T>, user);
 }
 
 }  // namespace

@@ -19,6 +19,7 @@
 #include "frame/checks.h"
 #include "frame/frame.hpp"
 #include "random/random.h"
+#include "random/random.hpp"
 #include "random/stream.hpp"
 #include "zorvstat.h"
 
@@ -169,16 +170,11 @@ void l_rnpoi(int n, float theta, int r[]) {
 }
 
 void l_random_poisson(int n, float theta, va_list *list) {
+    zorvs::OutputPair<int> result(lv_poisson);
     zorvs::KeywordReader kw(list, 2);
-    bool user = false;
-    for (int k = kw.keyword(); k != 0; k = kw.keyword()) {
-        switch (k) {
-        case ZORVS_RETURN_USER:
-            lv_poisson = kw.pointer<int>();
-            user = true;
-            break;
-        default: kw.unknown(k); lv_poisson = nullptr; return;
-        }
+    if (!zorvs::read_return_user(kw, result)) {
+        result.drop();
+        return;
     }
     int arg = 0;
     zorvs_c1iarg(n, "n_random", 1, 0, &arg);
@@ -190,16 +186,9 @@ void l_random_poisson(int n, float theta, va_list *list) {
         zorvs_e1std(2, static_cast<double>(kLargestMean));
         zorvs_ermes(5, 11044);
     }
-    if (zorvs_n1rcd(0) != 0) {
-        if (!user) lv_poisson = nullptr;
-        return;
-    }
-    if (!user) {
-        lv_poisson = zorvs::allocate<int>(static_cast<std::size_t>(n));
-        if (!lv_poisson) return;
-    }
-    l_rnpoi(n, theta, lv_poisson);
-    zorvs::exit_test(lv_poisson, user);
+    if (zorvs_n1rcd(0) != 0) return;
+    if (!result.obtain(static_cast<std::size_t>(n))) return;
+    l_rnpoi(n, theta, result.data());
 }
 
 }  // namespace

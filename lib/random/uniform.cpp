@@ -176,29 +176,17 @@ void l_rnun(int n, T r[]) {
 
 template <class T>
 void l_random_uniform(int n, va_list *list) {
+    zorvs::OutputPair<T> result(lv_uniform<T>);
     zorvs::KeywordReader kw(list, 1);
-    bool user = false;
-    for (int k = kw.keyword(); k != 0; k = kw.keyword()) {
-        switch (k) {
-        case ZORVS_RETURN_USER:
-            lv_uniform<T> = kw.pointer<T>();
-            user = true;
-            break;
-        default: kw.unknown(k); return;
-        }
-    }
+    if (!zorvs::read_return_user(kw, result)) return;
     int arg = 0;
     zorvs_c1iarg(n, "n_random", 1, 0, &arg);
     if (zorvs_n1rcd(0) != 0) {
-        lv_uniform<T> = nullptr;
+        result.drop();
         return;
     }
-    if (!user) {
-        lv_uniform<T> = zorvs::allocate<T>(static_cast<std::size_t>(n));
-        if (!lv_uniform<T>) return;
-    }
-    l_rnun<T>(n, lv_uniform<T>);
-    zorvs::exit_test(lv_uniform<T>, user);
+    if (!result.obtain(static_cast<std::size_t>(n))) return;
+    l_rnun<T>(n, result.data());
 }
 
 template <class T>

@@ -30,10 +30,12 @@
 #include <initializer_list>
 #include <limits>
 
-#include "frame/machine.h"
+#include "dist/dist.hpp"
 #include "frame/checks.h"
+#include "frame/checks.hpp"
 #include "frame/frame.hpp"
-#include "kernels/kernels.h"
+#include "frame/machine.h"
+#include "kernels/sort.hpp"
 #include "zorvstat.h"
 
 namespace {
@@ -42,13 +44,6 @@ namespace {
 enum Row {
     MEAN = 0, VARIANCE, STD_DEV, SKEWNESS, KURTOSIS, MINIMUM, MAXIMUM, RANGE, COEF_VARIATION, COUNT,
     MEAN_LOWER, MEAN_UPPER, VARIANCE_LOWER, VARIANCE_UPPER, MEDIAN, MAD, ROBUST_SCALE
-};
-
-template <class T>
-struct Constants {
-    static constexpr T eps = std::numeric_limits<T>::epsilon();  // 2^-23 or 2^-52
-    static constexpr T tiny = std::numeric_limits<T>::min();
-    static constexpr T huge = std::numeric_limits<T>::max();
 };
 
 // Everything one call needs, kept together so the worker sees one object.
@@ -221,10 +216,7 @@ bool row_frequency_and_weight(Summary<T> &s, long i, T &f, T &w) {
         iwt = n;
     }
     int nmiss = 0, status = 0;
-    if constexpr (std::is_same_v<T, float>)
-        zorvs_c1wfr(1, static_cast<int>(i + 1), row, 1, 1, 1, ifrq, iwt, 0, &nmiss, &f, &w, &status);
-    else
-        zorvs_dc1wfr(1, static_cast<int>(i + 1), row, 1, 1, 1, ifrq, iwt, 0, &nmiss, &f, &w, &status);
+    zorvs::check::c1wfr(1, static_cast<int>(i + 1), row, 1, 1, 1, ifrq, iwt, 0, &nmiss, &f, &w, &status);
     if (status == 2) ++s.n_missing;
     if (status == 3) s.failed = true;
     return status == 0;
@@ -430,33 +422,6 @@ void spread_unknown(Summary<T> &s, int j, bool also_mean) {
     if (s.confidence_variances > T(0)) s.cell(VARIANCE_LOWER, j) = s.cell(VARIANCE_UPPER, j) = nan;
 }
 
-// a / b without overflow or a misleading underflow.
-template <class T>
-T guarded_quotient(T a, T b) {
-    T result;
-    if constexpr (std::is_same_v<T, float>)
-        zorvs_c1div(a, b, &result);
-    else
-        zorvs_dc1div(a, b, &result);
-    return result;
-}
-
-template <class T>
-T t_inverse(T p, T df) {
-    if constexpr (std::is_same_v<T, float>)
-        return zorvs_f_t_inverse_cdf(p, df);
-    else
-        return zorvs_d_t_inverse_cdf(p, df);
-}
-
-template <class T>
-T chi_squared_inverse(T p, T df) {
-    if constexpr (std::is_same_v<T, float>)
-        return zorvs_f_chi_squared_inverse_cdf(p, df);
-    else
-        return zorvs_d_chi_squared_inverse_cdf(p, df);
-}
-
 // Confidence limits of the mean (rows 10, 11) and of the variance (12, 13).
 template <class T>
 void confidence_limits(Summary<T> &s, int j) {
@@ -472,7 +437,7 @@ void confidence_limits(Summary<T> &s, int j) {
             zorvs_ermes(6, 11079);
         } else {
             T p = T(0.5) + s.confidence_means / T(200);
-            T t = t_inverse(p, df);
+            T t = zorvs::dist::t_inverse_cdf(p, df);
             if (zorvs_error_n1rty[0] >= 5) {
                 zorvs_e1sti(1, j + 1);
                 zorvs_ermes(6, 11080);
@@ -493,14 +458,14 @@ void confidence_limits(Summary<T> &s, int j) {
             zorvs_e1sti(1, j + 1);
             zorvs_ermes(6, 11081);
         } else if (!zorvs::is_missing(variance)) {
-            T chi_upper = chi_squared_inverse(q, df);
+            T chi_upper = zorvs::dist::chi_squared_inverse_cdf(q, df);
             if (zorvs_error_n1rty[0] >= 4) {
                 zorvs_e1sti(1, j + 1);
                 zorvs_ermes(6, 11082);
             } else {
                 lower = variance * df / chi_upper;
             }
-            T chi_lower = chi_squared_inverse(p, df);
+            T chi_lower = zorvs::dist::chi_squared_inverse_cdf(p, df);
             if (zorvs_error_n1rty[0] >= 4) {
                 zorvs_e1sti(1, j + 1);
                 zorvs_ermes(6, 11082);
@@ -516,7 +481,6 @@ void confidence_limits(Summary<T> &s, int j) {
 // Turn the running sums into the table.
 template <class T>
 void finish(Summary<T> &s) {
-    using C = Constants<T>;
     const T nan = zorvs::missing<T>();
     const int nv = s.n_variables;
 
@@ -536,7 +500,7 @@ void finish(Summary<T> &s) {
         T largest_weight = s.weight_sum[0];
         for (int j = 1; j < nv; ++j)
             if (s.weight_sum[j] > largest_weight) largest_weight = s.weight_sum[j];
-        if (largest_weight < T(10) * C::eps) {
+        if (largest_weight < T(10) * zorvs::epsilon<T>()) {
             for (int j = 0; j < nv; ++j) spread_unknown(s, j, true);
             zorvs_ermes(6, 11068);
             return;
@@ -546,7 +510,7 @@ void finish(Summary<T> &s) {
     bool any_weightless = false;
     if (s.weight_sum) {
         for (int j = 0; j < nv; ++j) {
-            if (s.cell(COUNT, j) > T(1) && s.weight_sum[j] < T(10) * C::eps) {
+            if (s.cell(COUNT, j) > T(1) && s.weight_sum[j] < T(10) * zorvs::epsilon<T>()) {
                 spread_unknown(s, j, true);
                 zorvs_e1sti(1, j + 1);
                 zorvs_ermes(6, 11069);
@@ -555,10 +519,10 @@ void finish(Summary<T> &s) {
         }
     }
 
-    const T sqrt_tiny = std::sqrt(C::tiny);
-    const T cbrt_tiny = std::cbrt(C::tiny);
+    const T sqrt_tiny = std::sqrt(zorvs::smallest<T>());
+    const T cbrt_tiny = std::cbrt(zorvs::smallest<T>());
     const T fourth_root_tiny = std::sqrt(sqrt_tiny);
-    const T log_tiny = std::log(C::tiny);
+    const T log_tiny = std::log(zorvs::smallest<T>());
 
     for (int j = 0; j < nv; ++j) {
         T &mn = s.cell(MINIMUM, j);
@@ -568,7 +532,7 @@ void finish(Summary<T> &s) {
     }
 
     for (int j = 0; j < nv; ++j) {
-        if (any_weightless && s.cell(COUNT, j) > T(1) && s.weight_sum[j] < T(10) * C::eps) continue;
+        if (any_weightless && s.cell(COUNT, j) > T(1) && s.weight_sum[j] < T(10) * zorvs::epsilon<T>()) continue;
         const T count = s.cell(COUNT, j);
         zorvs_e1sti(1, j + 1);
         if (count <= T(1)) {
@@ -623,10 +587,10 @@ void finish(Summary<T> &s) {
         T &cv = s.cell(COEF_VARIATION, j);
         if (!zorvs::is_missing(cv)) {
             const T mean = s.cell(MEAN, j);
-            if (zorvs::is_missing(mean) || std::fabs(mean) < C::eps)
+            if (zorvs::is_missing(mean) || std::fabs(mean) < zorvs::epsilon<T>())
                 cv = nan;
             else
-                cv = guarded_quotient(sd, mean);
+                cv = zorvs::check::divide(sd, mean);
             if (zorvs::is_missing(cv)) {
                 zorvs_e1sti(1, j + 1);
                 zorvs_ermes(6, 11078);
@@ -640,10 +604,7 @@ void finish(Summary<T> &s) {
 template <class T>
 T middle_of(T *values, long m) {
     if (m <= 0) return zorvs::missing<T>();
-    if constexpr (std::is_same_v<T, float>)
-        zorvs_svrgn(static_cast<int>(m), values, values);
-    else
-        zorvs_dsvrgn(static_cast<int>(m), values, values);
+    zorvs::sort::svrgn(static_cast<int>(m), values, values);
     if (m % 2 == 1) return values[m / 2];
     return (values[m / 2 - 1] + values[m / 2]) / T(2);
 }
@@ -683,18 +644,13 @@ void median_rows(Summary<T> &s, bool with_scale) {
     }
     T *values = nullptr;
     if (largest > std::numeric_limits<int>::max() ||
-        !(values = zorvs::allocate<T>(static_cast<std::size_t>(largest)))) {
+        !(values = zorvs::workspace<T>(static_cast<std::size_t>(largest)))) {
         if (largest > std::numeric_limits<int>::max()) zorvs_ermes(5, 200);
         return;
     }
     // Phi^-1(0.75), once per call, in the routine's precision.
     T scale_divisor = T(1);
-    if (with_scale) {
-        if constexpr (std::is_same_v<T, float>)
-            scale_divisor = zorvs_f_normal_inverse_cdf(0.75f);
-        else
-            scale_divisor = zorvs_d_normal_inverse_cdf(0.75);
-    }
+    if (with_scale) scale_divisor = zorvs::dist::normal_inverse_cdf(T(0.75));
     for (int j = 0; j < s.n_variables; ++j) {
         T median = nan;
         if (s.cell(COUNT, j) != T(0)) {
@@ -715,7 +671,6 @@ void median_rows(Summary<T> &s, bool with_scale) {
         s.cell(MAD, j) = mad;
         s.cell(ROBUST_SCALE, j) = zorvs::is_missing(mad) ? nan : mad / scale_divisor;
     }
-    zorvs::release(values);
 }
 
 template <class T>
@@ -723,8 +678,9 @@ T *lv_simple_statistics = nullptr;
 
 template <class T>
 void l_simple_statistics(int n_observations, int n_variables, T *x, va_list *list) {
+    // A WARNING_IMMEDIATE does not cost the table; anything else above 3 does.
+    zorvs::OutputPair<T> table(lv_simple_statistics<T>, zorvs::Failure::above_warning_but_immediate);
     zorvs::KeywordReader kw(list, 3);
-    bool user = false;
     T confidence_means = T(95), confidence_variances = T(95);
     const T *frequencies = nullptr;
     const T *weights = nullptr;
@@ -760,10 +716,7 @@ void l_simple_statistics(int n_observations, int n_variables, T *x, va_list *lis
             case ZORVS_MISSING_ELEMENTWISE: listwise = false; break;
             case ZORVS_X_COL_DIM: x_col_dim = kw.integer(); break;
             case ZORVS_STAT_COL_DIM: stat_col_dim = kw.integer(); break;
-            case ZORVS_RETURN_USER:
-                lv_simple_statistics<T> = kw.pointer<T>();
-                user = true;
-                break;
+            case ZORVS_RETURN_USER: table.take_user(kw.pointer<T>()); break;
             default: kw.unknown(k); return;
         }
     }
@@ -812,7 +765,7 @@ void l_simple_statistics(int n_observations, int n_variables, T *x, va_list *lis
 
     const int per_variable = Summary<T>::R_SLOTS + (weights ? 1 : 0);
     T *work = n_variables <= std::numeric_limits<int>::max() / per_variable
-                  ? zorvs::allocate<T>(per_variable * n_variables, "n_variables")
+                  ? zorvs::workspace<T>(per_variable * n_variables, "n_variables")
                   : nullptr;
     if (!work) {
         if (n_variables > std::numeric_limits<int>::max() / per_variable) {
@@ -824,12 +777,8 @@ void l_simple_statistics(int n_observations, int n_variables, T *x, va_list *lis
     }
     s.running = work;
     s.weight_sum = weights ? work + static_cast<long>(Summary<T>::R_SLOTS) * n_variables : nullptr;
-    if (!user) lv_simple_statistics<T> = zorvs::allocate<T>(n_rows, "n_variables", stat_col_dim, "stat_col_dim");
-    s.table = lv_simple_statistics<T>;
-    if (!s.table) {
-        zorvs::release(work);
-        return;
-    }
+    if (!table.obtain(n_rows, "n_variables", stat_col_dim, "stat_col_dim") || !table.data()) return;
+    s.table = table.data();
 
     // Cells that no step writes stay NaN.
     const T nan = zorvs::missing<T>();
@@ -848,10 +797,6 @@ void l_simple_statistics(int n_observations, int n_variables, T *x, va_list *lis
         finish(s);
         if (median_keywords) median_rows(s, with_scale);
     }
-    zorvs::release(work);
-    // A WARNING_IMMEDIATE does not cost the table; anything else above 3 does.
-    type = zorvs_error_type();
-    if (type > 3 && type != 6 && !user) zorvs::release(lv_simple_statistics<T>);
 }
 
 }  // namespace

@@ -26,51 +26,17 @@
 
 #include <cmath>
 #include <cstdarg>
-#include <type_traits>
 
 #include "frame/checks.h"
 #include "frame/frame.hpp"
-#include "frame/machine.h"
-#include "kernels/kernels.h"
-#include "util/util.h"
+#include "kernels/blas.hpp"
+#include "util/extrema.hpp"
 #include "zorvstat.h"
 
 namespace {
 
 template <class T>
 T *lv_table = nullptr;
-
-template <class T>
-T epsilon() {
-    if constexpr (std::is_same_v<T, float>)
-        return zorvs_machine.f[3];
-    else
-        return zorvs_machine.d[3];
-}
-
-template <class T>
-int first_nan(int n, const T *x) {
-    if constexpr (std::is_same_v<T, float>)
-        return zorvs_isanan(n, x, 1);
-    else
-        return zorvs_idanan(n, x, 1);
-}
-
-template <class T>
-int index_min(int n, const T *x) {
-    if constexpr (std::is_same_v<T, float>)
-        return zorvs_ismin(n, x, 1);
-    else
-        return zorvs_dismin(n, x, 1);
-}
-
-template <class T>
-int index_max(int n, const T *x) {
-    if constexpr (std::is_same_v<T, float>)
-        return zorvs_ismax(n, x, 1);
-    else
-        return zorvs_dismax(n, x, 1);
-}
 
 // Validate and count.  iopt is the mode; lower, upper belong to mode 1, half
 // to mode 3; class_marks is filled in modes 0 and 1, read in modes 2 and 3.
@@ -118,7 +84,7 @@ void l_owfrq(const int *n_observations, const T *x, const int *n_intervals, cons
         zorvs_e1sti(1, k);
         zorvs_ermes(5, 20025);
     }
-    if (n > 0 && first_nan(n, x) != 0) zorvs_ermes(5, 20026);
+    if (n > 0 && zorvs::blas::ianan(n, x, 1) != 0) zorvs_ermes(5, 20026);
     if (zorvs_n1rcd(0) != 0) {
         zorvs_e1pop(name);
         return;
@@ -128,10 +94,10 @@ void l_owfrq(const int *n_observations, const T *x, const int *n_intervals, cons
     for (int j = 0; j < k; ++j) table[j] = static_cast<T>(0);
     switch (mode) {
     case 0: {
-        const T xmin = x[index_min(n, x) - 1];
-        const T xmax = x[index_max(n, x) - 1];
+        const T xmin = x[zorvs::util::ismin(n, x, 1) - 1];
+        const T xmax = x[zorvs::util::ismax(n, x, 1) - 1];
         const T w = (xmax - xmin) / static_cast<T>(k);
-        const T fuzz = (static_cast<T>(10) * epsilon<T>()) * w;
+        const T fuzz = (static_cast<T>(10) * zorvs::epsilon<T>()) * w;
         for (int i = 0; i < n; ++i) {
             const T d = x[i] - xmin;
             int cell = k - 1;
@@ -209,8 +175,8 @@ void l_owfrq(const int *n_observations, const T *x, const int *n_intervals, cons
 
 template <class T>
 void l_table_oneway(int n_observations, T *x, int n_intervals, va_list *list) {
+    zorvs::OutputPair<T> table(lv_table<T>);
     zorvs::KeywordReader kw(list, 3);
-    bool user = false;
     int modes = 0, iopt = 0;
     T *min_out = nullptr, *max_out = nullptr;
     T lower = 0, upper = 0, half = 0;
@@ -240,57 +206,41 @@ void l_table_oneway(int n_observations, T *x, int n_intervals, va_list *list) {
             ++modes;
             break;
         case ZORVS_RETURN_USER:
-            lv_table<T> = kw.pointer<T>();
-            user = true;
+            table.take_user(kw.pointer<T>());
             break;
         default:
             kw.unknown(key);
             return;
         }
     }
+    // From here on the pop frees the marks and, after a failure, the table.
     T *marks = nullptr;
     if (modes > 1) {
         zorvs_ermes(5, 20022);
-        zorvs::exit_test(lv_table<T>, user);
         return;
     }
     int arg_no = 0;
     zorvs_c1iarg(n_intervals, "n_intervals", 1, 0, &arg_no);
-    if (zorvs_error_n1rty[0] > 3) {
-        zorvs::exit_test(lv_table<T>, user);
-        return;
-    }
-    if (!user) {
-        lv_table<T> = zorvs::allocate<T>(n_intervals, "n_intervals");
-        if (!lv_table<T>) {
-            zorvs::exit_test(lv_table<T>, user);
-            return;
-        }
-    }
+    if (zorvs_error_n1rty[0] > 3) return;
+    if (!table.obtain(n_intervals, "n_intervals")) return;
     if (iopt >= 2) {
         if (n_intervals < 2) {
             zorvs_e1sti(1, n_intervals);
             zorvs_e1stl(1, iopt == 2 ? "ZORVS_CUTPOINTS" : "ZORVS_CLASS_MARKS");
             zorvs_ermes(5, 20020);
-            zorvs::exit_test(lv_table<T>, user);
             return;
         }
         if (iopt == 3) half = (given[1] - given[0]) / static_cast<T>(2);
         marks = given;
     } else {
-        marks = zorvs::allocate<T>(n_intervals, "n_intervals");
-        if (!marks) {
-            zorvs::exit_test(lv_table<T>, user);
-            return;
-        }
+        marks = zorvs::workspace<T>(n_intervals, "n_intervals");
+        if (!marks) return;
     }
-    l_owfrq<T>(&n_observations, x, &n_intervals, &iopt, &lower, &upper, &half, marks, lv_table<T>);
+    l_owfrq<T>(&n_observations, x, &n_intervals, &iopt, &lower, &upper, &half, marks, table.data());
     if (zorvs_error_n1rty[0] < 4 && iopt == 0 && min_out && max_out) {
-        *min_out = x[index_min(n_observations, x) - 1];
-        *max_out = x[index_max(n_observations, x) - 1];
+        *min_out = x[zorvs::util::ismin(n_observations, x, 1) - 1];
+        *max_out = x[zorvs::util::ismax(n_observations, x, 1) - 1];
     }
-    zorvs::exit_test(lv_table<T>, user);
-    if (iopt < 2) zorvs::release(marks);
 }
 
 }  // namespace

@@ -12,51 +12,31 @@
 
 #include "dist/beta_incomplete.hpp"
 #include "dist/continuous.h"
-#include "frame/checks.h"
+#include "dist/dist.hpp"
+#include "frame/checks.hpp"
 #include "frame/frame.hpp"
-#include "zorvstat.h"
 
 namespace {
 
-// Quotient by the rules of zorvs_c1div.
-template <class T>
-T l_safe_ratio(T a, T b) {
-    T r;
-    if constexpr (std::is_same_v<T, float>) zorvs_c1div(a, b, &r);
-    else zorvs_dc1div(a, b, &r);
-    return r;
-}
-
-template <class T>
-T F_cdf(T f, T df1, T df2) {
-    if constexpr (std::is_same_v<T, float>) return zorvs_f_F_cdf(f, df1, df2);
-    else return zorvs_d_F_cdf(f, df1, df2);
-}
-template <class T>
-T t_cdf(T t, T df) {
-    if constexpr (std::is_same_v<T, float>) return zorvs_f_t_cdf(t, df);
-    else return zorvs_d_t_cdf(t, df);
-}
-
 template <class T>
 void l_c1f(T a, T b, T df1, T df2, T *f, T *p) {
-    T ratio = l_safe_ratio(a, b);
+    T ratio = zorvs::check::divide(a, b);
     T tail;
     if (std::isnan(ratio) || !(df1 > 0) || !(df2 > 0)) tail = zorvs::missing<T>();
     else if (std::isinf(ratio) && ratio > 0) tail = 0;
     else if (ratio > 0) tail = zorvs::continuous::F_tail<T>(ratio, df1, df2, true);
-    else tail = 1 - F_cdf<T>(ratio, df1, df2);  // with the distribution's note
+    else tail = 1 - zorvs::dist::F_cdf(ratio, df1, df2);  // with the distribution's note
     if (f) *f = ratio;
     if (p) *p = tail;
 }
 
 template <class T>
 void l_c1t(T a, T b, T df, T *t, T *p) {
-    T ratio = l_safe_ratio(a, b);
+    T ratio = zorvs::check::divide(a, b);
     T tail;
     if (std::isnan(ratio) || df == 0) tail = zorvs::missing<T>();
     else if (std::isinf(ratio)) tail = 0;
-    else tail = 2 * t_cdf<T>(-std::fabs(ratio), df);  // 2 (1 - F(|t|)), without the cancellation
+    else tail = 2 * zorvs::dist::t_cdf(-std::fabs(ratio), df);  // 2 (1 - F(|t|)), without the cancellation
     if (t) *t = ratio;
     if (p) *p = tail;
 }
