@@ -1,293 +1,556 @@
-// Tests of the non-uniform deviates: uniform counts and stream alignment,
-// goodness of fit of 10^6 deviates against the library's own distribution
-// functions at fixed seeds, sample moments within 4 standard errors, and the
-// failure paths.
-#include <gtest/gtest.h>
+// deviates_test.cpp - the non-uniform deviates (normal, exponential, gamma,
+// Poisson, beta, and the multivariate normal on Kinderman and Ramage's
+// normal deviates): the uniforms each method takes from the exact stream of
+// generator 1, goodness of fit of 10^6 deviates at fixed seeds against the
+// library's own distribution functions, sample moments within 4 standard
+// errors (beta moments from mpmath, tests/data/random/beta_moments.inc,
+// make_beta_moments.py), covariances, and the failure paths as rows.
+#include <cctype>
+#include <iterator>
 
-#include <algorithm>
-#include <cmath>
-#include <cstdlib>
-#include <string>
-#include <vector>
-
-#include "frame/frame.hpp"
-#include "random/fit.hpp"
-#include "support/capture.hpp"
-#include "zorvstat.h"
+#include "data/random/sequences.hpp"
+#include "support/tables.hpp"
 
 namespace {
 
-using namespace zorvs_fit;
+using namespace zorvs_test;
 
-TEST(RandomDeviates, NormalAndExponentialUseOneUniformEach) {
-    start(1);
-    float u;
-    zorvs_f_random_uniform(1, ZORVS_RETURN_USER, &u, 0);
-    start(1);
-    float z;
-    zorvs_f_random_normal(1, ZORVS_RETURN_USER, &z, 0);
-    EXPECT_EQ(z, zorvs_f_normal_inverse_cdf(u));
-    EXPECT_EQ(zorvs_random_seed_get(), 16807);
-    // Both twins advance alike and agree to single accuracy.
-    start(7);
-    float zf[100];
-    zorvs_f_random_normal(100, ZORVS_RETURN_USER, zf, 0);
-    const int after = zorvs_random_seed_get();
-    start(7);
-    double zd[100];
-    zorvs_d_random_normal(100, ZORVS_RETURN_USER, zd, 0);
-    EXPECT_EQ(zorvs_random_seed_get(), after);
-    for (int i = 0; i < 100; ++i) EXPECT_NEAR(zf[i], zd[i], 1e-5 * (1 + std::fabs(zd[i])));
-    start(7);
-    double e[100];
-    zorvs_d_random_exponential(100, ZORVS_RETURN_USER, e, 0);
-    EXPECT_EQ(zorvs_random_seed_get(), after);
-    start(7);
-    double ud[100];
-    zorvs_d_random_uniform(100, ZORVS_RETURN_USER, ud, 0);
-    for (int i = 0; i < 100; ++i) EXPECT_DOUBLE_EQ(e[i], -std::log(ud[i]));
+constexpr int kDraws = 1000000;
+
+void start(int seed) {
+    zorvs_random_option(1);
+    zorvs_random_seed_set(seed);
 }
 
-TEST(RandomDeviates, NormalFitsAndMoments) {
-    start(12345);
-    double *z = zorvs_d_random_normal(kDraws, 0);
-    ASSERT_NE(z, nullptr);
-    const double p = ks_p(z, kDraws, [](double x) { return zorvs_d_normal_cdf(x); });
-    EXPECT_GT(p, 1e-3);
-    check_moments(z, kDraws, 0.0, 1.0, 3.0);
-    std::free(z);
-    start(4321);
-    float *zf = zorvs_f_random_normal(kDraws, 0);
-    ASSERT_NE(zf, nullptr);
-    EXPECT_GT(ks_p(zf, kDraws, [](double x) { return zorvs_d_normal_cdf(x); }), 1e-3);
-    std::free(zf);
+// The uniforms of generator 1 from seed 1, from exact integer arithmetic,
+// and how many have been drawn since seed 1 (up to 200).
+double u_ref(int k) { return double(random_ref::plain1_seed1[k]) / double(random_ref::divisor); }
+int drawn_since_seed_1() {
+    for (int k = 0; k < 200; ++k)
+        if (random_ref::plain1_seed1[k] == zorvs_random_seed_get()) return k + 1;
+    return -1;
 }
 
-TEST(RandomDeviates, ExponentialFitsAndMoments) {
-    start(99);
-    float *e = zorvs_f_random_exponential(kDraws, 0);
-    ASSERT_NE(e, nullptr);
-    EXPECT_GT(ks_p(e, kDraws, [](double x) { return 1 - std::exp(-x); }), 1e-3);
-    check_moments(e, kDraws, 1.0, 1.0, 9.0);
-    std::free(e);
+// The deviates of an allocated result as doubles, the result freed.
+template <class T>
+std::vector<double> taken(T *x, int n) {
+    EXPECT_NE(x, nullptr);
+    std::vector<double> v(x, x ? x + n : x);
+    std::free(x);
+    return v;
 }
 
-// Gamma over the shapes of every method: GS below 1, 0.5, 1, the
-// Schmeiser-Lal hat with and without its left convex piece, and large a.
-// Kolmogorov-Smirnov p-values at these seeds (double twin): a = 0.05 0.822,
-// 0.3 0.481, 0.5 0.551, 0.9 0.744, 1 0.345, 1.5 0.138, 2.5 0.828, 5 0.831,
-// 30 0.609, 1000 0.384.  Normal at seed 12345: 0.181.
-TEST(RandomDeviates, GammaFitsAndMomentsAcrossMethods) {
-    const double shapes[] = {0.05, 0.3, 0.5, 0.9, 1.0, 1.5, 2.5, 5.0, 30.0, 1000.0};
-    int seed = 1000;
-    for (double a : shapes) {
-        SCOPED_TRACE("a = " + std::to_string(a));
-        start(++seed);
-        double *g = zorvs_d_random_gamma(kDraws, a, 0);
-        ASSERT_NE(g, nullptr);
-        const double p = ks_p(g, kDraws, [a](double x) { return zorvs_d_gamma_cdf(x, a); });
-        EXPECT_GT(p, 1e-3);
-        // Gamma(a): variance a, fourth central moment 3a^2 + 6a.
-        check_moments(g, kDraws, a, a, 3 * a * a + 6 * a);
-        std::free(g);
-    }
-    // The single twin on the main methods.
-    for (float a : {0.4f, 3.0f}) {
-        start(++seed);
-        float *g = zorvs_f_random_gamma(kDraws, a, 0);
-        ASSERT_NE(g, nullptr);
-        EXPECT_GT(ks_p(g, kDraws, [a](double x) { return zorvs_d_gamma_cdf(x, a); }), 1e-3);
-        std::free(g);
-    }
-    // a = 1 is the exponential on the same uniforms; a = 0.5 is z^2/2.
-    start(5);
-    double g1[50], e[50];
-    zorvs_d_random_gamma(50, 1.0, ZORVS_RETURN_USER, g1, 0);
-    start(5);
-    zorvs_d_random_exponential(50, ZORVS_RETURN_USER, e, 0);
-    for (int i = 0; i < 50; ++i) EXPECT_EQ(g1[i], e[i]);
-    start(5);
-    zorvs_d_random_gamma(50, 0.5, ZORVS_RETURN_USER, g1, 0);
-    start(5);
-    zorvs_d_random_normal(50, ZORVS_RETURN_USER, e, 0);
-    for (int i = 0; i < 50; ++i) EXPECT_DOUBLE_EQ(g1[i], 0.5 * e[i] * e[i]);
+// Asymptotic Kolmogorov-Smirnov p-value of a sample against cdf.
+double ks_p(std::vector<double> v, const std::function<double(double)> &cdf) {
+    std::sort(v.begin(), v.end());
+    const double n = double(v.size());
+    double d = 0, s = 0;
+    for (std::size_t i = 0; i < v.size(); ++i) d = std::max({d, cdf(v[i]) - i / n, (i + 1) / n - cdf(v[i])});
+    const double x = (std::sqrt(n) + 0.12 + 0.11 / std::sqrt(n)) * d;
+    for (int k = 1; k <= 100; ++k) s += 2 * ((k % 2) ? 1 : -1) * std::exp(-2.0 * k * k * x * x);
+    return std::clamp(s, 0.0, 1.0);
 }
 
-// Chi-squared test of Poisson counts, classes pooled to expected >= 5.
-double poisson_chi2_p(const int *k, int n, double theta) {
-    const int top = static_cast<int>(theta + 12 * std::sqrt(theta) + 20);
-    std::vector<double> observed(top + 1, 0.0);
-    for (int i = 0; i < n; ++i) observed[std::min(k[i], top)] += 1;
-    double chi2 = 0, obs = 0, expct = 0, prev = 0;
+// Chi-squared p-value of a sample over the classes split at `edges`, with
+// cdf(edge) the probability below each; neighbours pooled until each class
+// expects at least 5 and so does what is left.  An error of the inverse
+// that placed the edges moves an edge but does not bias the test.
+double chi2_p(const std::vector<double> &x, const std::vector<double> &edges, const std::function<double(double)> &cdf) {
+    std::vector<double> count(edges.size() + 1, 0.0);
+    for (double v : x) count[std::upper_bound(edges.begin(), edges.end(), v) - edges.begin()] += 1;
+    const double n = double(x.size());
+    double chi2 = 0, observed = 0, expected = 0, below = 0;
     int df = -1;
-    for (int j = 0; j <= top; ++j) {
-        const double cdf = j == top ? 1.0 : zorvs_d_poisson_cdf(j, theta);
-        obs += observed[j];
-        expct += n * (cdf - prev);
-        prev = cdf;
-        if (expct >= 5 && (j == top || n * (1 - cdf) >= 5)) {
-            chi2 += (obs - expct) * (obs - expct) / expct;
-            obs = expct = 0;
+    for (std::size_t k = 0; k < count.size(); ++k) {
+        const double f = k < edges.size() ? cdf(edges[k]) : 1.0;
+        observed += count[k];
+        expected += n * (f - below);
+        below = f;
+        if ((expected >= 5 && n * (1 - f) >= 5) || k + 1 == count.size()) {
+            chi2 += (observed - expected) * (observed - expected) / expected;
+            observed = expected = 0;
             ++df;
         }
     }
-    if (expct > 0) chi2 += (obs - expct) * (obs - expct) / expct;
     return 1 - zorvs_d_chi_squared_cdf(chi2, df);
 }
 
-// Chi-squared p-values at these seeds: theta 0.1 0.920, 2.5 0.201, 14.5 0.863,
-// 15 0.110, 40 0.634, 250 0.796, 5000 0.021.  The last is the smallest of 30
-// seeds (2001 to 2030 at theta 5000 give p from 0.021 to 0.944, spread evenly)
-// and agrees with a test against probabilities summed in long double.
-TEST(RandomDeviates, PoissonFitsAndMomentsInversionAndPtpe) {
-    const float thetas[] = {0.1f, 2.5f, 14.5f, 15.0f, 40.0f, 250.0f, 5000.0f};
-    int seed = 2000;
-    for (float theta : thetas) {
-        SCOPED_TRACE("theta = " + std::to_string(theta));
-        start(++seed);
-        int *k = zorvs_random_poisson(kDraws, theta, 0);
-        ASSERT_NE(k, nullptr);
-        EXPECT_GT(poisson_chi2_p(k, kDraws, theta), 1e-3);
-        check_moments(k, kDraws, theta, theta, theta * (1 + 3 * theta));
-        std::free(k);
-    }
-    // theta 1e6 keeps to the integer range, near the mean.
-    start(3);
-    int big[1000];
-    zorvs_random_poisson(1000, 1e6f, ZORVS_RETURN_USER, big, 0);
-    for (int v : big) {
-        EXPECT_GT(v, 1000000 - 6000);
-        EXPECT_LT(v, 1000000 + 6000);
-    }
-    // Inversion: one uniform per deviate.
-    start(1);
-    int one[10];
-    zorvs_random_poisson(10, 3.0f, ZORVS_RETURN_USER, one, 0);
-    EXPECT_EQ(zorvs_random_seed_get(), 2007237709);  // the tenth step from seed 1
+// Mean and variance within 4 standard errors; mu4 the fourth central moment.
+void check_moments(const std::vector<double> &x, double mean, double var, double mu4) {
+    const double n = double(x.size());
+    double m = 0, ss = 0;
+    for (double v : x) m += v / n;
+    for (double v : x) ss += (v - m) * (v - m);
+    EXPECT_LE(std::fabs(m - mean), 4 * std::sqrt(var / n)) << "mean " << m;
+    EXPECT_LE(std::fabs(ss / (n - 1) - var), 4 * std::sqrt((mu4 - var * var) / n)) << "variance " << ss / (n - 1);
 }
 
-// Start a stream with empty shuffle tables, so that a shuffled option
-// refills its table from the seed.
-void start_option(int option, int seed) {
-    zorvs_random_option(option);
-    zorvs_random_seed_set(seed);
-    float zero[128] = {};
-    zorvs_rnses(zero);
-    double dzero[128] = {};
-    zorvs_drnses(dzero);
+// A sample of 10^6 deviates at a seed, tested against the library's cdf:
+// by Kolmogorov-Smirnov (classes 0), or by chi-squared over that many classes
+// of equal probability from `inverse`, or without one over the integers
+// below `classes`; and its moments where the mean is given.
+struct Fit {
+    std::string name;
+    int seed;
+    std::function<std::vector<double>()> draw;
+    std::function<double(double)> cdf = {}, inverse = {};
+    int classes = 0;
+    double mean = NaN, var = 0, mu4 = 0;
+    bool unit = false;  // values in [0, 1]
+};
+
+struct Moments {
+    double p, q, mean, var, mu4;
+};
+const Moments beta_moments[] = {
+#include "data/random/beta_moments.inc"
+};
+
+std::vector<Fit> fits() {
+    std::vector<Fit> all;
+    auto normal_cdf = [](double x) { return zorvs_d_normal_cdf(x); };
+    auto normal_inverse = [](double p) { return zorvs_d_normal_inverse_cdf(p); };
+    const double one = 1.0;
+    const float onef = 1.0f;
+    all.push_back({"normal", 12345, [] { return taken(zorvs_d_random_normal(kDraws, 0), kDraws); }, normal_cdf, {}, 0,
+                   0, 1, 3});
+    all.push_back({"single normal", 4321, [] { return taken(zorvs_f_random_normal(kDraws, 0), kDraws); }, normal_cdf});
+    all.push_back({"single exponential", 99, [] { return taken(zorvs_f_random_exponential(kDraws, 0), kDraws); },
+                   [](double x) { return 1 - std::exp(-x); }, {}, 0, 1, 1, 9});
+    // Every method of the gamma deviates: GS below 1, 0.5, 1, the
+    // Schmeiser-Lal hat with and without its left convex piece, large a;
+    // variance a, fourth central moment 3a^2 + 6a.
+    int seed = 1000;
+    for (double a : {0.05, 0.3, 0.5, 0.9, 1.0, 1.5, 2.5, 5.0, 30.0, 1000.0})
+        all.push_back({"gamma " + std::to_string(a), ++seed, [a] { return taken(zorvs_d_random_gamma(kDraws, a, 0), kDraws); },
+                       [a](double x) { return zorvs_d_gamma_cdf(x, a); }, {}, 0, a, a, 3 * a * a + 6 * a});
+    for (float a : {0.4f, 3.0f})
+        all.push_back({"single gamma " + std::to_string(a), ++seed,
+                       [a] { return taken(zorvs_f_random_gamma(kDraws, a, 0), kDraws); },
+                       [a](double x) { return zorvs_d_gamma_cdf(x, a); }});
+    // Poisson by inversion below 15, by PTPE above.
+    seed = 2000;
+    for (float theta : {0.1f, 2.5f, 14.5f, 15.0f, 40.0f, 250.0f, 5000.0f})
+        all.push_back({"Poisson " + std::to_string(theta), ++seed,
+                       [theta] { return taken(zorvs_random_poisson(kDraws, theta, 0), kDraws); },
+                       [theta](double x) { return zorvs_d_poisson_cdf(int(x), theta); }, {},
+                       int(theta + 12 * std::sqrt(theta) + 20), theta, theta, theta * (1 + 3 * theta)});
+    // Beta: Johnk's method (also in logarithms), inversion, switching and
+    // Cheng's; (2.5, 1) and (1, 1) fall into the same classes, being one
+    // monotone map of the same uniforms.
+    seed = 3000;
+    for (const Moments &m : beta_moments) {
+        if (m.p == 0.02) continue;
+        auto cdf = [m](double x) { return zorvs_d_beta_cdf(x, m.p, m.q); };
+        auto inverse = [m](double p) { return zorvs_d_beta_inverse_cdf(p, m.p, m.q); };
+        all.push_back({"beta " + std::to_string(m.p) + ", " + std::to_string(m.q), ++seed,
+                       [m] { return taken(zorvs_d_random_beta(kDraws, m.p, m.q, 0), kDraws); }, cdf, inverse, 500,
+                       m.mean, m.var, m.mu4, true});
+    }
+    seed = 4000;
+    for (auto [p, q] : {std::pair{0.4f, 0.6f}, {1.0f, 2.0f}, {0.5f, 6.0f}, {3.0f, 4.0f}})
+        all.push_back({"single beta " + std::to_string(p) + ", " + std::to_string(q), ++seed,
+                       [p, q] { return taken(zorvs_f_random_beta(kDraws, p, q, 0), kDraws); },
+                       [p, q](double x) { return zorvs_d_beta_cdf(x, p, q); },
+                       [p, q](double x) { return zorvs_d_beta_inverse_cdf(x, p, q); }, 500});
+    // Shapes so small that both powers of Johnk's method underflow together:
+    // the round in logarithms keeps the moments.
+    const Moments tiny = *std::find_if(std::begin(beta_moments), std::end(beta_moments),
+                                       [](const Moments &m) { return m.p == 0.02; });
+    all.push_back({"beta 0.02, 0.02", 77, [] { return taken(zorvs_d_random_beta(kDraws, 0.02, 0.02, 0), kDraws); }, {},
+                   {}, -1, tiny.mean, tiny.var, tiny.mu4, true});
+    // Kinderman-Ramage normals, also by chi-squared: finer than
+    // Kolmogorov-Smirnov to a fault in one of the method's narrow regions.
+    for (int classes : {0, 200}) {
+        all.push_back({"Kinderman-Ramage", 5001,
+                       [one] { return taken(zorvs_d_random_normal_multivariate(kDraws, 1, &one, 0), kDraws); },
+                       normal_cdf, normal_inverse, classes, 0, 1, 3});
+        all.push_back({"single Kinderman-Ramage", 5002,
+                       [onef] { return taken(zorvs_f_random_normal_multivariate(kDraws, 1, &onef, 0), kDraws); },
+                       normal_cdf, normal_inverse, classes});
+    }
+    return all;
+}
+
+const std::vector<Fit> all_fits = fits();
+
+class RandomFit : public ::testing::TestWithParam<std::size_t> {};
+
+TEST_P(RandomFit, DeviatesFitTheirDistributionAtAFixedSeed) {
+    const Fit &f = all_fits[GetParam()];
+    start(f.seed);
+    const std::vector<double> x = f.draw();
+    if (f.unit) { EXPECT_TRUE(std::all_of(x.begin(), x.end(), [](double v) { return v >= 0 && v <= 1; })); }
+    if (!std::isnan(f.mean)) check_moments(x, f.mean, f.var, f.mu4);
+    if (f.classes < 0) return;
+    std::vector<double> edges;
+    for (int k = 1; k < f.classes; ++k) {
+        const double e = f.inverse ? f.inverse(double(k) / f.classes) : k - 0.5;
+        if (edges.empty() || e > edges.back()) edges.push_back(e);
+    }
+    const double p = f.classes ? chi2_p(x, edges, f.cdf) : ks_p(x, f.cdf);
+    std::printf("[measure] %s, seed %d: %s p = %.3f\n", f.name.c_str(), f.seed,
+                f.classes ? "chi-squared" : "Kolmogorov-Smirnov", p);
+    EXPECT_GT(p, 1e-3);
+}
+
+INSTANTIATE_TEST_SUITE_P(Deviates, RandomFit, ::testing::Range(std::size_t(0), all_fits.size()),
+                         [](const ::testing::TestParamInfo<std::size_t> &info) {
+                             std::string name = all_fits[info.param].name + "_" + std::to_string(info.param);
+                             for (char &c : name) c = std::isalnum(static_cast<unsigned char>(c)) ? c : '_';
+                             return name;
+                         });
+
+// Candidates of the beta rejection methods from a pair of uniforms, as the
+// published methods form them; the deviate is the candidate of the last pair.
+double johnk(double p, double q, double u, double v) {
+    const double x = std::pow(u, 1 / p), y = std::pow(v, 1 / q);
+    return x / (x + y);
+}
+double cheng(double p, double q, double u, double) {
+    const double a = std::min(p, q), b = std::max(p, q), alpha = a + b;
+    const double w = a * std::exp(std::sqrt((alpha - 2) / (2 * a * b - alpha)) * std::log(u / (1 - u)));
+    return p <= q ? w / (b + w) : b / (b + w);
+}
+double switching(double p, double q, double u, double) {
+    const double a = std::min(p, q), b = std::max(p, q), t = (1 - a) / (b + 1 - a);
+    const double r = b * t / (b * t + a * std::pow(1 - t, b));
+    const double x = u <= r ? t * std::pow(u / r, 1 / a) : 1 - (1 - t) * std::pow((1 - u) / (1 - r), 1 / b);
+    return p <= q ? x : 1 - x;
+}
+
+// Inversion takes one uniform a deviate: normal, exponential, gamma at 1
+// (the exponential) and 1/2 (z^2 / 2), beta with a shape of 1; the
+// rejection methods of the beta deviates take uniform pairs, and so do the
+// Kinderman-Ramage regions outside the central triangle (two uniforms).
+TEST(RandomDeviates, UniformsTakenByEachMethod) {
+    const double one = 1.0;
+    double r[5];
+    start(1);
+    zorvs_d_random_normal(1, ZORVS_RETURN_USER, r, 0);
+    EXPECT_EQ(r[0], zorvs_d_normal_inverse_cdf(u_ref(0)));
+    start(1);
+    zorvs_d_random_exponential(5, ZORVS_RETURN_USER, r, 0);
+    for (int i = 0; i < 5; ++i) EXPECT_DOUBLE_EQ(r[i], -std::log(u_ref(i)));
+    start(1);
+    zorvs_d_random_gamma(5, 1.0, ZORVS_RETURN_USER, r, 0);
+    for (int i = 0; i < 5; ++i) EXPECT_DOUBLE_EQ(r[i], -std::log(u_ref(i)));
+    start(1);
+    zorvs_d_random_gamma(5, 0.5, ZORVS_RETURN_USER, r, 0);
+    for (int i = 0; i < 5; ++i) EXPECT_NEAR(r[i], 0.5 * std::pow(zorvs_d_normal_inverse_cdf(u_ref(i)), 2), 1e-14);
+    const struct {
+        double p, q;
+        double (*deviate)(double u);
+    } inversions[] = {{2.5, 1.0, [](double u) { return std::pow(u, 1 / 2.5); }},
+                      {1.0, 3.0, [](double u) { return -std::expm1(std::log(u) / 3); }},  // relative accuracy near 0
+                      {1.0, 1.0, [](double u) { return u; }}};
+    for (const auto &c : inversions) {
+        start(1);
+        zorvs_d_random_beta(5, c.p, c.q, ZORVS_RETURN_USER, r, 0);
+        EXPECT_EQ(drawn_since_seed_1(), 5);
+        for (int i = 0; i < 5; ++i) EXPECT_NEAR(r[i] / c.deviate(u_ref(i)), 1, 1e-15) << c.p << ", " << c.q;
+    }
+    int k[10];
+    start(1);
+    zorvs_random_poisson(10, 3.0f, ZORVS_RETURN_USER, k, 0);
+    EXPECT_EQ(drawn_since_seed_1(), 10);
+    // Central triangle: u below 0.884070402298758 gives xi (1.13113163544418 u + v - 1).
+    start(1);
+    zorvs_d_random_normal_multivariate(3, 1, &one, ZORVS_RETURN_USER, r, 0);
+    EXPECT_EQ(drawn_since_seed_1(), 6);
+    for (int i = 0; i < 3; ++i)
+        EXPECT_NEAR(r[i], 2.216035867166471 * (1.13113163544418 * u_ref(2 * i) + u_ref(2 * i + 1) - 1), 1e-14);
+    const struct {
+        double p, q;
+        double (*candidate)(double, double, double, double);
+    } pairs[] = {{0.3, 0.7, johnk}, {0.6, 0.4, johnk}, {2.0, 5.0, cheng}, {30.0, 7.0, cheng}, {0.5, 3.0, switching},
+                 {4.0, 0.3, switching}};
+    for (const auto &c : pairs) {
+        start(1);
+        int before = 0;
+        for (int i = 0; i < 20; ++i) {
+            zorvs_d_random_beta(1, c.p, c.q, ZORVS_RETURN_USER, r, 0);
+            const int after = drawn_since_seed_1();
+            ASSERT_GT(after, before);
+            EXPECT_EQ((after - before) % 2, 0) << c.p << ", " << c.q << " deviate " << i;
+            EXPECT_NEAR(r[0], c.candidate(c.p, c.q, u_ref(after - 2), u_ref(after - 1)), 1e-13) << c.p << ", " << c.q;
+            before = after;
+        }
+    }
+}
+
+// Both twins draw the same uniforms and agree to single accuracy.
+template <class F, class D>
+void expect_twins_agree(int n, F single, D dbl, double rel, double abs) {
+    std::vector<float> f(n);
+    std::vector<double> d(n);
+    start(7);
+    single(f.data());
+    const int after = zorvs_random_seed_get();
+    start(7);
+    dbl(d.data());
+    EXPECT_EQ(zorvs_random_seed_get(), after);
+    for (int i = 0; i < n; ++i) EXPECT_NEAR(f[i], d[i], abs + rel * std::fabs(d[i])) << i;
+}
+
+TEST(RandomDeviates, TwinsDrawTheSameUniforms) {
+    const float onef = 1.0f;
+    const double one = 1.0;
+    expect_twins_agree(
+        100, [](float *x) { zorvs_f_random_normal(100, ZORVS_RETURN_USER, x, 0); },
+        [](double *x) { zorvs_d_random_normal(100, ZORVS_RETURN_USER, x, 0); }, 1e-5, 1e-5);
+    expect_twins_agree(
+        3, [&](float *x) { zorvs_f_random_normal_multivariate(3, 1, &onef, ZORVS_RETURN_USER, x, 0); },
+        [&](double *x) { zorvs_d_random_normal_multivariate(3, 1, &one, ZORVS_RETURN_USER, x, 0); }, 0, 1e-6);
+    for (auto [p, q] : {std::pair{0.3, 0.7}, {0.6, 0.4}, {2.0, 5.0}, {30.0, 7.0}, {0.5, 3.0}, {4.0, 0.3}}) {
+        SCOPED_TRACE(std::to_string(p) + ", " + std::to_string(q));
+        expect_twins_agree(
+            20, [&](float *x) { zorvs_f_random_beta(20, float(p), float(q), ZORVS_RETURN_USER, x, 0); },
+            [&](double *x) { zorvs_d_random_beta(20, p, q, ZORVS_RETURN_USER, x, 0); }, 1e-5, 1e-8);
+    }
+}
+
+// The generator of option 1 in exact integer arithmetic, and the seed whose
+// next step is x (x times the inverse of 16807 modulo the prime).
+int64_t step(int64_t x) { return x * 16807 % 2147483647; }
+int64_t predecessor(int64_t x) {
+    int64_t inverse = 1, base = 16807;
+    for (int64_t e = 2147483647 - 2; e > 0; e >>= 1) {
+        if (e & 1) inverse = inverse * base % 2147483647;
+        base = base * base % 2147483647;
+    }
+    return x * inverse % 2147483647;
+}
+
+// Kinderman-Ramage's tail and three wedges: the seed is set so that the
+// first uniform falls in the region; each round then takes a pair (v, w),
+// and the deviate comes from the last pair: sqrt(2 (h - log w)) in the tail,
+// t(min(v, w)) in a wedge, negative when v >= w.
+TEST(RandomDeviates, KindermanRamageTailAndWedgesTakeUniformPairs) {
+    const double xi = 2.216035867166471, h = 2.45540748228412, d = 2147483711.0, one = 1.0;
+    const struct {
+        double u;
+        double (*t)(double m);
+    } cases[] = {
+        {0.980, nullptr},
+        {0.995, nullptr},
+        {0.965, [](double m) { return 2.216035867166471 - 0.63083480192196 * m; }},
+        {0.930, [](double m) { return 0.479727404222441 + 1.10547366102207 * m; }},
+        {0.900, [](double m) { return 0.479727404222441 - 0.59550713801594 * m; }},
+    };
+    for (const auto &c : cases) {
+        const int64_t first = int64_t(c.u * d);
+        zorvs_random_option(1);
+        zorvs_random_seed_set(int(predecessor(first)));
+        double z;
+        zorvs_d_random_normal_multivariate(1, 1, &one, ZORVS_RETURN_USER, &z, 0);
+        std::vector<int64_t> stream{first};
+        while (stream.back() != zorvs_random_seed_get() && stream.size() < 1000) stream.push_back(step(stream.back()));
+        const std::size_t k = stream.size();
+        ASSERT_LT(k, 1000u);
+        EXPECT_EQ(k % 2, 1u) << k;  // the region's uniform and whole pairs
+        const double v = double(stream[k - 2]) / d, w = double(stream[k - 1]) / d;
+        const double tail = std::sqrt(2 * (h - std::log(w))) * (c.u >= 0.986655477086949 ? -1 : 1);
+        EXPECT_NEAR(z, c.t ? (v >= w ? -1 : 1) * c.t(std::min(v, w)) : tail, 1e-14) << "u " << c.u;
+        EXPECT_EQ(std::fabs(z) >= xi, c.t == nullptr) << "u " << c.u;
+    }
 }
 
 // The rejection loops draw their uniforms ahead in blocks: one call of n
-// deviates must give the same deviates, leave the same seed and the same
-// next uniform as n calls of one deviate, for plain and shuffled options.
+// deviates gives the same deviates, seed and next uniform as n calls of one,
+// for plain and shuffled options (started with empty shuffle tables).
 template <class T, class Draw>
 void one_call_equals_many(Draw draw) {
     constexpr int n = 700;  // several blocks
     for (int option : {1, 2, 5, 6}) {
-        SCOPED_TRACE("option " + std::to_string(option));
-        start_option(option, 4242);
         std::vector<T> once(n), each(n);
-        draw(n, once.data());
-        const int seed_once = zorvs_random_seed_get();
-        double next_once;
-        zorvs_d_random_uniform(1, ZORVS_RETURN_USER, &next_once, 0);
-        start_option(option, 4242);
-        for (int i = 0; i < n; ++i) draw(1, &each[i]);
-        EXPECT_EQ(zorvs_random_seed_get(), seed_once);
-        double next_each;
-        zorvs_d_random_uniform(1, ZORVS_RETURN_USER, &next_each, 0);
-        EXPECT_EQ(next_each, next_once);
-        for (int i = 0; i < n; ++i) ASSERT_EQ(each[i], once[i]) << i;
+        double next[2];
+        for (int way = 0; way < 2; ++way) {
+            zorvs_random_option(option);
+            zorvs_random_seed_set(4242);
+            const float zero[128] = {};
+            const double dzero[128] = {};
+            zorvs_rnses(zero);
+            zorvs_drnses(dzero);
+            if (way == 0) draw(n, once.data());
+            for (int i = 0; way == 1 && i < n; ++i) draw(1, &each[i]);
+            zorvs_d_random_uniform(1, ZORVS_RETURN_USER, &next[way], 0);
+        }
+        EXPECT_EQ(next[0], next[1]) << "option " << option;
+        EXPECT_EQ(once, each) << "option " << option;
     }
     start(1);
 }
 
 TEST(RandomDeviates, OneCallEqualsManyCallsOfOne) {
-    for (double a : {0.3, 3.0, 30.0}) {
-        SCOPED_TRACE("gamma a = " + std::to_string(a));
+    for (double a : {0.3, 3.0, 30.0})
         one_call_equals_many<double>([a](int n, double *r) { zorvs_d_random_gamma(n, a, ZORVS_RETURN_USER, r, 0); });
-    }
-    for (float a : {0.7f, 4.5f}) {
-        SCOPED_TRACE("single gamma a = " + std::to_string(a));
+    for (float a : {0.7f, 4.5f})
         one_call_equals_many<float>([a](int n, float *r) { zorvs_f_random_gamma(n, a, ZORVS_RETURN_USER, r, 0); });
-    }
-    for (float theta : {4.0f, 30.99f, 400.0f}) {
-        SCOPED_TRACE("Poisson theta = " + std::to_string(theta));
+    for (float theta : {4.0f, 30.99f, 400.0f})
         one_call_equals_many<int>([theta](int n, int *r) { zorvs_random_poisson(n, theta, ZORVS_RETURN_USER, r, 0); });
-    }
 }
 
-// Inversion below theta = 15: each count is the least k with u <= F(k) for
-// its own uniform, replayed from the same seed and checked against the
-// library's Poisson distribution function.
+// Below theta = 15 each count is the least k with u <= F(k) for its own
+// uniform (ties within rounding of the two sums may go either way); theta
+// 10^6 keeps to the integer range, near the mean.
 TEST(RandomDeviates, PoissonInversionIsTheInverseOfTheDistributionFunction) {
     constexpr int n = 20000;
+    std::vector<double> u(n);
+    std::vector<int> k(n);
     for (float theta : {0.1f, 2.5f, 7.0f, 14.5f}) {
-        SCOPED_TRACE("theta = " + std::to_string(theta));
         start(31);
-        std::vector<double> u(n);
         zorvs_d_random_uniform(n, ZORVS_RETURN_USER, u.data(), 0);
         start(31);
-        std::vector<int> k(n);
         zorvs_random_poisson(n, theta, ZORVS_RETURN_USER, k.data(), 0);
         for (int i = 0; i < n; ++i) {
-            const double above = zorvs_d_poisson_cdf(k[i], theta);
-            const double below = k[i] > 0 ? zorvs_d_poisson_cdf(k[i] - 1, theta) : 0.0;
-            // Ties within rounding of the two sums may go either way.
-            ASSERT_LE(u[i], above + 1e-13) << i;
-            ASSERT_GT(u[i], below - 1e-13) << i;
+            ASSERT_LE(u[i], zorvs_d_poisson_cdf(k[i], theta) + 1e-13) << theta << " " << i;
+            ASSERT_GT(u[i], (k[i] > 0 ? zorvs_d_poisson_cdf(k[i] - 1, theta) : 0.0) - 1e-13) << theta << " " << i;
+        }
+    }
+    start(3);
+    zorvs_random_poisson(1000, 1e6f, ZORVS_RETURN_USER, k.data(), 0);
+    for (int i = 0; i < 1000; ++i) EXPECT_LT(std::abs(k[i] - 1000000), 6000);
+}
+
+// Sample means and covariances of n vectors each within 4 standard errors:
+// Var(s_ij) = (s_ii s_jj + s_ij^2) / n for normal data.
+template <class T>
+void check_covariance(const T *x, int n, int l, const double *sigma) {
+    std::vector<double> mean(l, 0.0);
+    for (int i = 0; i < n; ++i)
+        for (int j = 0; j < l; ++j) mean[j] += x[std::size_t(i) * l + j] / double(n);
+    for (int a = 0; a < l; ++a) {
+        EXPECT_LE(std::fabs(mean[a]), 4 * std::sqrt(sigma[a * l + a] / n)) << "mean " << a;
+        for (int b = a; b < l; ++b) {
+            double s = 0;
+            for (int i = 0; i < n; ++i) s += (x[std::size_t(i) * l + a] - mean[a]) * (x[std::size_t(i) * l + b] - mean[b]);
+            const double se = std::sqrt((sigma[a * l + a] * sigma[b * l + b] + sigma[a * l + b] * sigma[a * l + b]) / n);
+            EXPECT_LE(std::fabs(s / (n - 1) - sigma[a * l + b]), 4 * se) << "covariance " << a << ", " << b;
         }
     }
 }
 
-TEST(RandomDeviates, FailuresAreReported) {
-    zorvs_test::Quiet q;
-    zorvs_test::CodeLog log;
-    start(1);
-    EXPECT_EQ(zorvs_d_random_gamma(10, 0.0, 0), nullptr);
-    EXPECT_TRUE(log.has(5, 11036));
-    EXPECT_EQ(zorvs_error_param.r[1], 0.0);
-    log.clear();
-    EXPECT_EQ(zorvs_f_random_gamma(10, -2.0f, 0), nullptr);
-    EXPECT_TRUE(log.has(5, 11036));
-    log.clear();
-    EXPECT_EQ(zorvs_random_poisson(10, 0.0f, 0), nullptr);
-    EXPECT_TRUE(log.has(5, 11032));
-    log.clear();
-    EXPECT_EQ(zorvs_f_random_normal(0, 0), nullptr);
-    EXPECT_EQ(zorvs_d_random_exponential(-1, 0), nullptr);
-    EXPECT_EQ(zorvs_random_poisson(0, 1.0f, 0), nullptr);
-    EXPECT_EQ(zorvs_d_random_gamma(0, 2.0, 0), nullptr);
-    EXPECT_NE(q.errors.take().find("n_random"), std::string::npos);
-    EXPECT_EQ(zorvs_random_seed_get(), 1);  // nothing drawn
-    // Unknown keywords, with their positions.
-    log.clear();
-    EXPECT_EQ(zorvs_d_random_normal(3, 12345, 0), nullptr);
-    EXPECT_EQ(zorvs_error_param.i[2], 2);
-    EXPECT_EQ(zorvs_d_random_gamma(3, 2.0, 12345, 0), nullptr);
-    EXPECT_EQ(zorvs_error_param.i[2], 3);
-    EXPECT_EQ(zorvs_random_poisson(3, 2.0f, 12345, 0), nullptr);
-    EXPECT_EQ(zorvs_error_param.i[2], 3);
-    EXPECT_TRUE(log.has(5, 11001));
-    // Allocation failure in each family: (5, 200) and a null result.
-    auto fails = [&](auto call) {
-        log.clear();
-        zorvs::allocation_failure_countdown = 1;
-        EXPECT_EQ(call(), nullptr);
+// Positive definite (leading minors 4, 8, 10), with scales that differ by
+// column so that a layout fault shows; only the upper triangle of the
+// row-major matrix is read; row i is z R with R'R the covariance, the
+// deviates filling the result column by column; without memory for its
+// buffer the transposition runs in place by cycles, with the same vectors.
+TEST(RandomDeviates, MultivariateVectorsHaveTheCovariance) {
+    const double sigma[9] = {4, 2, -1, 2, 3, 0.5, -1, 0.5, 2}, upper[9] = {4, 2, -1, 999, 3, 0.5, 999, 999, 2};
+    const float sigmaf[9] = {4, 2, -1, 2, 3, 0.5f, -1, 0.5f, 2};
+    const int n = 300000;
+    start(6001);
+    double *x = zorvs_d_random_normal_multivariate(n, 3, sigma, 0);
+    check_covariance(x, n, 3, sigma);
+    std::free(x);
+    start(6002);
+    float *xf = zorvs_f_random_normal_multivariate(n, 3, sigmaf, 0);
+    check_covariance(xf, n, 3, sigma);
+    std::free(xf);
+    std::vector<double> a[3];
+    for (int way = 0; way < 3; ++way) {
+        start(21);
+        zorvs::allocation_failure_countdown = way == 2 ? 3 : 0;  // result, factor, transposition buffer
+        a[way] = taken(zorvs_d_random_normal_multivariate(50, 3, way == 1 ? upper : sigma, 0), 150);
+        EXPECT_EQ(zorvs::allocation_failure_countdown, 0);
         zorvs::allocation_failure_countdown = 0;
-        EXPECT_TRUE(log.has(5, 200));
-    };
-    fails([] { return zorvs_f_random_normal(5, 0); });
-    fails([] { return zorvs_d_random_exponential(5, 0); });
-    fails([] { return zorvs_d_random_gamma(5, 3.0, 0); });
-    fails([] { return zorvs_random_poisson(5, 3.0f, 0); });
-    fails([] { return zorvs_f_random_uniform(5, 0); });
-    q.errors.take();
+    }
+    EXPECT_EQ(a[1], a[0]);
+    EXPECT_EQ(a[2], a[0]);
+    const double one = 1.0, diag[4] = {1, 0, 0, 4};
+    double z[6], y[6];
+    start(11);
+    zorvs_d_random_normal_multivariate(6, 1, &one, ZORVS_RETURN_USER, z, 0);
+    start(11);
+    zorvs_d_random_normal_multivariate(3, 2, diag, ZORVS_RETURN_USER, y, 0);
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_DOUBLE_EQ(y[2 * i], z[i]);
+        EXPECT_DOUBLE_EQ(y[2 * i + 1], 2 * z[3 + i]);
+    }
 }
 
-TEST(RandomDeviates, BadParametersStopByDefault) {
-    EXPECT_EXIT(zorvs_d_random_gamma(3, -1.0, 0), ::testing::ExitedWithCode(5), "11036|zorvs_d_random_gamma");
-    EXPECT_EXIT(zorvs_random_poisson(3, -1.0f, 0), ::testing::ExitedWithCode(5), "11032|zorvs_random_poisson");
+// A rank-one covariance v v' gives multiples of v, without a message; a
+// rank-two one A A' (columns (1, 0, 1) and (0, 1, 1)) vectors orthogonal to
+// its null vector (1, 1, -1).
+TEST(RandomDeviates, SingularCovariancesGiveVectorsInTheirRange) {
+    const double v[4] = {1, -2, 0.5, 3};
+    double sigma[16];
+    for (int i = 0; i < 16; ++i) sigma[i] = v[i / 4] * v[i % 4];
+    const float s2[9] = {1, 0, 1, 0, 1, 1, 1, 1, 2};
+    CodeLog log;
+    start(8);
+    const auto x = taken(zorvs_d_random_normal_multivariate(1000, 4, sigma, 0), 4000);
+    const auto y = taken(zorvs_f_random_normal_multivariate(1000, 3, s2, 0), 3000);
+    EXPECT_TRUE(log.entries().empty());
+    for (int i = 0; i < 1000; ++i) {
+        for (int j = 1; j < 4; ++j) EXPECT_NEAR(x[i * 4 + j], x[i * 4] * v[j], 1e-14 * (1 + std::fabs(x[i * 4]))) << i;
+        EXPECT_NEAR(y[i * 3] + y[i * 3 + 1] - y[i * 3 + 2], 0.0, 1e-5 * (1 + std::fabs(y[i * 3 + 2]))) << i;
+    }
+}
+
+// A result handed back (and freed) as 1, none as 0; the same with the
+// allocation that the countdown reaches refused.
+double given(void *p) {
+    std::free(p);
+    return p != nullptr;
+}
+template <class F>
+double without_memory(int countdown, F call) {
+    zorvs::allocation_failure_countdown = countdown;
+    void *p = call();
+    zorvs::allocation_failure_countdown = 0;
+    return given(p);
+}
+
+// Bad parameters, counts below 1 (nothing drawn), unknown keywords with
+// their positions, failed allocations; an infinite shape makes every round
+// of Cheng's method fail (given up after 1000 rounds of two uniforms), but
+// below 1 against it the switching method gives the limit at once.
+TEST(RandomDeviates, FailuresAsRows) {
+    const double sigma[4] = {2, 1, 1, 2}, bad[4] = {1, 2, 2, 1};
+    const float sigmaf[4] = {2, 1, 1, 2};
+    double r[4];
+    float limit[2];
+    int64_t after_2000 = 1;
+    for (int k = 0; k < 2000; ++k) after_2000 = step(after_2000);
+    start(1);
+    expect_rows({
+        {ZORVS_CALL(given(zorvs_d_random_gamma(10, 0.0, 0))), 0, 5, 11036, "r1=0"},
+        {ZORVS_CALL(given(zorvs_f_random_gamma(10, -2.0f, 0))), 0, 5, 11036},
+        {ZORVS_CALL(given(zorvs_random_poisson(10, 0.0f, 0))), 0, 5, 11032},
+        {ZORVS_CALL(given(zorvs_d_random_beta(10, 0.0, 2.0, 0))), 0, 5, 11033},
+        {ZORVS_CALL(given(zorvs_f_random_beta(10, 2.0f, -1.0f, 0))), 0, 5, 11034},
+        {ZORVS_CALL(given(zorvs_d_random_beta(10, -1.0, NaN, 0))), 0, 5, -1},
+        {ZORVS_CALL(given(zorvs_f_random_normal(0, 0))), 0, 5, -1, "", 0, "n_random"},
+        {ZORVS_CALL(given(zorvs_d_random_exponential(-1, 0))), 0, 5, -1, "", 0, "n_random"},
+        {ZORVS_CALL(given(zorvs_random_poisson(0, 1.0f, 0))), 0, 5, -1, "", 0, "n_random"},
+        {ZORVS_CALL(given(zorvs_d_random_gamma(0, 2.0, 0))), 0, 5, -1, "", 0, "n_random"},
+        {ZORVS_CALL(given(zorvs_d_random_beta(0, 1.0, 2.0, 0))), 0, 5, -1, "", 0, "n_random"},
+        {ZORVS_CALL(given(zorvs_d_random_normal_multivariate(0, 2, sigma, 0))), 0, 5, -1, "", 0, "n_vectors"},
+        {ZORVS_CALL(given(zorvs_f_random_normal_multivariate(3, -1, nullptr, 0))), 0, 5, -1, "", 0, "l_vectors"},
+        {ZORVS_CALL(zorvs_random_seed_get()), 1},  // nothing drawn
+        {ZORVS_CALL(given(zorvs_d_random_normal(3, 12345, 0))), 0, 5, 11001, "i1=12345 i2=2"},
+        {ZORVS_CALL(given(zorvs_d_random_gamma(3, 2.0, 12345, 0))), 0, 5, 11001, "i2=3"},
+        {ZORVS_CALL(given(zorvs_random_poisson(3, 2.0f, 12345, 0))), 0, 5, 11001, "i2=3"},
+        {ZORVS_CALL(given(zorvs_d_random_beta(3, 1.0, 2.0, 12345, 0))), 0, 5, 11001, "i2=4"},
+        {ZORVS_CALL(given(zorvs_d_random_normal_multivariate(3, 2, sigma, 12345, 0))), 0, 5, 11001, "i2=4"},
+        {ZORVS_CALL(without_memory(1, [&] { return zorvs_f_random_normal(5, 0); })), 0, 5, 200},
+        {ZORVS_CALL(without_memory(1, [&] { return zorvs_d_random_exponential(5, 0); })), 0, 5, 200},
+        {ZORVS_CALL(without_memory(1, [&] { return zorvs_d_random_gamma(5, 3.0, 0); })), 0, 5, 200},
+        {ZORVS_CALL(without_memory(1, [&] { return zorvs_random_poisson(5, 3.0f, 0); })), 0, 5, 200},
+        {ZORVS_CALL(without_memory(1, [&] { return zorvs_f_random_beta(5, 2.0f, 3.0f, 0); })), 0, 5, 200},
+        {ZORVS_CALL(without_memory(1, [&] { return zorvs_d_random_normal_multivariate(7, 2, sigma, 0); })), 0, 5, 202, "i1=7 i2=2 l1=n_vectors l2=l_vectors"},
+        {ZORVS_CALL(without_memory(2, [&] { return zorvs_f_random_normal_multivariate(7, 2, sigmaf, 0); })), 0, 5, 201, "i1=2 l1=l_vectors"},
+        {ZORVS_CALL(given(zorvs_d_random_normal_multivariate(5, 2, bad, 0))), 1, 3, 20406},
+        {ZORVS_DO(start(1)), any, 0},
+        {ZORVS_CALL(zorvs_d_random_beta(4, Inf, 2.0, ZORVS_RETURN_USER, r, 0) && std::isnan(r[0]) && std::isnan(r[3])), 1,
+         5, 11035, "i1=1"},
+        {ZORVS_CALL(zorvs_random_seed_get()), double(after_2000)},
+        {ZORVS_CALL(given(zorvs_f_random_beta(3, 2.0f, float(Inf), 0))), 0, 5, 11035},
+        {ZORVS_CALL(zorvs_f_random_beta(2, 0.5f, float(Inf), ZORVS_RETURN_USER, limit, 0)[0]), 0, 0},
+        {ZORVS_CALL(zorvs_f_random_beta(2, float(Inf), 0.5f, ZORVS_RETURN_USER, limit, 0)[1]), 1, 0},
+    });
 }
 
 }  // namespace

@@ -1,0 +1,159 @@
+// tables.hpp - helpers of the table-driven tests: rows of calls with the
+// value and the (type, code) each must give, rows of process stops, the
+// float or double routine of a twin, and the largest error of a sweep.  The
+// one header a test file includes besides the headers of what it tests:
+// GoogleTest, the standard headers the tests use, the public header and the
+// frame's internals (allocation failures, the routine frame).
+#ifndef ZORVS_TEST_TABLES_HPP
+#define ZORVS_TEST_TABLES_HPP
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cfloat>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <limits>
+#include <map>
+#include <numeric>
+#include <random>
+#include <sstream>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+#include "frame/frame.hpp"
+#include "support/capture.hpp"
+#include "zorvstat.h"
+
+namespace zorvs_test {
+
+inline constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
+inline constexpr double Inf = std::numeric_limits<double>::infinity();
+// A result a row does not look at.
+inline constexpr double any = -0x1.2345p1000;
+
+using Reals = ::testing::Types<float, double>;
+using Index = std::size_t;
+
+template <class T>
+inline constexpr double eps_of = std::numeric_limits<T>::epsilon();
+
+// The routine of twin T: twin<T>(zorvs_f_x, zorvs_d_x)(...).
+template <class T, class F, class D>
+constexpr auto twin(F f, D d) {
+    if constexpr (std::is_same_v<T, float>) return f;
+    else return d;
+}
+
+// The same inside a template of T: ZORVS_TWIN(sdot, ddot) is zorvs_sdot for
+// float and zorvs_ddot for double.
+#define ZORVS_TWIN(f, d) ::zorvs_test::twin<T>(zorvs_##f, zorvs_##d)
+
+// The message parameters listed as "r1=-2 i2=3 l1=x": r for reals (r2~171.6
+// within 1e-4 of it), i for integers, l for texts.
+inline void expect_params(const char *params) {
+    std::istringstream in(params);
+    std::string item;
+    while (in >> item) {
+        const int k = item[1] - '0';
+        const std::string v = item.substr(3);
+        if (item[0] == 'i') {
+            EXPECT_EQ(zorvs_error_param.i[k], std::stoi(v)) << item;
+        } else if (item[0] == 'l') {
+            EXPECT_STREQ(zorvs_error_param.l[k], v.c_str()) << item;
+        } else {
+            const double want = std::strtod(v.c_str(), nullptr), got = zorvs_error_param.r[k];
+            if (std::isnan(want)) {
+                EXPECT_TRUE(std::isnan(got)) << item;
+            } else if (item[2] == '~') {
+                EXPECT_NEAR(got, want, 1e-4 * std::fabs(want)) << item;
+            } else {
+                EXPECT_DOUBLE_EQ(got, want) << item;
+            }
+        }
+    }
+}
+
+// One call, the value it must return (NaN: a NaN; any: not looked at), the
+// (type, code) it must leave at user level ((0, 0): none; -1: not looked
+// at), the message parameters, a tolerance, and a text the error unit must
+// show (the routine's name).  A row reads
+//     {ZORVS_CALL(zorvs_d_gamma(-2.0)), NaN, 5, 9006, "r1=-2"},
+struct Call {
+    const char *what;
+    std::function<double()> call;
+    double want = any;
+    int type = 0, code = 0;
+    const char *params = "";
+    double tol = 0;
+    const char *text = "";
+};
+#define ZORVS_CALL(expr) #expr, [&] { return static_cast<double>(expr); }
+#define ZORVS_DO(statement) #statement, [&] { return statement, 0.0; }
+
+// Runs the rows with the stops off, each from a clear error state.
+inline void expect_rows(const std::vector<Call> &rows) {
+    Quiet q;
+    for (const Call &c : rows) {
+        SCOPED_TRACE(c.what);
+        zorvs_e1mes(0, 0, " ");
+        const double got = c.call();
+        if (std::isnan(c.want)) {
+            EXPECT_TRUE(std::isnan(got)) << got;
+        } else if (c.want != any && got != c.want) {
+            EXPECT_NEAR(got, c.want, c.tol);
+        }
+        if (c.type >= 0) { EXPECT_EQ(zorvs_error_type(), c.type) << "code " << zorvs_error_code(); }
+        if (c.type > 0 && c.code >= 0) { EXPECT_EQ(zorvs_error_code(), c.code); }
+        expect_params(c.params);
+        const std::string shown = q.errors.take();
+        EXPECT_NE(shown.find(c.text), std::string::npos) << shown;
+    }
+}
+
+// A call that must stop the process with the status and a text matching the
+// pattern (a routine's name or its code).
+struct Stop {
+    void (*call)();
+    int status;
+    const char *pattern;
+};
+inline void expect_stops(const std::vector<Stop> &rows) {
+    for (const Stop &s : rows) EXPECT_EXIT(s.call(), ::testing::ExitedWithCode(s.status), s.pattern);
+}
+
+// The single (`single` true) or the double routine zorvs_f_name or
+// zorvs_d_name, called with the arguments, as a double.
+#define ZORVS_EITHER(single, name, ...)                                                            \
+    ((single) ? static_cast<double>(zorvs_f_##name(__VA_ARGS__)) : static_cast<double>(zorvs_d_##name(__VA_ARGS__)))
+
+// The largest of a family's errors, printed as a measurement when done.
+class Worst {
+public:
+    explicit Worst(std::string name) : name_(std::move(name)) {}
+    ~Worst() { std::printf("[measure] %s: largest %.3g\n", name_.c_str(), value_); }
+    Worst(const Worst &) = delete;
+    Worst &operator=(const Worst &) = delete;
+    void add(double e) {
+        if (e > value_) value_ = e;
+    }
+    double value() const { return value_; }
+
+private:
+    std::string name_;
+    double value_ = 0;
+};
+
+// |got - want| relative to |want|, or to `floor` where |want| is below it.
+inline double relative_error(double got, double want, double floor = 0) {
+    return std::fabs(got - want) / std::fmax(std::fabs(want), floor);
+}
+
+}  // namespace zorvs_test
+
+#endif  // ZORVS_TEST_TABLES_HPP
