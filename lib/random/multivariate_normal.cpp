@@ -109,12 +109,15 @@ void l_rnnoa(std::size_t n, T r[]) {
 // into result (leading dimension ldresult).
 template <class T>
 void l_rnmvn(int n_vectors, int l_vectors, const T r[], int ldr, T result[], int ldresult) {
+    // Only a failed check stops here: a warning of the factorisation that
+    // came before (pivots dropped as negative) leaves a usable factor, and
+    // the deviates are still wanted from it.
     int arg = 0;
     zorvs_c1dim(1, n_vectors, "NR", ldresult, "LDR", &arg);
     zorvs_c1dim(1, l_vectors, "K", ldr, "LDRSIG", &arg);
-    if (zorvs_n1rcd(0) != 0) return;
+    if (zorvs_error_n1rty[0] >= 4) return;
     zorvs::check::c1r(l_vectors, r, ldr, &arg);
-    if (zorvs_n1rcd(0) != 0) return;
+    if (zorvs_error_n1rty[0] >= 4) return;
     if (ldresult == n_vectors) {
         l_rnnoa<T>(static_cast<std::size_t>(n_vectors) * static_cast<std::size_t>(l_vectors), result);
     } else {

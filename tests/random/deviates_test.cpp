@@ -495,6 +495,13 @@ double given(void *p) {
     std::free(p);
     return p != nullptr;
 }
+// Every vector finite and its second entry twice its first.
+double on_the_line(double *v, int n) {
+    bool ok = v != nullptr;
+    for (int i = 0; ok && i < n; ++i) ok = std::isfinite(v[2 * i]) && v[2 * i + 1] == 2 * v[2 * i];
+    std::free(v);
+    return ok;
+}
 template <class F>
 double without_memory(int countdown, F call) {
     zorvs::allocation_failure_countdown = countdown;
@@ -543,6 +550,9 @@ TEST(RandomDeviates, FailuresAsRows) {
         {ZORVS_CALL(without_memory(1, [&] { return zorvs_d_random_normal_multivariate(7, 2, sigma, 0); })), 0, 5, 202, "i1=7 i2=2 l1=n_vectors l2=l_vectors"},
         {ZORVS_CALL(without_memory(2, [&] { return zorvs_f_random_normal_multivariate(7, 2, sigmaf, 0); })), 0, 5, 201, "i1=2 l1=l_vectors"},
         {ZORVS_CALL(given(zorvs_d_random_normal_multivariate(5, 2, bad, 0))), 1, 3, 20406},
+        // the factor with its negative pivot dropped still gives deviates,
+        // all on the line of its first row (the second entry twice the first)
+        {ZORVS_CALL(on_the_line(zorvs_d_random_normal_multivariate(4, 2, bad, 0), 4)), 1, 3, 20406},
         {ZORVS_DO(start(1)), any, 0},
         {ZORVS_CALL(zorvs_d_random_beta(4, Inf, 2.0, ZORVS_RETURN_USER, r, 0) && std::isnan(r[0]) && std::isnan(r[3])), 1,
          5, 11035, "i1=1"},
