@@ -38,6 +38,7 @@
 #include "kernels/blas.hpp"
 #include "kernels/kernels.h"
 #include "kernels/linalg.hpp"
+#include "stat/multivariate/failed_addresses.hpp"
 #include "zorvstat.h"
 
 namespace {
@@ -210,9 +211,7 @@ void l_principal_components(int n_variables, T *covariances, va_list *list) {
     if (zorvs_error_n1rty[0] < 4)
         l_components_of(n_variables, covariances, cov_col_dim, type, df, values, vectors, correlations, cumulative,
                         std_errors);
-    if (zorvs_error_n1rty[0] >= 4)
-        for (T **p : given)
-            if (p) *p = nullptr;
+    zorvs::null_failed_addresses(given[0], given[1], given[2], given[3]);
 }
 
 }  // namespace
