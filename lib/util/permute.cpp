@@ -24,12 +24,14 @@
 // permutation is then made in place.
 
 #include <cstdarg>
-#include <type_traits>
 
 #include "frame/checks.h"
 #include "frame/frame.hpp"
 #include "frame/machine.h"
+#include "kernels/blas.hpp"
 #include "kernels/kernels.h"
+#include "kernels/linalg.hpp"
+#include "kernels/sort.hpp"
 #include "zorvstat.h"
 
 namespace {
@@ -37,59 +39,32 @@ namespace {
 template <class T>
 T *lv_permuted = nullptr;
 
-inline void permu(int n, const float *x, int *iperm, int ipath, float *xout) {
-    zorvs_permu(&n, x, iperm, &ipath, xout);
-}
-inline void permu(int n, const double *x, int *iperm, int ipath, double *xout) {
-    zorvs_dpermu(&n, x, iperm, &ipath, xout);
-}
-inline void copy(int n, const float *x, int incx, float *y, int incy) { zorvs_scopy(n, x, incx, y, incy); }
-inline void copy(int n, const double *x, int incx, double *y, int incy) { zorvs_dcopy(n, x, incx, y, incy); }
-inline void transpose(int nra, int nca, float *a) { zorvs_f_m1ran(nra, nca, a, a); }
-inline void transpose(int nra, int nca, double *a) { zorvs_d_m1ran(nra, nca, a, a); }
-
-// Reads the one keyword; false after an unknown one.
-template <class T>
-bool read_keywords(zorvs::KeywordReader &kw, bool &user) {
-    for (int k = kw.keyword(); k != 0; k = kw.keyword()) {
-        if (k != ZORVS_RETURN_USER) {
-            kw.unknown(k);
-            return false;
-        }
-        lv_permuted<T> = kw.pointer<T>();
-        user = true;
-    }
-    return true;
-}
-
 // The kernel's copy of the permutation, counting from 1, checked; null after
-// an error (reported).
+// an error (reported).  A work array of the routine's frame.
 int *kernel_permutation(int n, const int *permutation, const char *name) {
-    int *index = zorvs::allocate<int>(n, name);
+    int *index = zorvs::workspace<int>(n, name);
     if (!index) return nullptr;
     for (int i = 0; i < n; ++i) index[i] = permutation[i] + 1;
-    if (!zorvs::l_check_permutation(n, index)) zorvs::release(index);
+    if (!zorvs::l_check_permutation(n, index)) return nullptr;
     return index;
 }
 
 template <class T>
 void l_permute_vector(int n_elements, T *x, int *permutation, int permute, va_list *list) {
+    zorvs::OutputPair<T> permuted(lv_permuted<T>);
     zorvs::KeywordReader kw(list, 4);
-    bool user = false;
-    if (!read_keywords<T>(kw, user)) return;
+    if (!zorvs::read_return_user(kw, permuted)) return;
     int arg_no = 0;
     zorvs_c1iarg(n_elements, "n_elements", 1, 0, &arg_no);
     zorvs_c1iarg(permute, "permute", ZORVS_FORWARD_PERMUTATION, ZORVS_BACKWARD_PERMUTATION, &arg_no);
     zorvs_null_pointer("x", -1, x);
     zorvs_null_pointer("permutation", -1, permutation);
-    if (user) zorvs_null_pointer("ZORVS_RETURN_USER", -1, lv_permuted<T>);
+    if (permuted.user()) zorvs_null_pointer("ZORVS_RETURN_USER", -1, permuted.data());
     if (zorvs_error_n1rty[0] >= 4) return;
     int *index = kernel_permutation(n_elements, permutation, "n_elements");
     if (!index) return;
-    if (!user) lv_permuted<T> = zorvs::allocate<T>(n_elements, "n_elements");
-    if (lv_permuted<T>) permu(n_elements, x, index, permute, lv_permuted<T>);
-    zorvs::release(index);
-    zorvs::exit_test(lv_permuted<T>, user);
+    if (!permuted.obtain(n_elements, "n_elements")) return;
+    zorvs::sort::permu(n_elements, x, index, permute, permuted.data());
 }
 
 // Column-major worker: b := a with its rows gathered (path 1) or its columns
@@ -105,12 +80,13 @@ void l_p2rma(int n_rows, int n_columns, const T *a, int a_col_dim, int *iperm, i
     zorvs_c1iarg(a_col_dim, "a_col_dim", n_rows, 0, &arg_no);
     if (zorvs_n1rcd(0) == 0) {
         if (ipath == 1) {
-            for (long j = 0; j < n_columns; ++j) permu(n_rows, a + j * a_col_dim, iperm, 1, b + j * b_col_dim);
+            for (long j = 0; j < n_columns; ++j)
+                zorvs::sort::permu(n_rows, a + j * a_col_dim, iperm, 1, b + j * b_col_dim);
         } else {
             for (int i = 0; i < n_rows; ++i) {
-                copy(n_columns, a + i, a_col_dim, work, 1);
-                permu(n_columns, work, iperm, 2, work);
-                copy(n_columns, work, 1, b + i, b_col_dim);
+                zorvs::blas::copy(n_columns, a + i, a_col_dim, work, 1);
+                zorvs::sort::permu(n_columns, work, iperm, 2, work);
+                zorvs::blas::copy(n_columns, work, 1, b + i, b_col_dim);
             }
         }
     }
@@ -119,32 +95,29 @@ void l_p2rma(int n_rows, int n_columns, const T *a, int a_col_dim, int *iperm, i
 
 template <class T>
 void l_permute_matrix(int n_rows, int n_columns, T *a, int *permutation, int permute, va_list *list) {
+    zorvs::OutputPair<T> permuted(lv_permuted<T>);
     zorvs::KeywordReader kw(list, 5);
-    bool user = false;
-    if (!read_keywords<T>(kw, user)) return;
+    if (!zorvs::read_return_user(kw, permuted)) return;
     int arg_no = 0;
     zorvs_c1iarg(n_rows, "n_rows", 1, 0, &arg_no);
     zorvs_c1iarg(n_columns, "n_columns", 1, 0, &arg_no);
     zorvs_c1iarg(permute, "permute", ZORVS_PERMUTE_ROWS, ZORVS_PERMUTE_COLUMNS, &arg_no);
     zorvs_null_pointer("a", -1, a);
     zorvs_null_pointer("permutation", -1, permutation);
-    if (user) zorvs_null_pointer("ZORVS_RETURN_USER", -1, lv_permuted<T>);
+    if (permuted.user()) zorvs_null_pointer("ZORVS_RETURN_USER", -1, permuted.data());
     if (zorvs_error_n1rty[0] >= 4) return;
     const bool rows = permute == ZORVS_PERMUTE_ROWS;
     const int n = rows ? n_rows : n_columns;
     int *index = kernel_permutation(n, permutation, rows ? "n_rows" : "n_columns");
     if (!index) return;
-    T *work = zorvs::allocate<T>(n_columns, "n_columns");
-    if (work && !user) lv_permuted<T> = zorvs::allocate<T>(n_rows, "n_rows", n_columns, "n_columns");
-    if (work && lv_permuted<T>) {
-        transpose(n_rows, n_columns, a);
-        l_p2rma(n_rows, n_columns, a, n_rows, index, rows ? 1 : 2, lv_permuted<T>, n_rows, work);
-        if (lv_permuted<T> != a) transpose(n_columns, n_rows, a);
-        transpose(n_columns, n_rows, lv_permuted<T>);
-    }
-    zorvs::release(work);
-    zorvs::release(index);
-    zorvs::exit_test(lv_permuted<T>, user);
+    T *work = zorvs::workspace<T>(n_columns, "n_columns");
+    if (!work) return;
+    if (!permuted.obtain(n_rows, "n_rows", n_columns, "n_columns")) return;
+    T *b = permuted.data();
+    zorvs::linalg::m1ran(n_rows, n_columns, a, a);
+    l_p2rma(n_rows, n_columns, a, n_rows, index, rows ? 1 : 2, b, n_rows, work);
+    if (b != a) zorvs::linalg::m1ran(n_columns, n_rows, a, a);
+    zorvs::linalg::m1ran(n_columns, n_rows, b, b);
 }
 
 }  // namespace

@@ -62,14 +62,13 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdarg>
-#include <utility>
 #include <limits>
-#include <type_traits>
+#include <utility>
 
 #include "frame/checks.h"
 #include "frame/frame.hpp"
 #include "frame/machine.h"
-#include "stat/multivariate/output_pair.hpp"
+#include "stat/multivariate/failed_addresses.hpp"
 #include "zorvstat.h"
 
 namespace {
@@ -446,33 +445,140 @@ void l_k2ean(int m, int nv, int ldx, int ncol, int ifrq, int iwt, const int *col
 }
 
 template <class T>
+void l_cluster_body(int n_observations, int n_variables, T *x, int n_clusters, T *cluster_seeds, int max_iterations,
+                    int x_col_dim, int seeds_col_dim, int means_col_dim, const T *frequencies, const T *weights,
+                    const int *x_columns, zorvs::OutputPair<int> &clusters, zorvs::OutputPair<T> &means,
+                    zorvs::OutputPair<T> &ssq, zorvs::OutputPair<int> &counts) {
+    const int m = n_observations, nv = n_variables;
+    // A count of clusters out of range is the worker's to report; the
+    // arrays are sized within range meanwhile.
+    const int k = std::clamp(n_clusters, 1, m);
+    // The table as the worker numbers it: the caller's x_col_dim columns,
+    // then frequencies, then weights.  The copy holds only the columns in
+    // use, then the frequencies and the weights.
+    const int ncol = x_col_dim + (frequencies ? 1 : 0) + (weights ? 1 : 0);
+    const int ifrq = frequencies ? x_col_dim + 1 : 0, iwt = weights ? ncol : 0;
+    T *table = zorvs::workspace<T>(m, "n_observations", nv + 2, "n_variables");
+    if (!table) return;
+    int *columns = zorvs::workspace<int>(nv, "n_variables");
+    if (!columns) return;
+    int *ic1 = zorvs::workspace<int>(m, "n_observations");
+    if (!ic1) return;
+    T *seeds = zorvs::workspace<T>(k, "n_clusters", nv, "n_variables");
+    if (!seeds) return;
+    T *centres = zorvs::workspace<T>(k, "n_clusters", nv, "n_variables");
+    if (!centres) return;
+    T *per_obs = zorvs::workspace<T>(m, "n_observations", 2, "n_observations");  // d and w
+    if (!per_obs) return;
+    T *per_cluster = zorvs::workspace<T>(k, "n_clusters", 3, "n_clusters");  // s, an1, an2
+    if (!per_cluster) return;
+    T *wsum = zorvs::workspace<T>(k, "n_clusters", nv, "n_variables");
+    if (!wsum) return;
+    int *ic2 = zorvs::workspace<int>(m, "n_observations");
+    if (!ic2) return;
+    int *per_cluster_int = zorvs::workspace<int>(k, "n_clusters", 4, "n_clusters");
+    if (!per_cluster_int) return;
+    if (!clusters.obtain(m, "n_observations")) return;
+    // An output not asked for is still filled, in a work array.
+    if (!means.obtain(k, "n_clusters", means_col_dim, "n_variables")) return;
+    T *means_data = means.data() ? means.data() : zorvs::workspace<T>(k, "n_clusters", means_col_dim, "n_variables");
+    if (!means_data) return;
+    if (!ssq.obtain(k, "n_clusters")) return;
+    T *ssq_data = ssq.data() ? ssq.data() : zorvs::workspace<T>(k, "n_clusters");
+    if (!ssq_data) return;
+    if (!counts.obtain(k, "n_clusters")) return;
+    int *counts_data = counts.data() ? counts.data() : zorvs::workspace<int>(k, "n_clusters");
+    if (!counts_data) return;
+    // A variable whose column lies outside the data is the worker's to
+    // report; the data are not copied then.
+    bool all_inside = true;
+    for (int j = 0; j < nv; ++j) {
+        columns[j] = x_columns ? x_columns[j] : j;
+        all_inside = all_inside && columns[j] >= 0 && columns[j] < x_col_dim;
+    }
+    if (all_inside)
+        for (int i = 0; i < m; ++i)
+            for (int j = 0; j < nv; ++j)
+                table[static_cast<long>(i) * nv + j] = x[static_cast<long>(i) * x_col_dim + columns[j]];
+    T *frq = table + static_cast<long>(nv) * m, *wgt = frq + m;
+    if (frequencies)
+        for (int i = 0; i < m; ++i) frq[i] = frequencies[i];
+    if (weights)
+        for (int i = 0; i < m; ++i) wgt[i] = weights[i];
+    if (n_clusters >= 2 && n_clusters <= m)
+        for (int l = 0; l < k; ++l)
+            for (int j = 0; j < nv; ++j)
+                seeds[static_cast<long>(l) * nv + j] = cluster_seeds[static_cast<long>(l) * seeds_col_dim + j];
+    KMeans<T> g;
+    g.x = table;
+    g.frq = frequencies ? frq : nullptr;
+    g.wgt = weights ? wgt : nullptr;
+    g.ic1 = ic1;
+    g.w = per_obs + m;
+    g.d = per_obs;
+    g.s = per_cluster;
+    g.an1 = per_cluster + k;
+    g.an2 = per_cluster + 2 * k;
+    g.wsum = wsum;
+    g.ic2 = ic2;
+    g.nc = per_cluster_int;
+    g.ncp = per_cluster_int + k;
+    g.itran = per_cluster_int + 2 * k;
+    g.live = per_cluster_int + 3 * k;
+    l_k2ean(m, nv, m, ncol, ifrq, iwt, columns, n_clusters, seeds, max_iterations, clusters.data(), centres,
+            ssq_data, counts_data, g);
+    if (zorvs_error_n1rty[0] < 4)
+        for (int l = 0; l < k; ++l)
+            for (int j = 0; j < nv; ++j)
+                means_data[static_cast<long>(l) * means_col_dim + j] = centres[static_cast<long>(l) * nv + j];
+}
+
+template <class T>
 void l_cluster_k_means(int n_observations, int n_variables, T *x, int n_clusters, T *cluster_seeds,
                        va_list *list) {
+    zorvs::OutputPair<int> clusters(lv_clusters<T>);
     zorvs::KeywordReader kw(list, 5);
-    bool user = false;
     int max_iterations = 30, x_col_dim = n_variables, seeds_col_dim = n_variables, means_col_dim = n_variables;
     const T *frequencies = nullptr, *weights = nullptr;
     const int *x_columns = nullptr;
-    zorvs::OptionalOutput<T> means, ssq;
-    zorvs::OptionalOutput<int> counts;
+    zorvs::OutputPair<T> means, ssq;
+    zorvs::OutputPair<int> counts;
+    // The addresses given with ZORVS_X, nulled when the call fails.
+    T **means_address = nullptr, **ssq_address = nullptr;
+    int **counts_address = nullptr;
     for (int key = kw.keyword(); key != 0; key = kw.keyword()) {
         switch (key) {
-        case ZORVS_RETURN_USER:
-            lv_clusters<T> = kw.pointer<int>();
-            user = true;
-            break;
+        case ZORVS_RETURN_USER: clusters.take_user(kw.pointer<int>()); break;
         case ZORVS_MAX_ITERATIONS: max_iterations = kw.integer(); break;
         case ZORVS_WEIGHTS: weights = kw.pointer<T>(); break;
         case ZORVS_FREQUENCIES: frequencies = kw.pointer<T>(); break;
         case ZORVS_X_COL_DIM: x_col_dim = kw.integer(); break;
         case ZORVS_CLUSTER_SEEDS_COL_DIM: seeds_col_dim = kw.integer(); break;
         case ZORVS_CLUSTER_MEANS_COL_DIM: means_col_dim = kw.integer(); break;
-        case ZORVS_CLUSTER_MEANS: means.set_give(kw.pointer<T *>()); break;
-        case ZORVS_CLUSTER_MEANS_USER: means.set_user(kw.pointer<T>()); break;
-        case ZORVS_CLUSTER_SSQ: ssq.set_give(kw.pointer<T *>()); break;
-        case ZORVS_CLUSTER_SSQ_USER: ssq.set_user(kw.pointer<T>()); break;
-        case ZORVS_CLUSTER_COUNTS: counts.set_give(kw.pointer<int *>()); break;
-        case ZORVS_CLUSTER_COUNTS_USER: counts.set_user(kw.pointer<int>()); break;
+        case ZORVS_CLUSTER_MEANS:
+            means_address = kw.pointer<T *>();
+            means.take_address(means_address);
+            break;
+        case ZORVS_CLUSTER_MEANS_USER:
+            means_address = nullptr;
+            means.take_user(kw.pointer<T>());
+            break;
+        case ZORVS_CLUSTER_SSQ:
+            ssq_address = kw.pointer<T *>();
+            ssq.take_address(ssq_address);
+            break;
+        case ZORVS_CLUSTER_SSQ_USER:
+            ssq_address = nullptr;
+            ssq.take_user(kw.pointer<T>());
+            break;
+        case ZORVS_CLUSTER_COUNTS:
+            counts_address = kw.pointer<int *>();
+            counts.take_address(counts_address);
+            break;
+        case ZORVS_CLUSTER_COUNTS_USER:
+            counts_address = nullptr;
+            counts.take_user(kw.pointer<int>());
+            break;
         case ZORVS_X_COLUMNS: x_columns = kw.pointer<int>(); break;
         default: kw.unknown(key); return;
         }
@@ -486,103 +592,10 @@ void l_cluster_k_means(int n_observations, int n_variables, T *x, int n_clusters
     zorvs_c1dim(1, n_variables, "*n_variables", means_col_dim, "cluster_means_col_dim", &arg_no);
     zorvs_null_pointer("x", -1, x);
     zorvs_null_pointer("cluster_seeds", -1, cluster_seeds);
-    const bool checked = zorvs_error_n1rty[0] < 4;
-
-    const int m = n_observations, nv = n_variables;
-    // A count of clusters out of range is the worker's to report; the
-    // arrays are sized within range meanwhile.
-    const int k = checked ? std::clamp(n_clusters, 1, m) : 1;
-    // The table as the worker numbers it: the caller's x_col_dim columns,
-    // then frequencies, then weights.  The copy holds only the columns in
-    // use, then the frequencies and the weights.
-    const int ncol = x_col_dim + (frequencies ? 1 : 0) + (weights ? 1 : 0);
-    const int ifrq = frequencies ? x_col_dim + 1 : 0, iwt = weights ? ncol : 0;
-    T *table = nullptr;
-    int *columns = nullptr;
-    int *ic1 = nullptr;
-    T *seeds = nullptr;
-    T *centres = nullptr;
-    T *per_obs = nullptr;
-    T *per_cluster = nullptr;
-    T *wsum = nullptr;
-    int *ic2 = nullptr;
-    int *per_cluster_int = nullptr;
-    if (checked) {
-        table = zorvs::allocate<T>(m, "n_observations", nv + 2, "n_variables");
-        columns = zorvs::allocate<int>(nv, "n_variables");
-        ic1 = zorvs::allocate<int>(m, "n_observations");
-        seeds = zorvs::allocate<T>(k, "n_clusters", nv, "n_variables");
-        centres = zorvs::allocate<T>(k, "n_clusters", nv, "n_variables");
-        per_obs = zorvs::allocate<T>(m, "n_observations", 2, "n_observations");  // d and w
-        per_cluster = zorvs::allocate<T>(k, "n_clusters", 3, "n_clusters");       // s, an1, an2
-        wsum = zorvs::allocate<T>(k, "n_clusters", nv, "n_variables");
-        ic2 = zorvs::allocate<int>(m, "n_observations");
-        per_cluster_int = zorvs::allocate<int>(k, "n_clusters", 4, "n_clusters");
-    }
-    bool ready = checked && table && columns && ic1 && seeds && centres && per_obs && per_cluster && wsum && ic2 &&
-                 per_cluster_int;
-    if (ready && !user) ready = (lv_clusters<T> = zorvs::allocate<int>(m, "n_observations")) != nullptr;
-    ready = ready && means.acquire(k, "n_clusters", means_col_dim, "n_variables") && ssq.acquire(k, "n_clusters") &&
-            counts.acquire(k, "n_clusters");
-    if (ready) {
-        // A variable whose column lies outside the data is the worker's to
-        // report; the data are not copied then.
-        bool all_inside = true;
-        for (int j = 0; j < nv; ++j) {
-            columns[j] = x_columns ? x_columns[j] : j;
-            all_inside = all_inside && columns[j] >= 0 && columns[j] < x_col_dim;
-        }
-        if (all_inside)
-            for (int i = 0; i < m; ++i)
-                for (int j = 0; j < nv; ++j)
-                    table[static_cast<long>(i) * nv + j] = x[static_cast<long>(i) * x_col_dim + columns[j]];
-        T *frq = table + static_cast<long>(nv) * m, *wgt = frq + m;
-        if (frequencies)
-            for (int i = 0; i < m; ++i) frq[i] = frequencies[i];
-        if (weights)
-            for (int i = 0; i < m; ++i) wgt[i] = weights[i];
-        if (n_clusters >= 2 && n_clusters <= m)
-            for (int l = 0; l < k; ++l)
-                for (int j = 0; j < nv; ++j)
-                    seeds[static_cast<long>(l) * nv + j] = cluster_seeds[static_cast<long>(l) * seeds_col_dim + j];
-        KMeans<T> g;
-        g.x = table;
-        g.frq = frequencies ? frq : nullptr;
-        g.wgt = weights ? wgt : nullptr;
-        g.ic1 = ic1;
-        g.w = per_obs + m;
-        g.d = per_obs;
-        g.s = per_cluster;
-        g.an1 = per_cluster + k;
-        g.an2 = per_cluster + 2 * k;
-        g.wsum = wsum;
-        g.ic2 = ic2;
-        g.nc = per_cluster_int;
-        g.ncp = per_cluster_int + k;
-        g.itran = per_cluster_int + 2 * k;
-        g.live = per_cluster_int + 3 * k;
-        l_k2ean(m, nv, m, ncol, ifrq, iwt, columns, n_clusters, seeds, max_iterations, lv_clusters<T>, centres,
-                ssq.data, counts.data, g);
-        if (zorvs_error_n1rty[0] < 4)
-            for (int l = 0; l < k; ++l)
-                for (int j = 0; j < nv; ++j)
-                    means.data[static_cast<long>(l) * means_col_dim + j] = centres[static_cast<long>(l) * nv + j];
-    }
-    const bool failed = zorvs_error_n1rty[0] >= 4;
-    means.finish(failed);
-    ssq.finish(failed);
-    counts.finish(failed);
-    zorvs::release(table);
-    zorvs::release(columns);
-    zorvs::release(ic1);
-    zorvs::release(seeds);
-    zorvs::release(centres);
-    zorvs::release(per_obs);
-    zorvs::release(per_cluster);
-    zorvs::release(wsum);
-    zorvs::release(ic2);
-    zorvs::release(per_cluster_int);
-    zorvs::exit_test(lv_clusters<T>, user);
+    if (zorvs_error_n1rty[0] < 4)
+        l_cluster_body(n_observations, n_variables, x, n_clusters, cluster_seeds, max_iterations, x_col_dim,
+                       seeds_col_dim, means_col_dim, frequencies, weights, x_columns, clusters, means, ssq, counts);
+    zorvs::null_failed_addresses(means_address, ssq_address, counts_address);
 }
 
 }  // namespace

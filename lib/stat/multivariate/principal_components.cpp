@@ -30,57 +30,21 @@
 
 #include <cmath>
 #include <cstdarg>
-#include <type_traits>
 
 #include "frame/checks.h"
 #include "frame/frame.hpp"
 #include "frame/machine.h"
+#include "frame/twin.hpp"
+#include "kernels/blas.hpp"
 #include "kernels/kernels.h"
-#include "kernels/linalg.h"
-#include "stat/multivariate/output_pair.hpp"
+#include "kernels/linalg.hpp"
+#include "stat/multivariate/failed_addresses.hpp"
 #include "zorvstat.h"
 
 namespace {
 
 template <class T>
 T *lv_eigenvalues = nullptr;
-
-inline void e5csf(int n, const float *a, int lda, float *eval, float *evec, int ldevec, float *work, int *iwork) {
-    zorvs_e5csf(&n, a, &lda, eval, evec, &ldevec, work, iwork);
-}
-inline void e5csf(int n, const double *a, int lda, double *eval, double *evec, int ldevec, double *work,
-                  int *iwork) {
-    zorvs_de5csf(&n, a, &lda, eval, evec, &ldevec, work, iwork);
-}
-inline float sum(int n, const float *x) { return zorvs_ssum(n, x, 1); }
-inline double sum(int n, const double *x) { return zorvs_dsum(n, x, 1); }
-inline int iamax(int n, const float *x) { return zorvs_isamax(n, x, 1); }
-inline int iamax(int n, const double *x) { return zorvs_idamax(n, x, 1); }
-inline float nrm2(int n, const float *x) { return zorvs_snrm2(n, x); }
-inline double nrm2(int n, const double *x) { return zorvs_dnrm2(n, x); }
-inline void scal(int n, float a, float *x) { zorvs_sscal(n, a, x, 1); }
-inline void scal(int n, double a, double *x) { zorvs_dscal(n, a, x, 1); }
-inline void vcal(int n, float a, const float *x, float *y) { zorvs_svcal(n, a, x, 1, y, 1); }
-inline void vcal(int n, double a, const double *x, double *y) { zorvs_dvcal(n, a, x, 1, y, 1); }
-inline float dot(int n, const float *x, const float *y) { return zorvs_sdot(n, x, 1, y, 1); }
-inline double dot(int n, const double *x, const double *y) { return zorvs_ddot(n, x, 1, y, 1); }
-inline void hprod(int n, const float *x, const float *y, float *z) {
-    const int one = 1;
-    zorvs_shprod(&n, x, &one, y, &one, z, &one);
-}
-inline void hprod(int n, const double *x, const double *y, double *z) {
-    const int one = 1;
-    zorvs_dshprod(&n, x, &one, y, &one, z, &one);
-}
-inline void transpose(int n, float *a) { zorvs_f_m1ran(n, n, a, a); }
-inline void transpose(int n, double *a) { zorvs_d_m1ran(n, n, a, a); }
-template <class T>
-T spacing() {
-    if constexpr (std::is_same_v<T, float>)
-        return zorvs_f_machine(4);
-    else
-        return zorvs_d_machine(4);
-}
 
 // The worker, column-major.  type 0: covariance matrix, 1: correlation
 // matrix.  work holds 2n reals, iwork n integers.
@@ -115,24 +79,24 @@ void l_princ(int df, int n, const T *a, int lda, int type, T *eval, T *cum, T *s
     }
     const T rt = std::sqrt(T(2) / rdf);
 
-    e5csf(n, a, lda, eval, evec, ldevec, work, iwork);
+    zorvs::linalg::e5csf(n, a, lda, eval, evec, ldevec, work, iwork);
     if (zorvs_error_n1rty[1] > 3) {
         zorvs_e1pop(name);
         return;
     }
-    const T total = sum(n, eval);
+    const T total = zorvs::blas::sum(n, eval, 1);
     T running = 0;
     for (int j = 0; j < n; ++j) {
         T *v = evec + static_cast<long>(j) * ldevec;
-        const int k = iamax(n, v);
-        T t = nrm2(n, v);
+        const int k = zorvs::blas::iamax(n, v, 1);
+        T t = zorvs::blas::nrm2(n, v);
         if (v[k - 1] < T(0)) t = -t;
-        scal(n, T(1) / t, v);
+        zorvs::blas::scal(n, T(1) / t, v, 1);
         running += eval[j];
         cum[j] = running / total;
     }
     const T smallest = eval[n - 1], largest = eval[0];
-    if (smallest < T(0) && (n == 1 || largest <= T(0) || smallest < T(-1000) * spacing<T>() * largest)) {
+    if (smallest < T(0) && (n == 1 || largest <= T(0) || smallest < T(-1000) * zorvs::epsilon<T>() * largest)) {
         zorvs_e1sti(1, n - 1);
         zorvs_e1std(1, static_cast<double>(smallest));
         zorvs_ermes(3, 20102);
@@ -143,8 +107,8 @@ void l_princ(int df, int n, const T *a, int lda, int type, T *eval, T *cum, T *s
         T *c = corr + static_cast<long>(j) * ldcorr;
         if (type == 1) {
             // The squares of the vector stand in the column for now.
-            hprod(n, v, v, c);
-            T s = ev * ev + (T(1) - T(2) * ev) * dot(n, c, c);
+            zorvs::blas::hprod(n, v, 1, v, 1, c, 1);
+            T s = ev * ev + (T(1) - T(2) * ev) * zorvs::blas::dot(n, c, 1, c, 1);
             for (int l = 1; l < n; ++l)
                 for (int k = 0; k < l; ++k) {
                     const T r = at(a, lda, k, l);
@@ -154,7 +118,7 @@ void l_princ(int df, int n, const T *a, int lda, int type, T *eval, T *cum, T *s
         } else {
             se[j] = ev * rt;
         }
-        vcal(n, std::sqrt(ev), v, c);
+        zorvs::blas::vcal(n, std::sqrt(ev), v, 1, c, 1);
     }
     if (type == 0) {
         const T nan = zorvs::missing<T>();
@@ -170,34 +134,73 @@ void l_princ(int df, int n, const T *a, int lda, int type, T *eval, T *cum, T *s
     zorvs_e1pop(name);
 }
 
+// An output the worker fills whether or not it was asked for: the pair's
+// storage, or else a work array of the same size; null after a failed
+// allocation (reported).
+template <class T, class... Sizes>
+T *filled_output(zorvs::OutputPair<T> &out, Sizes... sizes) {
+    if (!out.obtain(sizes...)) return nullptr;
+    return out.data() ? out.data() : zorvs::workspace<T>(sizes...);
+}
+
+template <class T>
+void l_components_of(int n, T *covariances, int cov_col_dim, int type, int df, zorvs::OutputPair<T> &values,
+                     zorvs::OutputPair<T> &vectors, zorvs::OutputPair<T> &correlations,
+                     zorvs::OutputPair<T> &cumulative, zorvs::OutputPair<T> &std_errors) {
+    T *work = zorvs::workspace<T>(2 * n, "n_variables");
+    if (!work) return;
+    int *iwork = zorvs::workspace<int>(n, "n_variables");
+    if (!iwork) return;
+    if (!values.obtain(n, "n_variables")) return;
+    T *vec = filled_output(vectors, n, "n_variables", n, "n_variables");
+    if (!vec) return;
+    T *corr = filled_output(correlations, n, "n_variables", n, "n_variables");
+    if (!corr) return;
+    T *cum = filled_output(cumulative, n, "n_variables");
+    if (!cum) return;
+    T *se = filled_output(std_errors, n, "n_variables");
+    if (!se) return;
+    l_princ(df, n, covariances, cov_col_dim, type, values.data(), cum, se, vec, n, corr, n, work, iwork);
+    if (zorvs_error_n1rty[0] >= 4) return;
+    zorvs::linalg::m1ran(n, n, vec, vec);
+    zorvs::linalg::m1ran(n, n, corr, corr);
+}
+
 template <class T>
 void l_principal_components(int n_variables, T *covariances, va_list *list) {
+    zorvs::OutputPair<T> values(lv_eigenvalues<T>);
     zorvs::KeywordReader kw(list, 2);
-    bool user = false;
     int cov_col_dim = n_variables, type = 0, df = 100;
-    zorvs::OptionalOutput<T> vectors, correlations, cumulative, std_errors;
+    zorvs::OutputPair<T> vectors, correlations, cumulative, std_errors;
+    // The addresses given with ZORVS_X, nulled when the call fails.
+    T **given[4] = {};
+    auto address = [&](zorvs::OutputPair<T> &out, int i) {
+        given[i] = kw.pointer<T *>();
+        out.take_address(given[i]);
+    };
+    auto user = [&](zorvs::OutputPair<T> &out, int i) {
+        given[i] = nullptr;
+        out.take_user(kw.pointer<T>());
+    };
     for (int k = kw.keyword(); k != 0; k = kw.keyword()) {
         switch (k) {
-        case ZORVS_RETURN_USER:
-            lv_eigenvalues<T> = kw.pointer<T>();
-            user = true;
-            break;
+        case ZORVS_RETURN_USER: values.take_user(kw.pointer<T>()); break;
         case ZORVS_COV_COL_DIM: cov_col_dim = kw.integer(); break;
         case ZORVS_COVARIANCE_MATRIX: type = 0; break;
         case ZORVS_CORRELATION_MATRIX: type = 1; break;
-        case ZORVS_EIGENVECTORS: vectors.set_give(kw.pointer<T *>()); break;
-        case ZORVS_EIGENVECTORS_USER: vectors.set_user(kw.pointer<T>()); break;
-        case ZORVS_CORRELATIONS: correlations.set_give(kw.pointer<T *>()); break;
-        case ZORVS_CORRELATIONS_USER: correlations.set_user(kw.pointer<T>()); break;
-        case ZORVS_CUM_PERCENT: cumulative.set_give(kw.pointer<T *>()); break;
-        case ZORVS_CUM_PERCENT_USER: cumulative.set_user(kw.pointer<T>()); break;
+        case ZORVS_EIGENVECTORS: address(vectors, 0); break;
+        case ZORVS_EIGENVECTORS_USER: user(vectors, 0); break;
+        case ZORVS_CORRELATIONS: address(correlations, 1); break;
+        case ZORVS_CORRELATIONS_USER: user(correlations, 1); break;
+        case ZORVS_CUM_PERCENT: address(cumulative, 2); break;
+        case ZORVS_CUM_PERCENT_USER: user(cumulative, 2); break;
         case ZORVS_STD_DEV:
             df = kw.integer();
-            std_errors.set_give(kw.pointer<T *>());
+            address(std_errors, 3);
             break;
         case ZORVS_STD_DEV_USER:
             df = kw.integer();
-            std_errors.set_user(kw.pointer<T>());
+            user(std_errors, 3);
             break;
         default: kw.unknown(k); return;
         }
@@ -205,32 +208,10 @@ void l_principal_components(int n_variables, T *covariances, va_list *list) {
     int arg_no = 0;
     zorvs_c1iarg(n_variables, "n_variables", 1, 0, &arg_no);
     zorvs_null_pointer("covariances", -1, covariances);
-    const bool checked = zorvs_error_n1rty[0] < 4;
-
-    const int n = n_variables;
-    T *work = checked ? zorvs::allocate<T>(2 * n, "n_variables") : nullptr;
-    int *iwork = checked ? zorvs::allocate<int>(n, "n_variables") : nullptr;
-    bool ready = work && iwork;
-    if (ready && !user) ready = (lv_eigenvalues<T> = zorvs::allocate<T>(n, "n_variables")) != nullptr;
-    ready = ready && vectors.acquire(n, "n_variables", n, "n_variables") &&
-            correlations.acquire(n, "n_variables", n, "n_variables") && cumulative.acquire(n, "n_variables") &&
-            std_errors.acquire(n, "n_variables");
-    if (ready) {
-        l_princ(df, n, covariances, cov_col_dim, type, lv_eigenvalues<T>, cumulative.data, std_errors.data,
-                vectors.data, n, correlations.data, n, work, iwork);
-        if (zorvs_error_n1rty[0] < 4) {
-            transpose(n, vectors.data);
-            transpose(n, correlations.data);
-        }
-    }
-    const bool failed = zorvs_error_n1rty[0] >= 4;
-    vectors.finish(failed);
-    correlations.finish(failed);
-    cumulative.finish(failed);
-    std_errors.finish(failed);
-    zorvs::release(work);
-    zorvs::release(iwork);
-    zorvs::exit_test(lv_eigenvalues<T>, user);
+    if (zorvs_error_n1rty[0] < 4)
+        l_components_of(n_variables, covariances, cov_col_dim, type, df, values, vectors, correlations, cumulative,
+                        std_errors);
+    zorvs::null_failed_addresses(given[0], given[1], given[2], given[3]);
 }
 
 }  // namespace
