@@ -32,26 +32,12 @@
 #include "frame/frame.hpp"
 #include "frame/machine.h"
 #include "kernels/kernels.h"
-#include "stat/regress/regress.h"
+#include "kernels/linalg.hpp"
+#include "kernels/sort.hpp"
+#include "stat/regress/regress.hpp"
 #include "zorvstat.h"
 
 namespace {
-
-template <class T>
-inline void transpose(int nra, int nca, T *a) {
-    if constexpr (std::is_same_v<T, float>)
-        zorvs_f_m1ran(nra, nca, a, a);
-    else
-        zorvs_d_m1ran(nra, nca, a, a);
-}
-
-template <class T>
-inline void sort(int n, T *a) {
-    if constexpr (std::is_same_v<T, float>)
-        zorvs_svrgn(n, a, a);
-    else
-        zorvs_dsvrgn(n, a, a);
-}
 
 // Distinct values of the class variables: nclval[v] values of variable v,
 // sorted ascending, stored one run after another in clval; nmiss[v] counts
@@ -98,7 +84,7 @@ void l_gclas(int nobs, int ncol, const T *x, int ldx, int nclvar, const int *ind
             // to the end of this variable's run.
             run[count++] = value;
         }
-        if (count > 1) sort(count, run);
+        if (count > 1) zorvs::sort::svrgn(count, run, run);
         nclval[v] = count;
         total += count;
     }
@@ -325,11 +311,11 @@ void l_regressors_for_glm(int n_observations, T *x, int n_class, int n_cont, va_
     if (n_class > 0) {
         T *all = zorvs::allocate<T>(n_observations, "n_observations", n_class, "n_class");
         if (!all) return finish();
-        transpose(n_observations, x_col_dim, x);
+        zorvs::linalg::m1ran(n_observations, x_col_dim, x, x);
         const long limit = static_cast<long>(n_observations) * n_class;
         l_gclas(n_observations, x_col_dim, x, n_observations, n_class, indcl,
                 limit < 2147483647L ? static_cast<int>(limit) : 2147483647, nclval, all, nmiss);
-        transpose(x_col_dim, n_observations, x);
+        zorvs::linalg::m1ran(x_col_dim, n_observations, x, x);
         if (failed()) {
             zorvs::release(all);
             return finish();
@@ -405,15 +391,11 @@ void l_regressors_for_glm(int n_observations, T *x, int n_class, int n_cont, va_
         }
     }
 
-    transpose(n_observations, x_col_dim, x);
-    if constexpr (std::is_same_v<T, float>)
-        zorvs_grglm(n_observations, x_col_dim, x, n_observations, n_class, indcl, nclval, clval, n_effects, nvef,
-                    indef, -scheme, &n_regressors, nullptr, 1, &rows_missing);
-    else
-        zorvs_dgrglm(n_observations, x_col_dim, x, n_observations, n_class, indcl, nclval, clval, n_effects, nvef,
-                     indef, -scheme, &n_regressors, nullptr, 1, &rows_missing);
+    zorvs::linalg::m1ran(n_observations, x_col_dim, x, x);
+    zorvs::regress::grglm(n_observations, x_col_dim, x, n_observations, n_class, indcl, nclval, clval, n_effects,
+                          nvef, indef, -scheme, &n_regressors, nullptr, 1, &rows_missing);
     if (failed() || (!regressors && !regressors_user)) {
-        transpose(x_col_dim, n_observations, x);
+        zorvs::linalg::m1ran(x_col_dim, n_observations, x, x);
         if (!failed()) lv_n_regressors<T> = n_regressors;
         return finish();
     }
@@ -422,7 +404,7 @@ void l_regressors_for_glm(int n_observations, T *x, int n_class, int n_cont, va_
     if (!failed() && n_regressors > 0) {
         if (regressors_user) {
             out = regressors_user;
-            if (ld > n_regressors) transpose(n_observations, ld, out);
+            if (ld > n_regressors) zorvs::linalg::m1ran(n_observations, ld, out, out);
         } else {
             // The rows of the caller's stride; the cells past the regressors
             // are NaN.
@@ -439,16 +421,12 @@ void l_regressors_for_glm(int n_observations, T *x, int n_class, int n_cont, va_
             out_allocated = out != nullptr;
         }
         if (out) {
-            if constexpr (std::is_same_v<T, float>)
-                zorvs_grglm(n_observations, x_col_dim, x, n_observations, n_class, indcl, nclval, clval, n_effects,
-                            nvef, indef, scheme, &n_regressors, out, n_observations, &rows_missing);
-            else
-                zorvs_dgrglm(n_observations, x_col_dim, x, n_observations, n_class, indcl, nclval, clval,
-                             n_effects, nvef, indef, scheme, &n_regressors, out, n_observations, &rows_missing);
+            zorvs::regress::grglm(n_observations, x_col_dim, x, n_observations, n_class, indcl, nclval, clval,
+                                  n_effects, nvef, indef, scheme, &n_regressors, out, n_observations, &rows_missing);
         }
     }
-    transpose(x_col_dim, n_observations, x);
-    if (out) transpose(ld, n_observations, out);
+    zorvs::linalg::m1ran(x_col_dim, n_observations, x, x);
+    if (out) zorvs::linalg::m1ran(ld, n_observations, out, out);
     if (failed()) {
         if (out_allocated) zorvs::release(out);
         return finish();
