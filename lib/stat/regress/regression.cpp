@@ -609,12 +609,12 @@ void l_regression(int n_rows, int n_independent, T *x, T *y, va_list *list) {
     // Work space and the coefficients; a failure names n_independent, the
     // argument that sets both sizes.
     fit.work = static_cast<T *>(
-        zorvs::raw_allocate(static_cast<std::size_t>(zorvs::GivensFit<T>::work_size(p)) * sizeof(T)));
+        zorvs::workspace_block(static_cast<std::size_t>(zorvs::GivensFit<T>::work_size(p)) * sizeof(T)));
     if (fit.work && !user) lv_regression<T> = static_cast<T *>(zorvs::raw_allocate(sizeof(T) * p));
-    // The one exit from here on: the work space freed, the record handed over
-    // or freed, and on failure an allocated result freed.
+    // The one exit from here on: the record handed over or freed, and on
+    // failure an allocated result freed.  The work space is the frame's,
+    // freed by its pop.
     auto finish = [&](bool failed) {
-        zorvs::release(fit.work);
         if (failed && !user) zorvs::release(lv_regression<T>);
         if (!failed && info_out)
             *info_out = info;
