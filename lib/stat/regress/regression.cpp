@@ -44,13 +44,13 @@
 #include <limits>
 
 #include "dist/beta_incomplete.hpp"
-#include "frame/checks.h"
+#include "frame/checks.hpp"
 #include "frame/frame.hpp"
 #include "frame/machine.h"
 #include "kernels/kernels.h"
-#include "kernels/linalg.h"
+#include "kernels/linalg.hpp"
 #include "stat/regress/givens_fit.hpp"
-#include "stat/regress/regress.h"
+#include "stat/regress/regress.hpp"
 #include "zorvstat.h"
 
 namespace {
@@ -58,28 +58,6 @@ namespace {
 template <class T>
 using Info = std::conditional_t<std::is_same_v<T, float>, zorvs_f_regression_info, zorvs_d_regression_info>;
 
-inline void girts(int n, const float *r, int ldr, int nb, const float *b, int ipath, int *irank, float *x,
-                  float *rinv, int ldrinv) {
-    zorvs_girts(&n, r, &ldr, &nb, b, &n, &ipath, irank, x, &n, rinv, &ldrinv);
-}
-inline void girts(int n, const double *r, int ldr, int nb, const double *b, int ipath, int *irank, double *x,
-                  double *rinv, int ldrinv) {
-    zorvs_dgirts(&n, r, &ldr, &nb, b, &n, &ipath, irank, x, &n, rinv, &ldrinv);
-}
-inline float divide(float a, float b) {
-    float q;
-    zorvs_c1div(a, b, &q);
-    return q;
-}
-inline double divide(double a, double b) {
-    double q;
-    zorvs_dc1div(a, b, &q);
-    return q;
-}
-inline void check_nonnegative(float x, const char *name, int *arg) { zorvs_c1ge0(x, name, arg); }
-inline void check_nonnegative(double x, const char *name, int *arg) { zorvs_dc1ge0(x, name, arg); }
-inline void check_r(int n, const float *r, int ldr, int *arg) { zorvs_c1r(n, r, ldr, arg); }
-inline void check_r(int n, const double *r, int ldr, int *arg) { zorvs_dc1r(n, r, ldr, arg); }
 // 1 - F(f) of the F distribution, summed as the upper tail itself: a small
 // p-value keeps its relative accuracy, where 1 minus the distribution
 // function would keep only its absolute one.
@@ -88,15 +66,6 @@ T f_upper_tail(T f, T df1, T df2) {
     if (f <= T(0)) return T(1);
     return zorvs::continuous::F_tail<T>(f, df1, df2, true);
 }
-inline void frequency_and_weight(const float *row, int ifrq, int iwt, int group, int *nmiss, float *f, float *w,
-                                 int *status) {
-    zorvs_c1wfr(1, group, row, 1, 1, 1, ifrq, iwt, 0, nmiss, f, w, status);
-}
-inline void frequency_and_weight(const double *row, int ifrq, int iwt, int group, int *nmiss, double *f, double *w,
-                                 int *status) {
-    zorvs_dc1wfr(1, group, row, 1, 1, 1, ifrq, iwt, 0, nmiss, f, w, status);
-}
-
 // One row z (p regressors, y at z[p]) of weight t rotated into the rows
 // from j0 on; what is left of it goes to the error sum of squares.
 template <class T>
@@ -252,7 +221,7 @@ __attribute__((always_inline)) inline void weighted_rows(zorvs::GivensFit<T> &f,
             iwt = nfw;
         }
         T fi = T(1), wi = T(1);
-        frequency_and_weight(fw, ifrq, iwt, static_cast<int>(first_row + i + 1), &nmiss, &fi, &wi, &status);
+        zorvs::check::c1wfr(1, static_cast<int>(first_row + i + 1), fw, 1, 1, 1, ifrq, iwt, 0, &nmiss, &fi, &wi, &status);
         if (status == 3) {
             f.stopped = true;
             return;
@@ -356,7 +325,7 @@ void l_r3ivn(zorvs::GivensFit<T> &f, T *coef, T *r) {
             r[static_cast<long>(j) * p + i] = (i > j || !(d[i] > T(0))) ? T(0) : (i == j ? T(1) : at(i, j));
         b[j] = kept ? at(j, p) : T(0);
     }
-    girts(p, r, p, 1, b, 1, &f.rank, coef, nullptr, 1);
+    zorvs::linalg::girts(p, r, p, 1, b, p, 1, &f.rank, coef, p, nullptr, 1);
     f.df_error -= static_cast<T>(f.rank);
     if (f.df_error <= T(0)) {
         zorvs_e1str(1, static_cast<double>(f.df_error));
@@ -422,10 +391,10 @@ void l_g1aov(T dfr, T dfe, T sse, T sst, T ymean, T *aov) {
     zorvs_e1psh(name);
     int arg = 0;
     const T ssr = sst - sse > T(0) ? sst - sse : T(0);
-    check_nonnegative(dfr, "df_regression", &arg);
-    check_nonnegative(dfe, "df_error", &arg);
-    check_nonnegative(sse, "ss_error", &arg);
-    check_nonnegative(ssr, "ss_regression", &arg);
+    zorvs::check::c1ge0(dfr, "df_regression", &arg);
+    zorvs::check::c1ge0(dfe, "df_error", &arg);
+    zorvs::check::c1ge0(sse, "ss_error", &arg);
+    zorvs::check::c1ge0(ssr, "ss_regression", &arg);
     if (zorvs_error_n1rty[0] >= 4) {
         zorvs_e1pop(name);
         return;
@@ -437,21 +406,21 @@ void l_g1aov(T dfr, T dfe, T sse, T sst, T ymean, T *aov) {
     aov[3] = ssr;
     aov[4] = sse;
     aov[5] = ssr + sse;
-    aov[6] = divide(ssr, dfr);
-    aov[7] = divide(sse, dfe);
-    aov[8] = divide(aov[6], aov[7]);
+    aov[6] = zorvs::check::divide(ssr, dfr);
+    aov[7] = zorvs::check::divide(sse, dfe);
+    aov[8] = zorvs::check::divide(aov[6], aov[7]);
     if (zorvs::is_missing(aov[8]))
         aov[9] = nan;
     else if (std::isinf(aov[8]))
         aov[9] = T(0);
     else
         aov[9] = f_upper_tail(aov[8], dfr, dfe);
-    aov[10] = T(100) * divide(ssr, aov[5]);
-    const T u = divide(aov[7], divide(aov[5], dfr + dfe));
+    aov[10] = T(100) * zorvs::check::divide(ssr, aov[5]);
+    const T u = zorvs::check::divide(aov[7], zorvs::check::divide(aov[5], dfr + dfe));
     aov[11] = zorvs::is_missing(u) ? nan : (u > T(1) ? T(0) : T(100) * (T(1) - u));
     aov[12] = zorvs::is_missing(aov[7]) ? nan : std::sqrt(aov[7]);
     aov[13] = ymean;
-    aov[14] = zorvs::is_missing(aov[7]) ? nan : T(100) * divide(aov[12], ymean);
+    aov[14] = zorvs::is_missing(aov[7]) ? nan : T(100) * zorvs::check::divide(aov[12], ymean);
     zorvs_e1pop(name);
 }
 
@@ -460,11 +429,11 @@ void l_rcovb(int n, const T *r, int ldr, T sse, T dfe, T *cov, int ldcov) {
     static const char *const name = "zorvs_rcovb";
     zorvs_e1psh(name);
     int arg = 0, rank = 0;
-    check_r(n, r, ldr, &arg);
+    zorvs::check::c1r(n, r, ldr, &arg);
     if (zorvs_error_n1rty[0] < 4) {
-        const T s2 = divide(sse, dfe);
+        const T s2 = zorvs::check::divide(sse, dfe);
         T dummy = 0;
-        girts(n, r, ldr, 0, &dummy, 3, &rank, &dummy, cov, ldcov);
+        zorvs::linalg::girts(n, r, ldr, 0, &dummy, n, 3, &rank, &dummy, n, cov, ldcov);
         // cov := s2 U U' in place, U the inverse triangle: column j of the
         // product needs columns j and above of U, and (j, j) is written last.
         auto u = [&](int i, int j) -> T & { return cov[static_cast<long>(j) * ldcov + i]; };
@@ -640,12 +609,12 @@ void l_regression(int n_rows, int n_independent, T *x, T *y, va_list *list) {
     // Work space and the coefficients; a failure names n_independent, the
     // argument that sets both sizes.
     fit.work = static_cast<T *>(
-        zorvs::raw_allocate(static_cast<std::size_t>(zorvs::GivensFit<T>::work_size(p)) * sizeof(T)));
+        zorvs::workspace_block(static_cast<std::size_t>(zorvs::GivensFit<T>::work_size(p)) * sizeof(T)));
     if (fit.work && !user) lv_regression<T> = static_cast<T *>(zorvs::raw_allocate(sizeof(T) * p));
-    // The one exit from here on: the work space freed, the record handed over
-    // or freed, and on failure an allocated result freed.
+    // The one exit from here on: the record handed over or freed, and on
+    // failure an allocated result freed.  The work space is the frame's,
+    // freed by its pop.
     auto finish = [&](bool failed) {
-        zorvs::release(fit.work);
         if (failed && !user) zorvs::release(lv_regression<T>);
         if (!failed && info_out)
             *info_out = info;
@@ -683,10 +652,7 @@ void l_regression(int n_rows, int n_independent, T *x, T *y, va_list *list) {
     auto worker_ok = [] { return zorvs_error_n1rty[0] < 4 || zorvs_error_n1rty[0] == 6; };
     const T nan = zorvs::missing<T>();
     if (cov.wanted() && cov.acquire(static_cast<long>(p) * cov_col_dim, 11039)) {
-        if constexpr (std::is_same_v<T, float>)
-            zorvs_rcovb(p, info->r_matrix, p, fit.sse, fit.df_error, cov.storage, cov_col_dim);
-        else
-            zorvs_drcovb(p, info->r_matrix, p, fit.sse, fit.df_error, cov.storage, cov_col_dim);
+        zorvs::regress::rcovb(p, info->r_matrix, p, fit.sse, fit.df_error, cov.storage, cov_col_dim);
         cov.deliver(worker_ok());
     }
     if (anova.wanted() && anova.acquire(15, 11040)) {
@@ -699,10 +665,7 @@ void l_regression(int n_rows, int n_independent, T *x, T *y, va_list *list) {
         }
         const int dfr = fit.rank - fit.intercept > 0 ? fit.rank - fit.intercept : 0;
         for (int k = 0; k < 15; ++k) anova.storage[k] = nan;
-        if constexpr (std::is_same_v<T, float>)
-            zorvs_g1aov(static_cast<T>(dfr), fit.df_error, fit.sse, fit.total_ss, m, anova.storage);
-        else
-            zorvs_dg1aov(static_cast<T>(dfr), fit.df_error, fit.sse, fit.total_ss, m, anova.storage);
+        zorvs::regress::g1aov(static_cast<T>(dfr), fit.df_error, fit.sse, fit.total_ss, m, anova.storage);
         anova.deliver(worker_ok());
     }
     if (means.wanted() && means.acquire(nv, 11041)) {

@@ -32,26 +32,12 @@
 #include "frame/frame.hpp"
 #include "frame/machine.h"
 #include "kernels/kernels.h"
-#include "stat/regress/regress.h"
+#include "kernels/linalg.hpp"
+#include "kernels/sort.hpp"
+#include "stat/regress/regress.hpp"
 #include "zorvstat.h"
 
 namespace {
-
-template <class T>
-inline void transpose(int nra, int nca, T *a) {
-    if constexpr (std::is_same_v<T, float>)
-        zorvs_f_m1ran(nra, nca, a, a);
-    else
-        zorvs_d_m1ran(nra, nca, a, a);
-}
-
-template <class T>
-inline void sort(int n, T *a) {
-    if constexpr (std::is_same_v<T, float>)
-        zorvs_svrgn(n, a, a);
-    else
-        zorvs_dsvrgn(n, a, a);
-}
 
 // Distinct values of the class variables: nclval[v] values of variable v,
 // sorted ascending, stored one run after another in clval; nmiss[v] counts
@@ -98,7 +84,7 @@ void l_gclas(int nobs, int ncol, const T *x, int ldx, int nclvar, const int *ind
             // to the end of this variable's run.
             run[count++] = value;
         }
-        if (count > 1) sort(count, run);
+        if (count > 1) zorvs::sort::svrgn(count, run, run);
         nclval[v] = count;
         total += count;
     }
@@ -308,46 +294,37 @@ void l_regressors_for_glm(int n_observations, T *x, int n_class, int n_cont, va_
     T *out = nullptr;
     bool out_allocated = false;
     int n_regressors = 0, rows_missing = 0, ld = 0;
-    auto finish = [&] {
-        zorvs::release(indcl);
-        zorvs::release(nclval);
-        zorvs::release(nmiss);
-        zorvs::release(nvef);
-        zorvs::release(indef);
-        zorvs::release(clval);
-    };
+    // The work arrays are the frame's workspace, freed by its pop on every
+    // path.
 
-    indcl = zorvs::allocate<int>(static_cast<std::size_t>(n_class));
-    nclval = zorvs::allocate<int>(static_cast<std::size_t>(n_class));
-    nmiss = zorvs::allocate<int>(static_cast<std::size_t>(n_class));
-    if (!indcl || !nclval || !nmiss) return finish();
+    indcl = zorvs::workspace<int>(static_cast<std::size_t>(n_class));
+    nclval = zorvs::workspace<int>(static_cast<std::size_t>(n_class));
+    nmiss = zorvs::workspace<int>(static_cast<std::size_t>(n_class));
+    if (!indcl || !nclval || !nmiss) return;
     for (int v = 0; v < n_class; ++v) indcl[v] = (class_columns ? class_columns[v] : v) + 1;
     if (n_class > 0) {
-        T *all = zorvs::allocate<T>(n_observations, "n_observations", n_class, "n_class");
-        if (!all) return finish();
-        transpose(n_observations, x_col_dim, x);
+        T *all = zorvs::workspace<T>(n_observations, "n_observations", n_class, "n_class");
+        if (!all) return;
+        zorvs::linalg::m1ran(n_observations, x_col_dim, x, x);
         const long limit = static_cast<long>(n_observations) * n_class;
         l_gclas(n_observations, x_col_dim, x, n_observations, n_class, indcl,
                 limit < 2147483647L ? static_cast<int>(limit) : 2147483647, nclval, all, nmiss);
-        transpose(x_col_dim, n_observations, x);
-        if (failed()) {
-            zorvs::release(all);
-            return finish();
-        }
+        zorvs::linalg::m1ran(x_col_dim, n_observations, x, x);
+        if (failed()) return;
         int total = 0;
         for (int v = 0; v < n_class; ++v) total += nclval[v];
-        clval = zorvs::allocate<T>(static_cast<std::size_t>(total));
+        clval = zorvs::workspace<T>(static_cast<std::size_t>(total));
         if (clval) std::memcpy(clval, all, sizeof(T) * static_cast<std::size_t>(total));
-        zorvs::release(all);
-        if (!clval) return finish();
+        zorvs::workspace_free(all);
+        if (!clval) return;
     }
 
     if (effects_given) {
         zorvs_c1iarg(n_effects, "n_effects", 1, 0, &arg_no);
-        if (failed()) return finish();
+        if (failed()) return;
         zorvs_null_pointer("n_var_effects", -1, n_var_effects);
         zorvs_null_pointer("indices_effects", -1, indices_effects);
-        if (failed()) return finish();
+        if (failed()) return;
         long total = 0;
         for (int e = 0; e < n_effects; ++e) {
             if (n_var_effects[e] < 1) {
@@ -358,7 +335,7 @@ void l_regressors_for_glm(int n_observations, T *x, int n_class, int n_cont, va_
                 total += n_var_effects[e];
             }
         }
-        if (failed()) return finish();
+        if (failed()) return;
         for (long i = 0; i < total; ++i) {
             if (indices_effects[i] < 0 || indices_effects[i] > x_col_dim - 1) {
                 zorvs_e1sti(1, static_cast<int>(i));
@@ -367,10 +344,10 @@ void l_regressors_for_glm(int n_observations, T *x, int n_class, int n_cont, va_
                 zorvs_ermes(5, 20238);
             }
         }
-        if (failed()) return finish();
-        nvef = zorvs::allocate<int>(static_cast<std::size_t>(n_effects));
-        indef = zorvs::allocate<int>(static_cast<std::size_t>(total));
-        if (!nvef || !indef) return finish();
+        if (failed()) return;
+        nvef = zorvs::workspace<int>(static_cast<std::size_t>(n_effects));
+        indef = zorvs::workspace<int>(static_cast<std::size_t>(total));
+        if (!nvef || !indef) return;
         std::memcpy(nvef, n_var_effects, sizeof(int) * static_cast<std::size_t>(n_effects));
         for (long i = 0; i < total; ++i) indef[i] = indices_effects[i] + 1;
     } else {
@@ -380,9 +357,9 @@ void l_regressors_for_glm(int n_observations, T *x, int n_class, int n_cont, va_
         for (int j = 1; j <= c; ++j)
             if (class_index(j, n_class, indcl) < 0) ++squares;
         n_effects = order == 1 ? c : c + squares + c * (c - 1) / 2;
-        nvef = zorvs::allocate<int>(static_cast<std::size_t>(n_effects));
-        indef = zorvs::allocate<int>(static_cast<std::size_t>(2 * n_effects));
-        if (!nvef || !indef) return finish();
+        nvef = zorvs::workspace<int>(static_cast<std::size_t>(n_effects));
+        indef = zorvs::workspace<int>(static_cast<std::size_t>(2 * n_effects));
+        if (!nvef || !indef) return;
         int e = 0, pos = 0;
         for (int j = 1; j <= c; ++j) {
             nvef[e++] = 1;
@@ -405,24 +382,20 @@ void l_regressors_for_glm(int n_observations, T *x, int n_class, int n_cont, va_
         }
     }
 
-    transpose(n_observations, x_col_dim, x);
-    if constexpr (std::is_same_v<T, float>)
-        zorvs_grglm(n_observations, x_col_dim, x, n_observations, n_class, indcl, nclval, clval, n_effects, nvef,
-                    indef, -scheme, &n_regressors, nullptr, 1, &rows_missing);
-    else
-        zorvs_dgrglm(n_observations, x_col_dim, x, n_observations, n_class, indcl, nclval, clval, n_effects, nvef,
-                     indef, -scheme, &n_regressors, nullptr, 1, &rows_missing);
+    zorvs::linalg::m1ran(n_observations, x_col_dim, x, x);
+    zorvs::regress::grglm(n_observations, x_col_dim, x, n_observations, n_class, indcl, nclval, clval, n_effects,
+                          nvef, indef, -scheme, &n_regressors, nullptr, 1, &rows_missing);
     if (failed() || (!regressors && !regressors_user)) {
-        transpose(x_col_dim, n_observations, x);
+        zorvs::linalg::m1ran(x_col_dim, n_observations, x, x);
         if (!failed()) lv_n_regressors<T> = n_regressors;
-        return finish();
+        return;
     }
     ld = regressors_col_dim >= 0 ? regressors_col_dim : n_regressors;
     zorvs_c12ile(n_regressors, "n_regressors", ld, "regressors_col_dim", &arg_no);
     if (!failed() && n_regressors > 0) {
         if (regressors_user) {
             out = regressors_user;
-            if (ld > n_regressors) transpose(n_observations, ld, out);
+            if (ld > n_regressors) zorvs::linalg::m1ran(n_observations, ld, out, out);
         } else {
             // The rows of the caller's stride; the cells past the regressors
             // are NaN.
@@ -439,23 +412,18 @@ void l_regressors_for_glm(int n_observations, T *x, int n_class, int n_cont, va_
             out_allocated = out != nullptr;
         }
         if (out) {
-            if constexpr (std::is_same_v<T, float>)
-                zorvs_grglm(n_observations, x_col_dim, x, n_observations, n_class, indcl, nclval, clval, n_effects,
-                            nvef, indef, scheme, &n_regressors, out, n_observations, &rows_missing);
-            else
-                zorvs_dgrglm(n_observations, x_col_dim, x, n_observations, n_class, indcl, nclval, clval,
-                             n_effects, nvef, indef, scheme, &n_regressors, out, n_observations, &rows_missing);
+            zorvs::regress::grglm(n_observations, x_col_dim, x, n_observations, n_class, indcl, nclval, clval,
+                                  n_effects, nvef, indef, scheme, &n_regressors, out, n_observations, &rows_missing);
         }
     }
-    transpose(x_col_dim, n_observations, x);
-    if (out) transpose(ld, n_observations, out);
+    zorvs::linalg::m1ran(x_col_dim, n_observations, x, x);
+    if (out) zorvs::linalg::m1ran(ld, n_observations, out, out);
     if (failed()) {
         if (out_allocated) zorvs::release(out);
-        return finish();
+        return;
     }
     if (regressors) *regressors = out;
     lv_n_regressors<T> = n_regressors;
-    finish();
 }
 
 }  // namespace
