@@ -96,39 +96,18 @@
 #include <cstdarg>
 #include <cstring>
 #include <limits>
-#include <type_traits>
 
 #include "frame/checks.h"
 #include "frame/frame.hpp"
 #include "frame/machine.h"
 #include "kernels/kernels.h"
-#include "kernels/linalg.h"
+#include "kernels/linalg.hpp"
 #include "zorvstat.h"
 
 namespace {
 
 template <class T>
 T *lv_arma = nullptr;
-
-template <class T>
-constexpr T eps = std::numeric_limits<T>::epsilon();
-
-inline int first_nan(int n, const float *x) { return zorvs_isanan(n, x, 1); }
-inline int first_nan(int n, const double *x) { return zorvs_idanan(n, x, 1); }
-inline void mxtxf(int m, int k, const float *a, float *b) { zorvs_mxtxf(&m, &k, a, &m, &k, b, &k); }
-inline void mxtxf(int m, int k, const double *a, double *b) { zorvs_dmxtxf(&m, &k, a, &m, &k, b, &k); }
-inline void chfac(int k, const float *a, float tol, int *rank, float *r) { zorvs_chfac(&k, a, &k, &tol, rank, r, &k); }
-inline void chfac(int k, const double *a, double tol, int *rank, double *r) {
-    zorvs_dchfac(&k, a, &k, &tol, rank, r, &k);
-}
-inline void rinverse(int k, const float *r, int *rank, float *rinv) {
-    const int nb = 0, ipath = 3;
-    zorvs_girts(&k, r, &k, &nb, nullptr, &k, &ipath, rank, nullptr, &k, rinv, &k);
-}
-inline void rinverse(int k, const double *r, int *rank, double *rinv) {
-    const int nb = 0, ipath = 3;
-    zorvs_dgirts(&k, r, &k, &nb, nullptr, &k, &ipath, rank, nullptr, &k, rinv, &k);
-}
 
 // Column-major element (i, j) from 0.
 template <class T>
@@ -292,7 +271,7 @@ bool zorvs_m4mme(int q, const T *g, T *tau, T *work) {
     T *lu = jac + n * n, *dogleg = lu;  // lu: the Jacobian, rebuilt before each use
     for (int i = 0; i < n; ++i) tau[i] = 0;
     tau[0] = std::sqrt(g[0]);
-    const T target = 64 * eps<T> * g[0];
+    const T target = 64 * zorvs::epsilon<T>() * g[0];
     zorvs_m5mme(q, g, tau, f);
     T norm = std::sqrt(sum_of_squares<T>(n, f));
     T delta = 100 * tau[0];
@@ -326,7 +305,7 @@ bool zorvs_m4mme(int q, const T *g, T *tau, T *work) {
                 delta = std::fmax(delta, 2 * snorm);
             } else {
                 delta = (tries == 0 && solved ? snorm : delta) / 2;
-                if (!(snorm > 0) || delta <= eps<T> * std::sqrt(sum_of_squares<T>(n, tau))) break;
+                if (!(snorm > 0) || delta <= zorvs::epsilon<T>() * std::sqrt(sum_of_squares<T>(n, tau))) break;
             }
         }
         if (!accepted) break;
@@ -498,7 +477,7 @@ template <class T>
 void l_n5lse(const Model<T> &md, T *x, const T *r, const T *scale, T relerr, const ResidualWork<T> &w, T *jac) {
     const long m = md.n_residuals();
     const int k = md.n_params();
-    const T root = std::sqrt(std::fmax(relerr, eps<T>));
+    const T root = std::sqrt(std::fmax(relerr, zorvs::epsilon<T>()));
     for (int j = 0; j < k; ++j) {
         const T keep = x[j];
         T h = root * std::fmax(std::fabs(keep), scale[j]);
@@ -615,7 +594,7 @@ void l_n3lse(const Model<T> &md, T *x, const T *scale, const SearchControl &ctl,
         std::memcpy(trial_r, r, m * sizeof(T));
         zorvs_l2rrr<T>(m, k, jac, trial_r, rk, qtr);
         const T qtr2 = sum_of_squares<T>(k, qtr);
-        if (!(qtr2 > eps<T> * eps<T> * s)) {
+        if (!(qtr2 > zorvs::epsilon<T>() * zorvs::epsilon<T>() * s)) {
             converged = true;  // the residuals are orthogonal to the Jacobian
             break;
         }
@@ -648,7 +627,8 @@ void l_n3lse(const Model<T> &md, T *x, const T *scale, const SearchControl &ctl,
                 lambda *= nu;
                 nu *= 2;
                 // no step of any length reduces the sum: a minimum to rounding
-                if (dx <= eps<T> * (xs + eps<T>) || predicted <= eps<T> * s || !std::isfinite(lambda)) {
+                const T e = zorvs::epsilon<T>();
+                if (dx <= e * (xs + e) || predicted <= e * s || !std::isfinite(lambda)) {
                     converged = true;
                     break;
                 }
@@ -672,10 +652,11 @@ void l_n2lse(const Model<T> &md, T *x, const SearchControl &ctl, T zscale, T *r,
     zorvs_e1psh(name);
     const int k = md.n_params();
     const long m = md.n_residuals();
+    // Work arrays of this frame: its pop frees them on every path.
     T *big = nullptr, *small = nullptr;
     ResidualWork<T> w{};
     const std::size_t nbig = static_cast<std::size_t>(md.length) + 2u * md.n + 1u + static_cast<std::size_t>(m) * (k + 1);
-    if ((big = zorvs::allocate<T>(nbig)) && (small = zorvs::allocate<T>(static_cast<std::size_t>(k) * (4 * k + 10) + 8))) {
+    if ((big = zorvs::workspace<T>(nbig)) && (small = zorvs::workspace<T>(static_cast<std::size_t>(k) * (4 * k + 10) + 8))) {
         w.ext = big;
         w.e = big + md.length + md.n;
         w.full = small + static_cast<std::size_t>(k) * (4 * k + 7);
@@ -688,10 +669,12 @@ void l_n2lse(const Model<T> &md, T *x, const SearchControl &ctl, T zscale, T *r,
             *sigma2 = m > k ? *ss / static_cast<T>(m - k) : zorvs::missing<T>();
             if (cov) {
                 T *xtx = small, *fac = small + k * k, *rinv = fac + k * k;
-                mxtxf(static_cast<int>(m), k, jac, xtx);
+                const int rows = static_cast<int>(m);
+                zorvs::linalg::mxtxf(rows, k, jac, rows, k, xtx, k);
                 int rank = 0;
-                chfac(k, xtx, 100 * eps<T>, &rank, fac);
-                rinverse(k, fac, &rank, rinv);
+                zorvs::linalg::chfac(k, xtx, k, 100 * zorvs::epsilon<T>(), &rank, fac, k);
+                // path 3: the inverse of R only, no right-hand sides
+                zorvs::linalg::girts(k, fac, k, 0, nullptr, k, 3, &rank, nullptr, k, rinv, k);
                 for (int i = 0; i < k; ++i)
                     for (int j = 0; j < k; ++j) {
                         T s = 0;
@@ -701,8 +684,6 @@ void l_n2lse(const Model<T> &md, T *x, const SearchControl &ctl, T zscale, T *r,
             }
         }
     }
-    zorvs::release(big);
-    zorvs::release(small);
     zorvs_e1pop(name);
 }
 
@@ -762,7 +743,7 @@ void l_arma(int n, T *z, int p, int q, va_list *list) {
     int *ar_lags_in = nullptr, *ma_lags_in = nullptr;
     int length = 10, max_iterations = 200;
     T threshold = 0;
-    const double eps_t = static_cast<double>(eps<T>);
+    const double eps_t = static_cast<double>(zorvs::epsilon<T>());
     double tolerance = std::fmax(1.0e-9, std::pow(eps_t, 2.0 / 3.0)), relerr = eps_t;
     Outputs<T> out;
     for (int key = kw.keyword(); key != 0; key = kw.keyword()) {
@@ -845,8 +826,8 @@ void l_arma(int n, T *z, int p, int q, va_list *list) {
     if (n < 2) {
         zorvs_e1sti(1, n);
         zorvs_ermes(5, 11083);
-    } else if (int at_nan = first_nan(n, z); at_nan != 0) {
-        zorvs_e1sti(1, at_nan - 1);
+    } else if (int at_nan = zorvs::first_missing(n, z); at_nan >= 0) {
+        zorvs_e1sti(1, at_nan);
         zorvs_ermes(5, 11227);
     } else {
         for (int i = 0; i < n; ++i)
