@@ -855,8 +855,9 @@ void l_arma(int n, T *z, int p, int q, va_list *list) {
         zorvs_null_pointer("ar", -1, p > 0 ? init_ar : z);
         zorvs_null_pointer("ma", -1, q > 0 ? init_ma : z);
     }
-    // lags: 1 to n - 1
-    int *lags = zorvs::allocate<int>(p + q + 1);
+    // lags: 1 to n - 1.  The work arrays belong to the frame, whose pop
+    // frees them on every path.
+    int *lags = zorvs::workspace<int>(p + q + 1);
     if (!lags) return;
     int big_p = 0, big_q = 0;
     for (int i = 0; i < p + q; ++i) {
@@ -889,7 +890,6 @@ void l_arma(int n, T *z, int p, int q, va_list *list) {
         zorvs_ermes(5, 11226);
     }
     if (zorvs_error_n1rty[0] > 3) {
-        zorvs::release(lags);
         zorvs::exit_test(lv_arma<T>, user);
         return;
     }
@@ -900,8 +900,8 @@ void l_arma(int n, T *z, int p, int q, va_list *list) {
     T *x = nullptr, *acv = nullptr, *mom = nullptr, *resid = nullptr, *cov = nullptr;
     T *acv_alloc = nullptr, *resid_alloc = nullptr, *cov_alloc = nullptr;
     zorvs_arma_info *info = nullptr;
-    bool ok = (x = zorvs::allocate<T>(p + q + 1)) && (acv = zorvs::allocate<T>(n_acv)) &&
-              (mom = zorvs::allocate<T>(mom_work));
+    bool ok = (x = zorvs::workspace<T>(p + q + 1)) && (acv = zorvs::workspace<T>(n_acv)) &&
+              (mom = zorvs::workspace<T>(mom_work));
     if (ok && !user) ok = (lv_arma<T> = zorvs::allocate<T>(p + q + 1, "n_observations")) != nullptr;
     if (ok && lsq) {
         if (out.residual_ptr) ok = (resid_alloc = zorvs::allocate<T>(static_cast<int>(m), "length")) != nullptr;
@@ -979,10 +979,6 @@ void l_arma(int n, T *z, int p, int q, va_list *list) {
         if (out.info) *out.info = info;
     }
     zorvs::exit_test(lv_arma<T>, user);
-    zorvs::release(x);
-    zorvs::release(acv);
-    zorvs::release(mom);
-    zorvs::release(lags);
     zorvs::release(acv_alloc);
     zorvs::release(resid_alloc);
     zorvs::release(cov_alloc);
