@@ -692,9 +692,10 @@ void l_n2lse(const Model<T> &md, T *x, const SearchControl &ctl, T zscale, T *r,
 
 template <class T>
 struct Outputs {
-    T *residual = nullptr, **residual_ptr = nullptr;
-    T *cov = nullptr, **cov_ptr = nullptr;
-    T *acv = nullptr, **acv_ptr = nullptr;
+    // ZORVS_X through a pair, handed over by the pop on success; the
+    // caller's ZORVS_X_USER array beside it.
+    zorvs::OutputPair<T> residual_out, cov_out, acv_out;
+    T *residual = nullptr, *cov = nullptr, *acv = nullptr;
     T *ss = nullptr, *mean = nullptr;
     void **info = nullptr;
     T *constant = nullptr, *ar = nullptr, *ma = nullptr;
@@ -775,11 +776,11 @@ void l_arma(int n, T *z, int p, int q, va_list *list) {
         case ZORVS_RELATIVE_ERROR_ADR: relerr = *kw.pointer<T>(), ++n_lsq_only; break;
         case ZORVS_MAX_ITERATIONS: max_iterations = kw.integer(), ++n_lsq_only; break;
         case ZORVS_MEAN_ESTIMATE: out.mean = kw.pointer<T>(); break;
-        case ZORVS_RESIDUAL: out.residual_ptr = kw.pointer<T *>(), ++n_lsq_only; break;
+        case ZORVS_RESIDUAL: out.residual_out.take_address(kw.pointer<T *>()), ++n_lsq_only; break;
         case ZORVS_RESIDUAL_USER: out.residual = kw.pointer<T>(), ++n_lsq_only; break;
-        case ZORVS_PARAM_EST_COV: out.cov_ptr = kw.pointer<T *>(), ++n_lsq_only; break;
+        case ZORVS_PARAM_EST_COV: out.cov_out.take_address(kw.pointer<T *>()), ++n_lsq_only; break;
         case ZORVS_PARAM_EST_COV_USER: out.cov = kw.pointer<T>(), ++n_lsq_only; break;
-        case ZORVS_AUTOCOV: out.acv_ptr = kw.pointer<T *>(); break;
+        case ZORVS_AUTOCOV: out.acv_out.take_address(kw.pointer<T *>()); break;
         case ZORVS_AUTOCOV_USER: out.acv = kw.pointer<T>(); break;
         case ZORVS_SS_RESIDUAL: out.ss = kw.pointer<T>(), ++n_lsq_only; break;
         case ZORVS_ARMA_INFO: out.info = kw.pointer<void *>(); break;
@@ -898,19 +899,18 @@ void l_arma(int n, T *z, int p, int q, va_list *list) {
     const int n_acv = p + q + 2;
     const int mom_work = p * p + 7 * (q + 1) + 2 * (q + 1) * (q + 1);
     T *x = nullptr, *acv = nullptr, *mom = nullptr, *resid = nullptr, *cov = nullptr;
-    T *acv_alloc = nullptr, *resid_alloc = nullptr, *cov_alloc = nullptr;
     zorvs_arma_info *info = nullptr;
     bool ok = (x = zorvs::workspace<T>(p + q + 1)) && (acv = zorvs::workspace<T>(n_acv)) &&
               (mom = zorvs::workspace<T>(mom_work));
     if (ok && !user) ok = (lv_arma<T> = zorvs::allocate<T>(p + q + 1, "n_observations")) != nullptr;
     if (ok && lsq) {
-        if (out.residual_ptr) ok = (resid_alloc = zorvs::allocate<T>(static_cast<int>(m), "length")) != nullptr;
-        resid = out.residual ? out.residual : resid_alloc;
-        if (ok && !resid) ok = (resid = resid_alloc = zorvs::allocate<T>(static_cast<int>(m), "length")) != nullptr;
-        if (ok && out.cov_ptr) ok = (cov_alloc = zorvs::allocate<T>(k, "ldcov", k, "ldcov")) != nullptr;
-        cov = out.cov ? out.cov : cov_alloc;
+        ok = out.residual_out.obtain(static_cast<int>(m), "length");
+        resid = out.residual ? out.residual : out.residual_out.data();
+        if (ok && !resid) ok = (resid = zorvs::workspace<T>(static_cast<int>(m), "length")) != nullptr;
+        if (ok) ok = out.cov_out.obtain(k, "ldcov", k, "ldcov");
+        cov = out.cov ? out.cov : out.cov_out.data();
     }
-    if (ok && out.acv_ptr) ok = (acv_alloc = zorvs::allocate<T>(n_acv, "n_observations")) != nullptr;
+    if (ok) ok = out.acv_out.obtain(n_acv, "n_observations");
 
     T sigma2 = zorvs::missing<T>(), ss = zorvs::missing<T>(), mean = 0;
     if (ok) {
@@ -968,20 +968,17 @@ void l_arma(int n, T *z, int p, int q, va_list *list) {
         }
         if (out.mean) *out.mean = mean;
         if (out.acv) std::memcpy(out.acv, acv, n_acv * sizeof(T));
-        if (out.acv_ptr) {
-            std::memcpy(acv_alloc, acv, n_acv * sizeof(T));
-            *out.acv_ptr = acv_alloc;
-            acv_alloc = nullptr;
-        }
+        if (T *a = out.acv_out.data()) std::memcpy(a, acv, n_acv * sizeof(T));
         if (out.ss) *out.ss = ss;
-        if (out.residual_ptr) *out.residual_ptr = resid_alloc, resid_alloc = nullptr;
-        if (out.cov_ptr) *out.cov_ptr = cov_alloc, cov_alloc = nullptr;
+        // a residual or covariance block given with ZORVS_X_USER as well
+        // still receives the values
+        if (T *r = out.residual_out.data(); r && r != resid)
+            std::memcpy(r, resid, static_cast<std::size_t>(m) * sizeof(T));
+        if (T *c = out.cov_out.data(); c && c != cov)
+            std::memcpy(c, cov, static_cast<std::size_t>(k) * k * sizeof(T));
         if (out.info) *out.info = info;
     }
     zorvs::exit_test(lv_arma<T>, user);
-    zorvs::release(acv_alloc);
-    zorvs::release(resid_alloc);
-    zorvs::release(cov_alloc);
 }
 
 }  // namespace
