@@ -738,7 +738,6 @@ zorvs_arma_info *make_info(int n, const T *z, int p, int q, const int *ar_lags, 
 template <class T>
 void l_arma(int n, T *z, int p, int q, va_list *list) {
     zorvs::KeywordReader kw(list, 4);
-    bool user = false;
     int n_constant = 0, n_no_constant = 0, n_moments = 0, n_lsq = 0, n_initial = 0, n_lsq_only = 0;
     T *init_ar = nullptr, *init_ma = nullptr;
     int *ar_lags_in = nullptr, *ma_lags_in = nullptr;
@@ -747,6 +746,9 @@ void l_arma(int n, T *z, int p, int q, va_list *list) {
     const double eps_t = static_cast<double>(zorvs::epsilon<T>());
     double tolerance = std::fmax(1.0e-9, std::pow(eps_t, 2.0 / 3.0)), relerr = eps_t;
     Outputs<T> out;
+    // The static result: its own block, or with ZORVS_RETURN_USER the
+    // caller's constant, AR and MA arrays.
+    zorvs::OutputPair<T> result(lv_arma<T>);
     for (int key = kw.keyword(); key != 0; key = kw.keyword()) {
         switch (key) {
         case ZORVS_CONSTANT: ++n_constant; break;
@@ -788,8 +790,7 @@ void l_arma(int n, T *z, int p, int q, va_list *list) {
             out.constant = kw.pointer<T>();
             out.ar = kw.pointer<T>();
             out.ma = kw.pointer<T>();
-            lv_arma<T> = out.constant;
-            user = true;
+            result.take_user(out.constant);
             break;
         default: kw.unknown(key); return;
         }
@@ -808,7 +809,6 @@ void l_arma(int n, T *z, int p, int q, va_list *list) {
     if (clash) {
         zorvs_e1stl(1, clash);
         zorvs_ermes(5, 11117);
-        zorvs::exit_test(lv_arma<T>, user);
         return;
     }
     // 2., 3. orders and the series
@@ -816,12 +816,10 @@ void l_arma(int n, T *z, int p, int q, va_list *list) {
         zorvs_e1sti(1, p);
         zorvs_e1sti(2, q);
         zorvs_ermes(5, 11257);
-        zorvs::exit_test(lv_arma<T>, user);
         return;
     }
     zorvs_null_pointer("z", -1, z);
     if (zorvs_error_n1rty[0] > 3) {
-        zorvs::exit_test(lv_arma<T>, user);
         return;
     }
     if (n < 2) {
@@ -845,10 +843,9 @@ void l_arma(int n, T *z, int p, int q, va_list *list) {
         zorvs_ermes(5, 11226);
     }
     if (zorvs_error_n1rty[0] > 3) {
-        zorvs::exit_test(lv_arma<T>, user);
         return;
     }
-    if (user) {
+    if (result.user()) {
         zorvs_null_pointer("ar", -1, p > 0 ? out.ar : z);
         zorvs_null_pointer("ma", -1, q > 0 ? out.ma : z);
     }
@@ -891,7 +888,6 @@ void l_arma(int n, T *z, int p, int q, va_list *list) {
         zorvs_ermes(5, 11226);
     }
     if (zorvs_error_n1rty[0] > 3) {
-        zorvs::exit_test(lv_arma<T>, user);
         return;
     }
 
@@ -902,7 +898,7 @@ void l_arma(int n, T *z, int p, int q, va_list *list) {
     zorvs_arma_info *info = nullptr;
     bool ok = (x = zorvs::workspace<T>(p + q + 1)) && (acv = zorvs::workspace<T>(n_acv)) &&
               (mom = zorvs::workspace<T>(mom_work));
-    if (ok && !user) ok = (lv_arma<T> = zorvs::allocate<T>(p + q + 1, "n_observations")) != nullptr;
+    if (ok) ok = result.obtain(p + q + 1, "n_observations");
     if (ok && lsq) {
         ok = out.residual_out.obtain(static_cast<int>(m), "length");
         resid = out.residual ? out.residual : out.residual_out.data();
@@ -959,12 +955,12 @@ void l_arma(int n, T *z, int p, int q, va_list *list) {
                          lsq ? ZORVS_LEAST_SQUARES : ZORVS_METHOD_OF_MOMENTS, mean, x, sigma2, big_p,
                          lsq ? big_q : 0, resid, m);
     if (ok && zorvs_error_n1rty[0] < 4) {
-        if (user) {
+        if (result.user()) {
             *out.constant = x[0];
             if (p > 0) std::memcpy(out.ar, x + 1, p * sizeof(T));
             if (q > 0) std::memcpy(out.ma, x + 1 + p, q * sizeof(T));
         } else {
-            std::memcpy(lv_arma<T>, x, (p + q + 1) * sizeof(T));
+            std::memcpy(result.data(), x, (p + q + 1) * sizeof(T));
         }
         if (out.mean) *out.mean = mean;
         if (out.acv) std::memcpy(out.acv, acv, n_acv * sizeof(T));
@@ -978,7 +974,6 @@ void l_arma(int n, T *z, int p, int q, va_list *list) {
             std::memcpy(c, cov, static_cast<std::size_t>(k) * k * sizeof(T));
         if (out.info) *out.info = info;
     }
-    zorvs::exit_test(lv_arma<T>, user);
 }
 
 }  // namespace
