@@ -41,6 +41,14 @@ template <class T>
 bool is_missing(T x) {
     return std::isnan(static_cast<double>(x));
 }
+// Index from 0 of the first NaN among x[0], ..., x[n - 1]; -1 if there is
+// none or n is below 1.
+template <class T>
+int first_missing(int n, const T *x) {
+    for (int i = 0; i < n; ++i)
+        if (is_missing(x[i])) return i;
+    return -1;
+}
 
 // A value chosen by the twin: by_type<T>(single, dbl) for float and double,
 // the third for int.  It names the routine of a twin,

@@ -29,7 +29,7 @@
 
 #include "frame/checks.h"
 #include "frame/frame.hpp"
-#include "kernels/blas.hpp"
+#include "frame/twin.hpp"
 #include "util/extrema.hpp"
 #include "zorvstat.h"
 
@@ -84,7 +84,7 @@ void l_owfrq(const int *n_observations, const T *x, const int *n_intervals, cons
         zorvs_e1sti(1, k);
         zorvs_ermes(5, 20025);
     }
-    if (n > 0 && zorvs::blas::ianan(n, x, 1) != 0) zorvs_ermes(5, 20026);
+    if (zorvs::first_missing(n, x) >= 0) zorvs_ermes(5, 20026);
     if (zorvs_n1rcd(0) != 0) {
         zorvs_e1pop(name);
         return;

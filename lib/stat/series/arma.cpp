@@ -96,39 +96,18 @@
 #include <cstdarg>
 #include <cstring>
 #include <limits>
-#include <type_traits>
 
 #include "frame/checks.h"
 #include "frame/frame.hpp"
 #include "frame/machine.h"
 #include "kernels/kernels.h"
-#include "kernels/linalg.h"
+#include "kernels/linalg.hpp"
 #include "zorvstat.h"
 
 namespace {
 
 template <class T>
 T *lv_arma = nullptr;
-
-template <class T>
-constexpr T eps = std::numeric_limits<T>::epsilon();
-
-inline int first_nan(int n, const float *x) { return zorvs_isanan(n, x, 1); }
-inline int first_nan(int n, const double *x) { return zorvs_idanan(n, x, 1); }
-inline void mxtxf(int m, int k, const float *a, float *b) { zorvs_mxtxf(&m, &k, a, &m, &k, b, &k); }
-inline void mxtxf(int m, int k, const double *a, double *b) { zorvs_dmxtxf(&m, &k, a, &m, &k, b, &k); }
-inline void chfac(int k, const float *a, float tol, int *rank, float *r) { zorvs_chfac(&k, a, &k, &tol, rank, r, &k); }
-inline void chfac(int k, const double *a, double tol, int *rank, double *r) {
-    zorvs_dchfac(&k, a, &k, &tol, rank, r, &k);
-}
-inline void rinverse(int k, const float *r, int *rank, float *rinv) {
-    const int nb = 0, ipath = 3;
-    zorvs_girts(&k, r, &k, &nb, nullptr, &k, &ipath, rank, nullptr, &k, rinv, &k);
-}
-inline void rinverse(int k, const double *r, int *rank, double *rinv) {
-    const int nb = 0, ipath = 3;
-    zorvs_dgirts(&k, r, &k, &nb, nullptr, &k, &ipath, rank, nullptr, &k, rinv, &k);
-}
 
 // Column-major element (i, j) from 0.
 template <class T>
@@ -292,7 +271,7 @@ bool zorvs_m4mme(int q, const T *g, T *tau, T *work) {
     T *lu = jac + n * n, *dogleg = lu;  // lu: the Jacobian, rebuilt before each use
     for (int i = 0; i < n; ++i) tau[i] = 0;
     tau[0] = std::sqrt(g[0]);
-    const T target = 64 * eps<T> * g[0];
+    const T target = 64 * zorvs::epsilon<T>() * g[0];
     zorvs_m5mme(q, g, tau, f);
     T norm = std::sqrt(sum_of_squares<T>(n, f));
     T delta = 100 * tau[0];
@@ -326,7 +305,7 @@ bool zorvs_m4mme(int q, const T *g, T *tau, T *work) {
                 delta = std::fmax(delta, 2 * snorm);
             } else {
                 delta = (tries == 0 && solved ? snorm : delta) / 2;
-                if (!(snorm > 0) || delta <= eps<T> * std::sqrt(sum_of_squares<T>(n, tau))) break;
+                if (!(snorm > 0) || delta <= zorvs::epsilon<T>() * std::sqrt(sum_of_squares<T>(n, tau))) break;
             }
         }
         if (!accepted) break;
@@ -498,7 +477,7 @@ template <class T>
 void l_n5lse(const Model<T> &md, T *x, const T *r, const T *scale, T relerr, const ResidualWork<T> &w, T *jac) {
     const long m = md.n_residuals();
     const int k = md.n_params();
-    const T root = std::sqrt(std::fmax(relerr, eps<T>));
+    const T root = std::sqrt(std::fmax(relerr, zorvs::epsilon<T>()));
     for (int j = 0; j < k; ++j) {
         const T keep = x[j];
         T h = root * std::fmax(std::fabs(keep), scale[j]);
@@ -615,7 +594,7 @@ void l_n3lse(const Model<T> &md, T *x, const T *scale, const SearchControl &ctl,
         std::memcpy(trial_r, r, m * sizeof(T));
         zorvs_l2rrr<T>(m, k, jac, trial_r, rk, qtr);
         const T qtr2 = sum_of_squares<T>(k, qtr);
-        if (!(qtr2 > eps<T> * eps<T> * s)) {
+        if (!(qtr2 > zorvs::epsilon<T>() * zorvs::epsilon<T>() * s)) {
             converged = true;  // the residuals are orthogonal to the Jacobian
             break;
         }
@@ -648,7 +627,8 @@ void l_n3lse(const Model<T> &md, T *x, const T *scale, const SearchControl &ctl,
                 lambda *= nu;
                 nu *= 2;
                 // no step of any length reduces the sum: a minimum to rounding
-                if (dx <= eps<T> * (xs + eps<T>) || predicted <= eps<T> * s || !std::isfinite(lambda)) {
+                const T e = zorvs::epsilon<T>();
+                if (dx <= e * (xs + e) || predicted <= e * s || !std::isfinite(lambda)) {
                     converged = true;
                     break;
                 }
@@ -672,10 +652,11 @@ void l_n2lse(const Model<T> &md, T *x, const SearchControl &ctl, T zscale, T *r,
     zorvs_e1psh(name);
     const int k = md.n_params();
     const long m = md.n_residuals();
+    // Work arrays of this frame: its pop frees them on every path.
     T *big = nullptr, *small = nullptr;
     ResidualWork<T> w{};
     const std::size_t nbig = static_cast<std::size_t>(md.length) + 2u * md.n + 1u + static_cast<std::size_t>(m) * (k + 1);
-    if ((big = zorvs::allocate<T>(nbig)) && (small = zorvs::allocate<T>(static_cast<std::size_t>(k) * (4 * k + 10) + 8))) {
+    if ((big = zorvs::workspace<T>(nbig)) && (small = zorvs::workspace<T>(static_cast<std::size_t>(k) * (4 * k + 10) + 8))) {
         w.ext = big;
         w.e = big + md.length + md.n;
         w.full = small + static_cast<std::size_t>(k) * (4 * k + 7);
@@ -688,10 +669,12 @@ void l_n2lse(const Model<T> &md, T *x, const SearchControl &ctl, T zscale, T *r,
             *sigma2 = m > k ? *ss / static_cast<T>(m - k) : zorvs::missing<T>();
             if (cov) {
                 T *xtx = small, *fac = small + k * k, *rinv = fac + k * k;
-                mxtxf(static_cast<int>(m), k, jac, xtx);
+                const int rows = static_cast<int>(m);
+                zorvs::linalg::mxtxf(rows, k, jac, rows, k, xtx, k);
                 int rank = 0;
-                chfac(k, xtx, 100 * eps<T>, &rank, fac);
-                rinverse(k, fac, &rank, rinv);
+                zorvs::linalg::chfac(k, xtx, k, 100 * zorvs::epsilon<T>(), &rank, fac, k);
+                // path 3: the inverse of R only, no right-hand sides
+                zorvs::linalg::girts(k, fac, k, 0, nullptr, k, 3, &rank, nullptr, k, rinv, k);
                 for (int i = 0; i < k; ++i)
                     for (int j = 0; j < k; ++j) {
                         T s = 0;
@@ -701,8 +684,6 @@ void l_n2lse(const Model<T> &md, T *x, const SearchControl &ctl, T zscale, T *r,
             }
         }
     }
-    zorvs::release(big);
-    zorvs::release(small);
     zorvs_e1pop(name);
 }
 
@@ -711,9 +692,10 @@ void l_n2lse(const Model<T> &md, T *x, const SearchControl &ctl, T zscale, T *r,
 
 template <class T>
 struct Outputs {
-    T *residual = nullptr, **residual_ptr = nullptr;
-    T *cov = nullptr, **cov_ptr = nullptr;
-    T *acv = nullptr, **acv_ptr = nullptr;
+    // ZORVS_X through a pair, handed over by the pop on success; the
+    // caller's ZORVS_X_USER array beside it.
+    zorvs::OutputPair<T> residual_out, cov_out, acv_out;
+    T *residual = nullptr, *cov = nullptr, *acv = nullptr;
     T *ss = nullptr, *mean = nullptr;
     void **info = nullptr;
     T *constant = nullptr, *ar = nullptr, *ma = nullptr;
@@ -756,15 +738,17 @@ zorvs_arma_info *make_info(int n, const T *z, int p, int q, const int *ar_lags, 
 template <class T>
 void l_arma(int n, T *z, int p, int q, va_list *list) {
     zorvs::KeywordReader kw(list, 4);
-    bool user = false;
     int n_constant = 0, n_no_constant = 0, n_moments = 0, n_lsq = 0, n_initial = 0, n_lsq_only = 0;
     T *init_ar = nullptr, *init_ma = nullptr;
     int *ar_lags_in = nullptr, *ma_lags_in = nullptr;
     int length = 10, max_iterations = 200;
     T threshold = 0;
-    const double eps_t = static_cast<double>(eps<T>);
+    const double eps_t = static_cast<double>(zorvs::epsilon<T>());
     double tolerance = std::fmax(1.0e-9, std::pow(eps_t, 2.0 / 3.0)), relerr = eps_t;
     Outputs<T> out;
+    // The static result: its own block, or with ZORVS_RETURN_USER the
+    // caller's constant, AR and MA arrays.
+    zorvs::OutputPair<T> result(lv_arma<T>);
     for (int key = kw.keyword(); key != 0; key = kw.keyword()) {
         switch (key) {
         case ZORVS_CONSTANT: ++n_constant; break;
@@ -794,11 +778,11 @@ void l_arma(int n, T *z, int p, int q, va_list *list) {
         case ZORVS_RELATIVE_ERROR_ADR: relerr = *kw.pointer<T>(), ++n_lsq_only; break;
         case ZORVS_MAX_ITERATIONS: max_iterations = kw.integer(), ++n_lsq_only; break;
         case ZORVS_MEAN_ESTIMATE: out.mean = kw.pointer<T>(); break;
-        case ZORVS_RESIDUAL: out.residual_ptr = kw.pointer<T *>(), ++n_lsq_only; break;
+        case ZORVS_RESIDUAL: out.residual_out.take_address(kw.pointer<T *>()), ++n_lsq_only; break;
         case ZORVS_RESIDUAL_USER: out.residual = kw.pointer<T>(), ++n_lsq_only; break;
-        case ZORVS_PARAM_EST_COV: out.cov_ptr = kw.pointer<T *>(), ++n_lsq_only; break;
+        case ZORVS_PARAM_EST_COV: out.cov_out.take_address(kw.pointer<T *>()), ++n_lsq_only; break;
         case ZORVS_PARAM_EST_COV_USER: out.cov = kw.pointer<T>(), ++n_lsq_only; break;
-        case ZORVS_AUTOCOV: out.acv_ptr = kw.pointer<T *>(); break;
+        case ZORVS_AUTOCOV: out.acv_out.take_address(kw.pointer<T *>()); break;
         case ZORVS_AUTOCOV_USER: out.acv = kw.pointer<T>(); break;
         case ZORVS_SS_RESIDUAL: out.ss = kw.pointer<T>(), ++n_lsq_only; break;
         case ZORVS_ARMA_INFO: out.info = kw.pointer<void *>(); break;
@@ -806,8 +790,7 @@ void l_arma(int n, T *z, int p, int q, va_list *list) {
             out.constant = kw.pointer<T>();
             out.ar = kw.pointer<T>();
             out.ma = kw.pointer<T>();
-            lv_arma<T> = out.constant;
-            user = true;
+            result.take_user(out.constant);
             break;
         default: kw.unknown(key); return;
         }
@@ -826,7 +809,6 @@ void l_arma(int n, T *z, int p, int q, va_list *list) {
     if (clash) {
         zorvs_e1stl(1, clash);
         zorvs_ermes(5, 11117);
-        zorvs::exit_test(lv_arma<T>, user);
         return;
     }
     // 2., 3. orders and the series
@@ -834,19 +816,17 @@ void l_arma(int n, T *z, int p, int q, va_list *list) {
         zorvs_e1sti(1, p);
         zorvs_e1sti(2, q);
         zorvs_ermes(5, 11257);
-        zorvs::exit_test(lv_arma<T>, user);
         return;
     }
     zorvs_null_pointer("z", -1, z);
     if (zorvs_error_n1rty[0] > 3) {
-        zorvs::exit_test(lv_arma<T>, user);
         return;
     }
     if (n < 2) {
         zorvs_e1sti(1, n);
         zorvs_ermes(5, 11083);
-    } else if (int at_nan = first_nan(n, z); at_nan != 0) {
-        zorvs_e1sti(1, at_nan - 1);
+    } else if (int at_nan = zorvs::first_missing(n, z); at_nan >= 0) {
+        zorvs_e1sti(1, at_nan);
         zorvs_ermes(5, 11227);
     } else {
         for (int i = 0; i < n; ++i)
@@ -863,10 +843,9 @@ void l_arma(int n, T *z, int p, int q, va_list *list) {
         zorvs_ermes(5, 11226);
     }
     if (zorvs_error_n1rty[0] > 3) {
-        zorvs::exit_test(lv_arma<T>, user);
         return;
     }
-    if (user) {
+    if (result.user()) {
         zorvs_null_pointer("ar", -1, p > 0 ? out.ar : z);
         zorvs_null_pointer("ma", -1, q > 0 ? out.ma : z);
     }
@@ -874,8 +853,9 @@ void l_arma(int n, T *z, int p, int q, va_list *list) {
         zorvs_null_pointer("ar", -1, p > 0 ? init_ar : z);
         zorvs_null_pointer("ma", -1, q > 0 ? init_ma : z);
     }
-    // lags: 1 to n - 1
-    int *lags = zorvs::allocate<int>(p + q + 1);
+    // lags: 1 to n - 1.  The work arrays belong to the frame, whose pop
+    // frees them on every path.
+    int *lags = zorvs::workspace<int>(p + q + 1);
     if (!lags) return;
     int big_p = 0, big_q = 0;
     for (int i = 0; i < p + q; ++i) {
@@ -908,8 +888,6 @@ void l_arma(int n, T *z, int p, int q, va_list *list) {
         zorvs_ermes(5, 11226);
     }
     if (zorvs_error_n1rty[0] > 3) {
-        zorvs::release(lags);
-        zorvs::exit_test(lv_arma<T>, user);
         return;
     }
 
@@ -917,19 +895,18 @@ void l_arma(int n, T *z, int p, int q, va_list *list) {
     const int n_acv = p + q + 2;
     const int mom_work = p * p + 7 * (q + 1) + 2 * (q + 1) * (q + 1);
     T *x = nullptr, *acv = nullptr, *mom = nullptr, *resid = nullptr, *cov = nullptr;
-    T *acv_alloc = nullptr, *resid_alloc = nullptr, *cov_alloc = nullptr;
     zorvs_arma_info *info = nullptr;
-    bool ok = (x = zorvs::allocate<T>(p + q + 1)) && (acv = zorvs::allocate<T>(n_acv)) &&
-              (mom = zorvs::allocate<T>(mom_work));
-    if (ok && !user) ok = (lv_arma<T> = zorvs::allocate<T>(p + q + 1, "n_observations")) != nullptr;
+    bool ok = (x = zorvs::workspace<T>(p + q + 1)) && (acv = zorvs::workspace<T>(n_acv)) &&
+              (mom = zorvs::workspace<T>(mom_work));
+    if (ok) ok = result.obtain(p + q + 1, "n_observations");
     if (ok && lsq) {
-        if (out.residual_ptr) ok = (resid_alloc = zorvs::allocate<T>(static_cast<int>(m), "length")) != nullptr;
-        resid = out.residual ? out.residual : resid_alloc;
-        if (ok && !resid) ok = (resid = resid_alloc = zorvs::allocate<T>(static_cast<int>(m), "length")) != nullptr;
-        if (ok && out.cov_ptr) ok = (cov_alloc = zorvs::allocate<T>(k, "ldcov", k, "ldcov")) != nullptr;
-        cov = out.cov ? out.cov : cov_alloc;
+        ok = out.residual_out.obtain(static_cast<int>(m), "length");
+        resid = out.residual ? out.residual : out.residual_out.data();
+        if (ok && !resid) ok = (resid = zorvs::workspace<T>(static_cast<int>(m), "length")) != nullptr;
+        if (ok) ok = out.cov_out.obtain(k, "ldcov", k, "ldcov");
+        cov = out.cov ? out.cov : out.cov_out.data();
     }
-    if (ok && out.acv_ptr) ok = (acv_alloc = zorvs::allocate<T>(n_acv, "n_observations")) != nullptr;
+    if (ok) ok = out.acv_out.obtain(n_acv, "n_observations");
 
     T sigma2 = zorvs::missing<T>(), ss = zorvs::missing<T>(), mean = 0;
     if (ok) {
@@ -978,33 +955,25 @@ void l_arma(int n, T *z, int p, int q, va_list *list) {
                          lsq ? ZORVS_LEAST_SQUARES : ZORVS_METHOD_OF_MOMENTS, mean, x, sigma2, big_p,
                          lsq ? big_q : 0, resid, m);
     if (ok && zorvs_error_n1rty[0] < 4) {
-        if (user) {
+        if (result.user()) {
             *out.constant = x[0];
             if (p > 0) std::memcpy(out.ar, x + 1, p * sizeof(T));
             if (q > 0) std::memcpy(out.ma, x + 1 + p, q * sizeof(T));
         } else {
-            std::memcpy(lv_arma<T>, x, (p + q + 1) * sizeof(T));
+            std::memcpy(result.data(), x, (p + q + 1) * sizeof(T));
         }
         if (out.mean) *out.mean = mean;
         if (out.acv) std::memcpy(out.acv, acv, n_acv * sizeof(T));
-        if (out.acv_ptr) {
-            std::memcpy(acv_alloc, acv, n_acv * sizeof(T));
-            *out.acv_ptr = acv_alloc;
-            acv_alloc = nullptr;
-        }
+        if (T *a = out.acv_out.data()) std::memcpy(a, acv, n_acv * sizeof(T));
         if (out.ss) *out.ss = ss;
-        if (out.residual_ptr) *out.residual_ptr = resid_alloc, resid_alloc = nullptr;
-        if (out.cov_ptr) *out.cov_ptr = cov_alloc, cov_alloc = nullptr;
+        // a residual or covariance block given with ZORVS_X_USER as well
+        // still receives the values
+        if (T *r = out.residual_out.data(); r && r != resid)
+            std::memcpy(r, resid, static_cast<std::size_t>(m) * sizeof(T));
+        if (T *c = out.cov_out.data(); c && c != cov)
+            std::memcpy(c, cov, static_cast<std::size_t>(k) * k * sizeof(T));
         if (out.info) *out.info = info;
     }
-    zorvs::exit_test(lv_arma<T>, user);
-    zorvs::release(x);
-    zorvs::release(acv);
-    zorvs::release(mom);
-    zorvs::release(lags);
-    zorvs::release(acv_alloc);
-    zorvs::release(resid_alloc);
-    zorvs::release(cov_alloc);
 }
 
 }  // namespace

@@ -25,26 +25,17 @@
 #include <climits>
 #include <cstdarg>
 #include <cstring>
-#include <type_traits>
 
 #include "frame/checks.h"
 #include "frame/frame.hpp"
 #include "frame/machine.h"
-#include "kernels/kernels.h"
+#include "frame/twin.hpp"
 #include "zorvstat.h"
 
 namespace {
 
 template <class T>
 T *lv_difference = nullptr;
-
-template <class T>
-int first_nan(int n, const T *x) {
-    if constexpr (std::is_same_v<T, float>)
-        return zorvs_isanan(n, x, 1);
-    else
-        return zorvs_idanan(n, x, 1);
-}
 
 // The worker: checks the periods, orders and series, then differences into w
 // (n values, may be z itself) with the work vector work.  *lost receives the
@@ -68,8 +59,8 @@ void l_d2ff(int n, const T *z, int n_differences, const int *periods, const int 
             zorvs_ermes(4, 20211);
         }
     }
-    if (int at = first_nan(n, z); at != 0) {
-        zorvs_e1sti(1, at - 1);
+    if (int at = zorvs::first_missing(n, z); at >= 0) {
+        zorvs_e1sti(1, at);
         zorvs_ermes(4, 20212);
     }
     if (zorvs_error_n1rty[0] != 0) {
@@ -107,16 +98,14 @@ void l_d2ff(int n, const T *z, int n_differences, const int *periods, const int 
 
 template <class T>
 void l_difference(int n_observations, T *z, int n_differences, int *periods, va_list *list) {
+    zorvs::OutputPair<T> result(lv_difference<T>);
     zorvs::KeywordReader kw(list, 4);
-    bool user = false, exclude_first = false;
+    bool exclude_first = false;
     int *orders = nullptr, *num_lost = nullptr;
     bool orders_given = false;
     for (int key = kw.keyword(); key != 0; key = kw.keyword()) {
         switch (key) {
-        case ZORVS_RETURN_USER:
-            lv_difference<T> = kw.pointer<T>();
-            user = true;
-            break;
+        case ZORVS_RETURN_USER: result.take_user(kw.pointer<T>()); break;
         case ZORVS_ORDERS:
             orders = kw.pointer<int>();
             orders_given = true;
@@ -133,30 +122,22 @@ void l_difference(int n_observations, T *z, int n_differences, int *periods, va_
     zorvs_null_pointer("z", -1, z);
     zorvs_null_pointer("periods", -1, periods);
     if (orders_given) zorvs_null_pointer("orders", -1, orders);
-    if (user) zorvs_null_pointer("ZORVS_RETURN_USER", -1, lv_difference<T>);
-    if (zorvs_error_n1rty[0] > 3) {
-        zorvs::exit_test(lv_difference<T>, user);
-        return;
-    }
+    if (result.user()) zorvs_null_pointer("ZORVS_RETURN_USER", -1, result.data());
+    if (zorvs_error_n1rty[0] > 3) return;
 
-    T *work = nullptr;
-    int *ones = nullptr;
-    if (!user) lv_difference<T> = zorvs::allocate<T>(n_observations, "n_observations");
-    if (lv_difference<T>) work = zorvs::allocate<T>(n_observations, "n_observations");
-    if (work && !orders) {
-        ones = zorvs::allocate<int>(n_differences, "n_differences");
-        if (ones)
-            for (int k = 0; k < n_differences; ++k) ones[k] = 1;
+    // The work arrays belong to the frame: its pop frees them on every path.
+    if (!result.obtain(n_observations, "n_observations")) return;
+    T *work = zorvs::workspace<T>(n_observations, "n_observations");
+    if (!work) return;
+    if (!orders) {
+        int *ones = zorvs::workspace<int>(n_differences, "n_differences");
+        if (!ones) return;
+        for (int k = 0; k < n_differences; ++k) ones[k] = 1;
         orders = ones;
     }
-    if (work && orders) {
-        int lost = 0;
-        l_d2ff<T>(n_observations, z, n_differences, periods, orders, exclude_first, lv_difference<T>, work, &lost);
-        if (zorvs_error_n1rty[0] < 4 && num_lost) *num_lost = lost;
-    }
-    zorvs::exit_test(lv_difference<T>, user);
-    zorvs::release(work);
-    zorvs::release(ones);
+    int lost = 0;
+    l_d2ff<T>(n_observations, z, n_differences, periods, orders, exclude_first, result.data(), work, &lost);
+    if (zorvs_error_n1rty[0] < 4 && num_lost) *num_lost = lost;
 }
 
 }  // namespace
