@@ -13,7 +13,8 @@ jobs=${JOBS:-2}
 if ! command -v gcovr >/dev/null 2>&1; then
     # Debian's package; wait for any other apt-get to finish first.
     while pgrep -x apt-get >/dev/null 2>&1 || pgrep -x dpkg >/dev/null 2>&1; do sleep 5; done
-    if [ "$(id -u)" -eq 0 ]; then apt-get install -y gcovr; else sudo apt-get install -y gcovr; fi
+    if [ "$(id -u)" -eq 0 ]; then sudo=; else sudo=sudo; fi
+    $sudo apt-get update -q && $sudo apt-get install -y -q gcovr
 fi
 
 cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=Debug -DZORVS_COVERAGE=ON -DZORVS_WERROR=ON \
