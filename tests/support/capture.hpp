@@ -113,11 +113,11 @@ protected:
     void SetUp() override { zorvs_e1mes(0, 0, nullptr); }
 };
 
-// The parameter slots of the last message named in `spec` ("i1=1 r2=0.5
+// The parameter slots of the last message named in `wanted` ("i1=1 r2=0.5
 // l1=n"), each with the value it holds now: a row's expected slots compare
-// with one EXPECT_EQ(slots(spec), spec).  Reals print with %g.
-inline std::string slots(const std::string &spec) {
-    std::istringstream in(spec);
+// with one EXPECT_EQ(slots(wanted), wanted).  Reals print with %g.
+inline std::string slots(const std::string &wanted) {
+    std::istringstream in(wanted);
     std::string out, item;
     while (in >> item) {
         const int k = item[1] - '0';

@@ -34,7 +34,7 @@
 // accepted (R has none of them); R's stop at 50 n quick-transfer steps is
 // kept, as a warning (3, 20085) where R warns with ifault 4.
 //
-// Left to the implementer, settled here:
+// Choices made here:
 //  - The live set and the step counters (ncp) are kept as in AS 136.
 //  - The quick-transfer stage is bounded, as in R's version of AS 136, by
 //    50 n_observations steps; beyond that (rounding can make two

@@ -20,7 +20,7 @@
 // of the largest.  A variable of zero variance gets a row of NaN among the
 // correlations.
 //
-// Left to the implementer, settled here: the body accepts one variable and
+// A choice made here: the body accepts one variable and
 // the worker refuses it ((5, 603) for "NVAR"), since one variable has no
 // components to speak of.  A NaN in the matrix is not a missing value here:
 // the eigensolver does not converge on it ((3, 20103)) and the results are
