@@ -32,6 +32,20 @@
 
 namespace zorvs_test {
 
+// xorshift64*: the same random arguments on every run and platform, for the
+// random-call tests; a test derives the values it draws from these.
+struct Xorshift {
+    std::uint64_t s;
+    std::uint64_t next() {
+        s ^= s >> 12;
+        s ^= s << 25;
+        s ^= s >> 27;
+        return s * 0x2545F4914F6CDD1Dull;
+    }
+    double unit() { return static_cast<double>(next() >> 11) * 0x1p-53; }
+    int below(int n) { return static_cast<int>(next() % static_cast<std::uint64_t>(n)); }
+};
+
 inline constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 inline constexpr double Inf = std::numeric_limits<double>::infinity();
 // A result a row does not look at.

@@ -20,6 +20,7 @@
 
 #include "stat/regress/twins.hpp"
 #include "support/capture.hpp"
+#include "support/tables.hpp"
 #include "zorvstat.h"
 
 namespace {
@@ -29,16 +30,7 @@ using zorvs_test::glm;
 using zorvs_test::Info;
 using zorvs_test::Quiet;
 
-struct Draw {
-    std::uint64_t s;
-    std::uint64_t next() {
-        s ^= s >> 12;
-        s ^= s << 25;
-        s ^= s >> 27;
-        return s * 0x2545F4914F6CDD1Dull;
-    }
-    int below(int n) { return static_cast<int>(next() % static_cast<std::uint64_t>(n)); }
-    double unit() { return static_cast<double>(next() >> 11) * 0x1p-53; }
+struct Draw : zorvs_test::Xorshift {
     double value() {
         static const double awkward[] = {std::numeric_limits<double>::quiet_NaN(),
                                          std::numeric_limits<double>::infinity(), 0.0, -0.0, 1.0, 1e-310, 1e300,
@@ -70,7 +62,7 @@ TYPED_TEST(RegressFuzz, RegressorsForGlm) {
     using T = TypeParam;
     Quiet q;
     zorvs_test::CodeLog codes;
-    Draw d{0x9E3779B97F4A7C15ull};
+    Draw d{{0x9E3779B97F4A7C15ull}};
     for (int run = 0; run < 400; ++run) {
         const int n = 1 + d.below(8), n_class = d.below(3), n_cont = d.below(3), c = n_class + n_cont;
         const int ld = c + d.below(2);
@@ -120,7 +112,7 @@ TYPED_TEST(RegressFuzz, Regression) {
     using T = TypeParam;
     Quiet q;
     zorvs_test::CodeLog codes;
-    Draw d{0xD1B54A32D192ED03ull};
+    Draw d{{0xD1B54A32D192ED03ull}};
     for (int run = 0; run < 600; ++run) {
         const int n = 1 + d.below(9), nv = 1 + d.below(4), ld = nv + d.below(2);
         std::vector<T> x(static_cast<std::size_t>(n) * ld), y(n), f(n), w(n);
