@@ -1,8 +1,9 @@
 /*
  * regress.h - the workers of the regression family that more than one
  * source file calls: the regressors of a general linear model, the one-pass
- * least-squares fit, the coefficient covariances and the analysis of
- * variance table.  Column-major, indices from 1.  Names without a `d` are
+ * least-squares fit, the coefficient covariances, the analysis of
+ * variance table and the streaming weighted sums of squares.  Column-major,
+ * indices from 1.  Names without a `d` are
  * single precision, with a `d` double precision.  Compiles as C99 and C++.
  */
 #ifndef ZORVS_REGRESS_H
@@ -37,6 +38,16 @@ void zorvs_dg1aov(double dfr, double dfe, double sse, double sst, double ymean, 
  * dropped column) and s2 = sse / dfe.  cov has leading dimension ldcov. */
 void zorvs_rcovb(int n, const float r[], int ldr, float sse, float dfe, float cov[], int ldcov);
 void zorvs_drcovb(int n, const double r[], int ldr, double sse, double dfe, double cov[], int ldcov);
+
+/* One row added to running weighted means and corrected sums of squares:
+ * with *sumwt += *w, f = *w / *sumwt and g = *w (1 - f), for each of the *n
+ * variables d = x - xbar, xbar += f d, ss += g d^2.  A weight of 0.0 changes
+ * nothing.  Strides may be negative (the vector is walked from its far end).
+ * Raises (5, 11124) for *n below 1 and (5, 11125) for *sumwt below 0.0. */
+void zorvs_s1msq(const int *n, const float x[], const int *incx, const float *w, float *sumwt, float xbar[],
+                 const int *incxbar, float ss[], const int *incss);
+void zorvs_ds1msq(const int *n, const double x[], const int *incx, const double *w, double *sumwt, double xbar[],
+                  const int *incxbar, double ss[], const int *incss);
 
 #ifdef __cplusplus
 }

@@ -12,6 +12,7 @@ namespace zorvs::regress {
 inline constexpr Twins<zorvs_grglm, zorvs_dgrglm> grglm{};
 inline constexpr Twins<zorvs_g1aov, zorvs_dg1aov> g1aov{};
 inline constexpr Twins<zorvs_rcovb, zorvs_drcovb> rcovb{};
+inline constexpr Twins<zorvs_s1msq, zorvs_ds1msq> s1msq{};
 
 }  // namespace zorvs::regress
 
