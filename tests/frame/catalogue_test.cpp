@@ -2,23 +2,11 @@
 // layout of the generated files read independently of the library, every
 // file variant and search path read by the library in a fresh process, the
 // fallbacks, and message heads with symbolic names.
-#include <gtest/gtest.h>
+#include "support/tables.hpp"
 
-#include <cstdlib>
-#include <cstring>
 #include <filesystem>
-#include <unistd.h>
-#include <fstream>
-#include <map>
 #include <regex>
 #include <set>
-#include <sstream>
-#include <string>
-#include <vector>
-
-#include "frame/services.h"
-#include "support/capture.hpp"
-#include "zorvstat.h"
 
 namespace fs = std::filesystem;
 

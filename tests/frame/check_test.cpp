@@ -1,17 +1,10 @@
 // Argument checks: each check's pass or message with its parameters and the
 // counting of arguments; the safe division, the frequency reader, the safe
 // F and t ratios, and the stop at the pop of the user's routine.
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <cstdlib>
-#include <limits>
+#include "support/tables.hpp"
 
 #include "dist/continuous.h"
 #include "frame/checks.h"
-#include "frame/frame.hpp"
-#include "frame/services.h"
-#include "support/capture.hpp"
 
 namespace {
 

@@ -3,17 +3,9 @@
 // traceback and the settings.  Each case is a script of pushes, raises and
 // pops run by `play`, with what the error unit shows and the type and code
 // the user sees afterwards.
-#include <gtest/gtest.h>
+#include "support/tables.hpp"
 
-#include <algorithm>
 #include <deque>
-#include <string>
-#include <vector>
-
-#include "frame/frame.hpp"
-#include "frame/services.h"
-#include "support/capture.hpp"
-#include "zorvstat.h"
 
 namespace {
 

@@ -1,16 +1,7 @@
 // The public call frame: keyword lists and their positions, the static
 // result with caller storage, the exit test, allocation failures, nesting of
 // public routines and user functions, and the trap bracket's bookkeeping.
-#include <gtest/gtest.h>
-
-#include <cstdarg>
-#include <cstdlib>
-#include <string>
-
-#include "frame/frame.hpp"
-#include "frame/services.h"
-#include "support/capture.hpp"
-#include "zorvstat.h"
+#include "support/tables.hpp"
 
 namespace {
 

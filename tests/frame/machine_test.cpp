@@ -1,19 +1,11 @@
 // Machine constants and the process environment: the constant tables bit for
 // bit, the inquiry routines and their messages, units, page, version strings,
 // processor time and the null-pointer check.
-#include <gtest/gtest.h>
+#include "support/tables.hpp"
 
 #include <bit>
-#include <cmath>
-#include <cstdint>
-#include <cstdlib>
-#include <cstring>
-#include <string>
 
 #include "frame/machine.h"
-#include "frame/services.h"
-#include "support/capture.hpp"
-#include "zorvstat.h"
 
 namespace {
 

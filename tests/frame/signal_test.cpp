@@ -1,17 +1,9 @@
 // Signal trapping: a fault inside a bracketed routine becomes messages
 // (5, code of the signal) and (5, 102) and a return; nesting returns to the
 // innermost bracket; the user's own handlers are back after the outermost.
-#include <gtest/gtest.h>
+#include "support/tables.hpp"
 
 #include <csignal>
-#include <cstdint>
-#include <cstdlib>
-#include <utility>
-
-#include "frame/frame.hpp"
-#include "frame/services.h"
-#include "support/capture.hpp"
-#include "zorvstat.h"
 
 namespace {
 

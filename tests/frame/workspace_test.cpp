@@ -2,17 +2,9 @@
 // pop of its frame, on success, on failure and after a trap; an output is
 // handed over only when the call succeeded, and its address is left as it was
 // otherwise.
-#include <gtest/gtest.h>
-
-#include <cstdarg>
-#include <cstdint>
-#include <cstdlib>
+#include "support/tables.hpp"
 
 #include "frame/error_stack.hpp"
-#include "frame/frame.hpp"
-#include "frame/services.h"
-#include "support/capture.hpp"
-#include "zorvstat.h"
 
 namespace {
 

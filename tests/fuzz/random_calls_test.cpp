@@ -8,17 +8,7 @@
 // process of one that hangs), and each result lies within its support
 // (counts add up, probabilities in [0, 1]) or comes with a message of type 3
 // or above.  The continuous distributions are fuzzed in tests/dist/fuzz_test.cpp.
-#include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <algorithm>
-#include <climits>
-#include <cmath>
-#include <cstdlib>
-#include <random>
-
-#include "support/capture.hpp"
-#include "zorvstat.h"
+#include "support/tables.hpp"
 
 namespace {
 

@@ -4,18 +4,7 @@
 // none, and the property it broke: it returns (a watchdog ends a call that
 // hangs), deviates lie in their support, counts add up, printed lines keep
 // to the page.  Values are SciPy's, from tests/data/fuzz/make_regressions.py.
-#include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <cmath>
-#include <cstdlib>
-#include <functional>
-#include <sstream>
-#include <string>
-#include <vector>
-
-#include "support/capture.hpp"
-#include "zorvstat.h"
+#include "support/tables.hpp"
 
 namespace {
 

@@ -3,10 +3,9 @@
 // stride sign, bit for bit (the order of the additions is fixed); the scaled
 // norm across its three ranges; rotations by their defining properties; the
 // argument checks of the checking kernels as rows.
-#include <array>
+#include "support/tables.hpp"
 
 #include "kernels/kernels.h"
-#include "support/tables.hpp"
 
 namespace {
 

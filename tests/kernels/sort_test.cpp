@@ -2,10 +2,9 @@
 // against std::sort on random, sorted, reverse, all-equal and many-ties
 // inputs up to 10^6 elements, in both twins; sorts by absolute value;
 // integer sorts; the permutation by cycles; the checks as rows.
-#include <numeric>
+#include "support/tables.hpp"
 
 #include "kernels/kernels.h"
-#include "support/tables.hpp"
 
 namespace {
 

@@ -1,20 +1,9 @@
 // The matrix printer: golden texts of what a user sees, paging of wide and
 // long matrices cell by cell, every failure, and the layout of `a` after a
 // transposed print.
-#include <gtest/gtest.h>
+#include "support/tables.hpp"
 
-#include <cmath>
-#include <cstdlib>
-#include <limits>
-#include <string>
-#include <type_traits>
-#include <vector>
-
-#include "frame/frame.hpp"
-#include "frame/services.h"
 #include "output/output.h"
-#include "support/capture.hpp"
-#include "zorvstat.h"
 
 namespace {
 

@@ -1,14 +1,8 @@
 // The output options, the counted line writer with its paging, text with line
 // feeds, and scalars printed as one-element matrices.
-#include <gtest/gtest.h>
+#include "support/tables.hpp"
 
-#include <algorithm>
-#include <string>
-
-#include "frame/services.h"
 #include "output/output.h"
-#include "support/capture.hpp"
-#include "zorvstat.h"
 
 namespace {
 

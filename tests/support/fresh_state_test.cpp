@@ -3,10 +3,7 @@
 // runs in one process instead (a plain ./zorvs_tests), this listener gives
 // each test the same start: no error on record, write options at their
 // defaults, the page size the process started with, and the default stops.
-#include <gtest/gtest.h>
-
-#include "frame/services.h"
-#include "zorvstat.h"
+#include "support/tables.hpp"
 
 namespace {
 

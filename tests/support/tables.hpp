@@ -12,10 +12,13 @@
 #include <algorithm>
 #include <array>
 #include <cfloat>
+#include <climits>
 #include <cmath>
+#include <cstdarg>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <functional>
 #include <limits>
 #include <map>
@@ -25,6 +28,8 @@
 #include <string>
 #include <type_traits>
 #include <vector>
+
+#include <unistd.h>
 
 #include "frame/frame.hpp"
 #include "support/capture.hpp"

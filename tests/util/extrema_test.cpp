@@ -1,11 +1,7 @@
 // Extrema: tie rules, NaN handling and the list routines through the frame.
-#include <gtest/gtest.h>
+#include "support/tables.hpp"
 
-#include <cmath>
-
-#include "support/capture.hpp"
 #include "util/util.h"
-#include "zorvstat.h"
 
 namespace {
 

@@ -2,14 +2,7 @@
 // worked by hand; the caller's matrix as it was; caller storage; and the
 // refusals (out of range, repeated entry, bad option, unknown keyword) that
 // must leave the caller's arrays untouched.
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <vector>
-
-#include "frame/services.h"
-#include "support/capture.hpp"
-#include "zorvstat.h"
+#include "support/tables.hpp"
 
 namespace {
 

@@ -4,8 +4,6 @@
 // quantiles of the limits), the table's layout and confidence limits, and
 // the special cases (one observation, a constant column, missing values,
 // weights and frequencies) and bad input as rows.
-#include <cstring>
-
 #include "support/tables.hpp"
 
 namespace {

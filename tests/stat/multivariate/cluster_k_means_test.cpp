@@ -3,17 +3,7 @@
 // faithful and scaled mtcars with 2 to 5 clusters from the same seeds;
 // frequencies and weights against replicated rows; missing values and ties
 // worked by hand; every message the routine raises; caller storage; the stop.
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <cstdlib>
-#include <cstring>
-#include <vector>
-
-#include "frame/frame.hpp"
-#include "frame/services.h"
-#include "support/capture.hpp"
-#include "zorvstat.h"
+#include "support/tables.hpp"
 
 namespace {
 

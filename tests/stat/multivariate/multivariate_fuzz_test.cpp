@@ -3,16 +3,7 @@
 // call may crash, hang or write outside its arrays (the sanitizer build
 // checks); each either fails with a message of type 5 and a null result or
 // returns results that keep their promises.
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <cstdlib>
-#include <random>
-#include <vector>
-
-#include "frame/services.h"
-#include "support/capture.hpp"
-#include "zorvstat.h"
+#include "support/tables.hpp"
 
 namespace {
 

@@ -5,15 +5,7 @@
 // positive, cumulative proportions, correlations with the variables and
 // standard errors; then the sign rule, zero variances, negative eigenvalues,
 // the refusals, storage, and the stop.
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <cstdlib>
-#include <vector>
-
-#include "frame/services.h"
-#include "support/capture.hpp"
-#include "zorvstat.h"
+#include "support/tables.hpp"
 
 namespace {
 

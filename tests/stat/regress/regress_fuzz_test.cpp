@@ -9,19 +9,9 @@
 //   - the count of regressors is the same with and without the matrix.
 // Under the sanitizer build these runs also look for reads and writes out of
 // bounds and for leaks on every path.
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <cstdint>
-#include <cstdlib>
-#include <cstring>
-#include <limits>
-#include <vector>
+#include "support/tables.hpp"
 
 #include "stat/regress/twins.hpp"
-#include "support/capture.hpp"
-#include "support/tables.hpp"
-#include "zorvstat.h"
 
 namespace {
 

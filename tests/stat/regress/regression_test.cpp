@@ -4,19 +4,10 @@
 // hard problems Longley and a Wampler-style quintic against exact rational
 // least squares (make_regression_exact.py); frequencies against replicated
 // rows; the rank test; the record; every refusal and its outcome.
-#include <gtest/gtest.h>
+#include "support/tables.hpp"
 
-#include <algorithm>
-#include <cmath>
-#include <cstdlib>
-#include <cstring>
-#include <vector>
-
-#include "frame/frame.hpp"
 #include "stat/regress/givens_fit.hpp"
 #include "stat/regress/twins.hpp"
-#include "support/capture.hpp"
-#include "zorvstat.h"
 
 namespace {
 

@@ -3,17 +3,9 @@
 // model.matrix on mtcars (tests/data/stat/regress/make_regressors_glm.R), in
 // both twins; the column order within a block, missing values per block and
 // the edge cases counted by hand; every refusal with x left as it was.
-#include <gtest/gtest.h>
+#include "support/tables.hpp"
 
-#include <cmath>
-#include <cstdlib>
-#include <cstring>
-#include <vector>
-
-#include "frame/frame.hpp"
 #include "stat/regress/twins.hpp"
-#include "support/capture.hpp"
-#include "zorvstat.h"
 
 namespace {
 

@@ -4,20 +4,7 @@
 // beside them, and the covariance of the estimates against the reference's
 // own Jacobian (tests/data/stat/series/make_arma.py).  Then the outputs, the
 // keyword conflicts, bad series and starts, caller storage and the stop.
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <algorithm>
-#include <cstdio>
-#include <random>
-#include <cstdlib>
-#include <string>
-#include <vector>
-
-#include "frame/frame.hpp"
-#include "frame/services.h"
-#include "support/capture.hpp"
-#include "zorvstat.h"
+#include "support/tables.hpp"
 
 namespace {
 

@@ -3,18 +3,7 @@
 // the rounding of the single-precision data in float; the lost head as NaN
 // or excluded; orders of 0; lost counts beyond the series; the checks with
 // their parameters; caller storage; the stop.
-#include <gtest/gtest.h>
-
-#include <climits>
-#include <cmath>
-#include <cstdlib>
-#include <string>
-#include <vector>
-
-#include "frame/frame.hpp"
-#include "frame/services.h"
-#include "support/capture.hpp"
-#include "zorvstat.h"
+#include "support/tables.hpp"
 
 namespace {
 
