@@ -377,12 +377,4 @@ TEST(ContinuousEdges, ValuesAndMessages) {
     });
 }
 
-// Types 4 and 5 stop the process by default, with the routine named.
-TEST(ContinuousStopsDeathTest, StopByDefault) {
-    expect_stops({
-        {[] { zorvs_d_gamma(200.0); }, 4, "zorvs_d_gamma"},
-        {[] { zorvs_d_t_inverse_cdf(2, 3); }, 5, "zorvs_d_t_inverse"},
-    });
-}
-
 }  // namespace

@@ -183,14 +183,4 @@ TEST(Permute, RoundTripAndRepeatAtSize) {
     EXPECT_EQ(zorvs_error_code(), 20425);
 }
 
-TEST(Permute, RepeatedEntryStopsTheProcessByDefault) {
-    auto call = [] {
-        double x[3] = {1, 2, 3};
-        int p[3] = {1, 1, 2};
-        zorvs_d_permute_vector(3, x, p, ZORVS_BACKWARD_PERMUTATION, 0);
-        std::exit(0);
-    };
-    EXPECT_EXIT(call(), ::testing::ExitedWithCode(5), "zorvs_d_permute_vector");
-}
-
 }  // namespace

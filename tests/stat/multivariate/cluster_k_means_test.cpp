@@ -278,13 +278,4 @@ TEST(Multivariate, EveryAllocationFailureIsReported) {
     });
 }
 
-TEST(KMeans, EmptyClusterStopsTheProcessByDefault) {
-    auto call = [] {
-        double x[4] = {0, 1, 2, 3}, seeds[2] = {0, 100};
-        zorvs_d_cluster_k_means(4, 1, x, 2, seeds, 0);
-        std::exit(0);
-    };
-    EXPECT_EXIT(call(), ::testing::ExitedWithCode(5), "zorvs_d_cluster_k_means");
-}
-
 }  // namespace

@@ -167,13 +167,4 @@ TEST(PrincipalComponents, StorageAndChecks) {
     EXPECT_EQ(zorvs_error_code(), 11001);
 }
 
-TEST(PrincipalComponents, NegativeDiagonalStopsTheProcessByDefault) {
-    auto call = [] {
-        double a[4] = {1, 0, 0, -1};
-        zorvs_d_principal_components(2, a, 0);
-        std::exit(0);
-    };
-    EXPECT_EXIT(call(), ::testing::ExitedWithCode(5), "zorvs_d_principal_components");
-}
-
 }  // namespace

@@ -472,12 +472,4 @@ TEST(Regression, ExtremeWeights) {
     std::free(c);
 }
 
-TEST(Regression, NegativeWeightStopsTheProcess) {
-    double x[] = {1, 2, 3};
-    double y[] = {1, 2, 4};
-    double w[] = {1, -1, 1};
-    EXPECT_EXIT(zorvs_d_regression(3, 1, x, y, ZORVS_WEIGHTS, w, 0), ::testing::ExitedWithCode(4),
-                "FATAL    Error( [A-Z0-9_]+)? from zorvs_d_regression\\.");
-}
-
 }  // namespace

@@ -180,10 +180,4 @@ TEST(DifferenceMemory, AllocationFailures) {
     }
 }
 
-TEST(DifferenceStop, FatalErrorStopsTheProcess) {
-    int zero = 0;
-    double z[3] = {1, 2, 3};
-    EXPECT_EXIT(zorvs_d_difference(3, z, 1, &zero, 0), ::testing::ExitedWithCode(4), "zorvs_d_difference");
-}
-
 }  // namespace
