@@ -101,7 +101,7 @@ inline void expect_params(const char *params) {
 // One call, the value it must return (NaN: a NaN; any: not looked at), the
 // (type, code) it must leave at user level ((0, 0): none; -1: not looked
 // at), the message parameters, a tolerance, and a text the error unit must
-// show (the routine's name).  A row reads
+// show (the routine's name; continuation lines joined).  A row reads
 //     {ZORVS_CALL(zorvs_d_gamma(-2.0)), NaN, 5, 9006, "r1=-2"},
 struct Call {
     const char *what;
@@ -130,7 +130,7 @@ inline void expect_rows(const std::vector<Call> &rows) {
         if (c.type >= 0) { EXPECT_EQ(zorvs_error_type(), c.type) << "code " << zorvs_error_code(); }
         if (c.type > 0 && c.code >= 0) { EXPECT_EQ(zorvs_error_code(), c.code); }
         expect_params(c.params);
-        const std::string shown = q.errors.take();
+        const std::string shown = flat(q.errors.take());
         EXPECT_NE(shown.find(c.text), std::string::npos) << shown;
     }
 }

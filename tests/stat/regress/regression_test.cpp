@@ -22,6 +22,8 @@ struct LmCase {
 
 using zorvs_test::CodeLog;
 using zorvs_test::Quiet;
+using zorvs_test::any;
+using zorvs_test::NaN;
 
 using zorvs_test::fit;
 using zorvs_test::Info;
@@ -254,114 +256,65 @@ TEST(Regression, RecordHoldsTheFactorAndTheSummaries) {
     std::free(coef);
 }
 
-// Edge cases of the fit, each with its outcome.
+// Edge cases of the fit, each with its outcome, as rows on the last fit b:
+// an exact fit (error sum of squares 0, F infinite and p-value 0 when it is
+// exactly 0); constant y (sum of squares exactly 0); a constant column with
+// an intercept (dropped); as many rows as parameters, and all rows missing
+// (no degrees of freedom); residuals NaN where the row has a NaN.
 TYPED_TEST(RegressionTwin, EdgeCases) {
     using T = TypeParam;
-    Quiet q;
-    CodeLog codes;
-    const T inf = std::numeric_limits<T>::infinity();
-    // Exact fit: error sum of squares 0, F infinite, p-value 0.
-    T x[] = {1, 2, 3, 4, 5};
-    T y[] = {3, 5, 7, 9, 11};
-    T aov[15];
-    T *b = fit<T>(5, 1, x, y, ZORVS_ANOVA_TABLE_USER, aov, 0);
-    ASSERT_NE(b, nullptr);
-    EXPECT_NEAR(b[0], 1, 1e-5);
-    EXPECT_NEAR(b[1], 2, 1e-5);
-    EXPECT_LE(aov[4], 1e-8);
-    if (aov[4] == 0) {
-        EXPECT_EQ(aov[8], inf);
-        EXPECT_EQ(aov[9], 0);
-    }
-    std::free(b);
-    // Constant y with an intercept: error sum of squares exactly 0.
-    T yc[] = {0.3f, 0.3f, 0.3f, 0.3f, 0.3f};
-    b = fit<T>(5, 1, x, yc, ZORVS_ANOVA_TABLE_USER, aov, 0);
-    EXPECT_EQ(aov[4], T(0));
-    EXPECT_EQ(b[1], T(0));
-    std::free(b);
-    // A constant column with an intercept is dropped.
-    T xk[] = {1, 7, 2, 7, 3, 7, 4, 7, 5, 7};
-    int rank = 0;
-    b = fit<T>(5, 2, xk, y, ZORVS_RANK, &rank, 0);
-    EXPECT_EQ(b[2], T(0));
-    EXPECT_NEAR(b[1], 2, 1e-5);
-    EXPECT_EQ(rank, 2);
-    EXPECT_TRUE(codes.has(3, 11047));
-    std::free(b);
-    // As many rows as parameters: no degrees of freedom, coefficients there.
-    codes.clear();
-    T y2[] = {1, 4, 0, 0, 0};
-    b = fit<T>(2, 1, x, y2, 0);
-    ASSERT_NE(b, nullptr);
-    EXPECT_TRUE(codes.has(6, 11049));
-    EXPECT_NEAR(b[0], -2, 1e-5);
-    EXPECT_NEAR(b[1], 3, 1e-5);
-    std::free(b);
-    // All rows missing: no degrees of freedom, and the rows counted.
-    codes.clear();
-    const T nan = std::numeric_limits<T>::quiet_NaN();
-    T xn[] = {nan, nan, nan};
+    const T nan = std::numeric_limits<T>::quiet_NaN(), inf = std::numeric_limits<T>::infinity();
+    T x[] = {1, 2, 3, 4, 5}, y[] = {3, 5, 7, 9, 11}, yc[] = {0.3f, 0.3f, 0.3f, 0.3f, 0.3f};
+    T xk[] = {1, 7, 2, 7, 3, 7, 4, 7, 5, 7}, y2[] = {1, 4}, xn[] = {nan, nan, nan}, xr[] = {1, 2, nan, 4, 5};
+    T aov[15], res[5], *b = nullptr;
     Info<T> *info = nullptr;
-    b = fit<T>(3, 1, xn, y, ZORVS_REGRESSION_INFO, &info, 0);
-    EXPECT_TRUE(codes.has(6, 11049));
-    ASSERT_NE(info, nullptr);
-    EXPECT_EQ(info->rows_missing, 3);
-    EXPECT_EQ(info->df_error, T(0));
-    EXPECT_TRUE(std::isnan(*info->x_min));
-    std::free(info);
-    std::free(b);
-    // Residuals: NaN where the row has a NaN, the rest y - fit.
-    T xr[] = {1, 2, nan, 4, 5};
-    T res[5];
-    b = fit<T>(5, 1, xr, y, ZORVS_RESIDUAL_USER, res, 0);
-    EXPECT_TRUE(std::isnan(res[2]));
-    for (int i : {0, 1, 3, 4}) EXPECT_NEAR(res[i], 0, 1e-5) << i;
-    std::free(b);
+    int rank = 0;
+    CodeLog log;
+    auto fitted = [&](T *r) { return std::free(b), b = r, r ? double(r[0]) : NaN; };
+    zorvs_test::expect_rows({
+        {ZORVS_CALL(fitted(fit<T>(5, 1, x, y, ZORVS_ANOVA_TABLE_USER, aov, 0))), 1, 0, 0, "", 1e-5},
+        {ZORVS_CALL(b[1]), 2, -1, 0, "", 1e-5},
+        {ZORVS_CALL(aov[4]), 0, -1, 0, "", 1e-8},
+        {ZORVS_CALL(aov[4] != 0 || (aov[8] == inf && aov[9] == 0)), 1, -1},
+        {ZORVS_CALL(fitted(fit<T>(5, 1, x, yc, ZORVS_ANOVA_TABLE_USER, aov, 0)) && aov[4] == 0 && b[1] == 0), 1},
+        {ZORVS_CALL(fitted(fit<T>(5, 2, xk, y, ZORVS_RANK, &rank, 0)) && b[2] == 0 && rank == 2), 1, 3, 11047},
+        {ZORVS_CALL(b[1]), 2, -1, 0, "", 1e-5},
+        {ZORVS_CALL(fitted(fit<T>(2, 1, x, y2, 0))), -2, 6, 11049, "", 1e-5},
+        {ZORVS_CALL(b[1]), 3, -1, 0, "", 1e-5},
+        {ZORVS_CALL((log.clear(), fitted(fit<T>(3, 1, xn, y, ZORVS_REGRESSION_INFO, &info, 0)), log.has(6, 11049))), 1, -1},
+        {ZORVS_CALL(info->rows_missing == 3 && info->df_error == 0 && std::isnan(*info->x_min)), 1, -1},
+        {ZORVS_DO(std::free(info)), any, -1},
+        {ZORVS_CALL(fitted(fit<T>(5, 1, xr, y, ZORVS_RESIDUAL_USER, res, 0)) && std::isnan(res[2])), 1},
+        {ZORVS_CALL(std::fabs(res[0]) + std::fabs(res[1]) + std::fabs(res[3]) + std::fabs(res[4])), 0, -1, 0, "", 4e-5},
+        {ZORVS_CALL(fitted(nullptr)), NaN, -1},
+    });
 }
 
 // Refusals: the message, a null result, nothing written to the caller's
-// pointers, and x as it was.
+// pointers, and x as it was; a column of zeros is dropped with a warning.
 TEST(Regression, BadInputIsRefused) {
-    Quiet q;
-    CodeLog codes;
-    double x[] = {1, 2, 3, 4, 5, 6};
-    double y[] = {1, 3, 2, 5, 4, 6};
-    double negative[] = {1, 1, -1, 1, 1, 1};
-    const std::vector<double> before(x, x + 6);
-    double *sentinel = reinterpret_cast<double *>(&codes);
-    double *table = sentinel;
-    zorvs_d_regression_info *info = reinterpret_cast<zorvs_d_regression_info *>(&codes);
-    auto expect_refused = [&](double *result, int type, int code) {
-        EXPECT_EQ(result, nullptr) << code;
-        EXPECT_TRUE(codes.has(type, code)) << code;
-        EXPECT_EQ(table, sentinel) << code;
-        EXPECT_EQ(reinterpret_cast<void *>(info), reinterpret_cast<void *>(&codes)) << code;
-        EXPECT_EQ(std::vector<double>(x, x + 6), before) << code;
-        codes.clear();
-    };
-    expect_refused(zorvs_d_regression(6, 1, x, y, ZORVS_FREQUENCIES, negative, ZORVS_ANOVA_TABLE, &table,
-                                      ZORVS_REGRESSION_INFO, &info, 0),
-                   4, 11054);
-    EXPECT_EQ(zorvs_error_param.i[2], 3);
-    expect_refused(zorvs_d_regression(6, 1, x, y, ZORVS_WEIGHTS, negative, ZORVS_ANOVA_TABLE, &table, 0), 4, 11056);
-    expect_refused(zorvs_d_regression(0, 1, x, y, 0), 5, 603);
-    expect_refused(zorvs_d_regression(6, 0, x, y, 0), 5, 603);
-    expect_refused(zorvs_d_regression(6, 1, nullptr, y, 0), 5, 6002);
-    expect_refused(zorvs_d_regression(6, 1, x, nullptr, 0), 5, 6002);
-    expect_refused(zorvs_d_regression(3, 2, x, y, ZORVS_X_COL_DIM, 1, 0), 5, 1024);
-    expect_refused(zorvs_d_regression(6, 1, x, y, ZORVS_COV_COL_DIM, 3, 0), 5, 11038);
-    expect_refused(zorvs_d_regression(6, 1, x, y, ZORVS_TOLERANCE, 1.5, 0), 5, 11050);
-    expect_refused(zorvs_d_regression(6, 1, x, y, ZORVS_ANOVA_TABLE_USER, nullptr, 0), 5, 104);
-    expect_refused(zorvs_d_regression(6, 1, x, y, 77, 0), 5, 11001);
-    // A column of zeros is dropped, with the warning, and the fit goes on.
-    double zeros[] = {0, 0, 0, 0, 0, 0};
-    double *b = zorvs_d_regression(6, 1, zeros, y, 0);
-    ASSERT_NE(b, nullptr);
-    EXPECT_TRUE(codes.has(3, 11047));
-    EXPECT_EQ(b[1], 0.0);
-    EXPECT_DOUBLE_EQ(b[0], 3.5);
-    std::free(b);
+    double x[] = {1, 2, 3, 4, 5, 6}, y[] = {1, 3, 2, 5, 4, 6}, negative[] = {1, 1, -1, 1, 1, 1}, zeros[6] = {};
+    double sentinel = 0, *table = &sentinel, *b = nullptr;
+    zorvs_d_regression_info *info = nullptr;
+    auto refused = [&](double *r) { return r == nullptr && table == &sentinel && !info && x[0] == 1 && x[5] == 6; };
+    zorvs_test::expect_rows({
+        {ZORVS_CALL(refused(zorvs_d_regression(6, 1, x, y, ZORVS_FREQUENCIES, negative, ZORVS_ANOVA_TABLE, &table,
+                                               ZORVS_REGRESSION_INFO, &info, 0))), 1, 4, 11054, "i2=3"},
+        {ZORVS_CALL(refused(zorvs_d_regression(6, 1, x, y, ZORVS_WEIGHTS, negative, ZORVS_ANOVA_TABLE, &table, 0))), 1, 4,
+         11056},
+        {ZORVS_CALL(refused(zorvs_d_regression(0, 1, x, y, 0))), 1, 5, 603},
+        {ZORVS_CALL(refused(zorvs_d_regression(6, 0, x, y, 0))), 1, 5, 603},
+        {ZORVS_CALL(refused(zorvs_d_regression(6, 1, nullptr, y, 0))), 1, 5, 6002},
+        {ZORVS_CALL(refused(zorvs_d_regression(6, 1, x, nullptr, 0))), 1, 5, 6002},
+        {ZORVS_CALL(refused(zorvs_d_regression(3, 2, x, y, ZORVS_X_COL_DIM, 1, 0))), 1, 5, 1024},
+        {ZORVS_CALL(refused(zorvs_d_regression(6, 1, x, y, ZORVS_COV_COL_DIM, 3, 0))), 1, 5, 11038},
+        {ZORVS_CALL(refused(zorvs_d_regression(6, 1, x, y, ZORVS_TOLERANCE, 1.5, 0))), 1, 5, 11050},
+        {ZORVS_CALL(refused(zorvs_d_regression(6, 1, x, y, ZORVS_ANOVA_TABLE_USER, nullptr, 0))), 1, 5, 104},
+        {ZORVS_CALL(refused(zorvs_d_regression(6, 1, x, y, 77, 0))), 1, 5, 11001},
+        {ZORVS_CALL((b = zorvs_d_regression(6, 1, zeros, y, 0))[0]), 3.5, 3, 11047, "", 1e-15},
+        {ZORVS_CALL(b[1]), 0, -1},
+        {ZORVS_DO(std::free(b)), any, -1},
+    });
 }
 
 // The fit by modes: rows added in several calls give the fit of one call,

@@ -190,97 +190,45 @@ TYPED_TEST(ArmaTwin, StartsOutsideTheRegion) {
     EXPECT_EQ(zorvs_error_code(), 11237);
 }
 
-// Refusals: (type, code) and parameters; nothing written through the outputs.
+// Refusals: (type, code), parameters and text; nothing written through the
+// outputs (each row checks its residual pointer and sum of squares).
 TYPED_TEST(ArmaTwin, BadInput) {
     using T = TypeParam;
-    zorvs_test::Quiet quiet;
-    std::vector<T> z(series_lh, series_lh + 48);
-    const int n = static_cast<int>(z.size());
-    T ar = 0.5, ma = 0.1, ss = -7;
-    T *resid = nullptr;
-    struct Row {
-        const char *what;
-        int code;
-        const char *l1;
-        T *(*call)(std::vector<T> &, T &, T *&, T &, T &);
-    };
-    using V = std::vector<T>;
-    const Row rows[] = {
-        {"MoM with residuals", 11117, "ZORVS_METHOD_OF_MOMENTS and argument(s) used exclusively with ZORVS_LEAST_SQUARES",
-         [](V &z, T &ss, T *&r, T &, T &) {
-             return arma<T>(48, z.data(), 1, 0, ZORVS_METHOD_OF_MOMENTS, ZORVS_RESIDUAL, &r, ZORVS_SS_RESIDUAL, &ss, 0);
-         }},
-        {"default method with backcasting", 11117,
-         "ZORVS_METHOD_OF_MOMENTS and argument(s) used exclusively with ZORVS_LEAST_SQUARES",
-         [](V &z, T &, T *&, T &, T &) { return arma<T>(48, z.data(), 1, 0, ZORVS_BACKCASTING, 5, 0.0, 0); }},
-        {"MoM and constant", 11117, "ZORVS_METHOD_OF_MOMENTS and argument(s) used exclusively with ZORVS_LEAST_SQUARES",
-         [](V &z, T &, T *&, T &, T &) { return arma<T>(48, z.data(), 1, 0, ZORVS_METHOD_OF_MOMENTS, ZORVS_CONSTANT, 0); }},
-        {"both constants", 11117, "ZORVS_NO_CONSTANT and ZORVS_CONSTANT",
-         [](V &z, T &, T *&, T &, T &) {
-             return arma<T>(48, z.data(), 1, 0, ZORVS_LEAST_SQUARES, ZORVS_CONSTANT, ZORVS_NO_CONSTANT, 0);
-         }},
-        {"both methods", 11117, "ZORVS_METHOD_OF_MOMENTS and ZORVS_LEAST_SQUARES",
-         [](V &z, T &, T *&, T &, T &) {
-             return arma<T>(48, z.data(), 1, 0, ZORVS_LEAST_SQUARES, ZORVS_METHOD_OF_MOMENTS, 0);
-         }},
-        {"MoM with starting values", 11117, "ZORVS_METHOD_OF_MOMENTS and ZORVS_INITIAL_ESTIMATES",
-         [](V &z, T &, T *&, T &a, T &m) { return arma<T>(48, z.data(), 1, 1, ZORVS_INITIAL_ESTIMATES, &a, &m, 0); }},
-        {"p negative", 11257, nullptr, [](V &z, T &, T *&, T &, T &) { return arma<T>(48, z.data(), -1, 1, 0); }},
-        {"p and q 0", 11257, nullptr, [](V &z, T &, T *&, T &, T &) { return arma<T>(48, z.data(), 0, 0, 0); }},
-        {"one observation", 11083, nullptr, [](V &z, T &, T *&, T &, T &) { return arma<T>(1, z.data(), 1, 0, 0); }},
-        {"too many lags", 11226, nullptr, [](V &z, T &, T *&, T &, T &) { return arma<T>(5, z.data(), 2, 2, 0); }},
-        {"NaN", 11227, nullptr,
-         [](V &z, T &, T *&, T &, T &) {
-             V w(z);
-             w[17] = std::numeric_limits<T>::quiet_NaN();
-             return arma<T>(48, w.data(), 1, 0, 0);
-         }},
-        {"infinity", 11238, nullptr,
-         [](V &z, T &, T *&, T &, T &) {
-             V w(z);
-             w[5] = -std::numeric_limits<T>::infinity();
-             return arma<T>(48, w.data(), 1, 0, 0);
-         }},
-        {"autocovariances overflow", 11239, nullptr,
-         [](V &, T &, T *&, T &, T &) {
-             V w(20);
-             for (int i = 0; i < 20; ++i) w[i] = (i % 3 ? 2 : -2) * std::sqrt(std::numeric_limits<T>::max());
-             return arma<T>(20, w.data(), 1, 0, ZORVS_LEAST_SQUARES, 0);
-         }},
-        {"lag beyond the series", 11233, "ZORVS_AR_LAGS",
-         [](V &z, T &, T *&, T &, T &) {
-             int lag = 48;
-             return arma<T>(48, z.data(), 1, 0, ZORVS_LEAST_SQUARES, ZORVS_AR_LAGS, &lag, 0);
-         }},
-        {"constant series, moments", 11232, nullptr,
-         [](V &, T &, T *&, T &, T &) {
-             V w(30, static_cast<T>(2.5));
-             return arma<T>(30, w.data(), 1, 1, 0);
-         }},
-        {"constant series, least squares", 11230, nullptr,
-         [](V &, T &, T *&, T &a, T &m) {
-             V w(30, static_cast<T>(2.5));
-             return arma<T>(30, w.data(), 1, 1, ZORVS_LEAST_SQUARES, ZORVS_INITIAL_ESTIMATES, &a, &m, 0);
-         }},
-        {"unknown keyword", 11001, nullptr,
-         [](V &z, T &ss, T *&, T &, T &) { return arma<T>(48, z.data(), 1, 0, ZORVS_SS_RESIDUAL, &ss, 777, 0); }},
-    };
-    for (const Row &r : rows) {
-        SCOPED_TRACE(r.what);
-        ss = -7;
-        resid = nullptr;
-        EXPECT_EQ(r.call(z, ss, resid, ar, ma), nullptr);
-        EXPECT_EQ(zorvs_n1rty(1), 5);
-        EXPECT_EQ(zorvs_error_code(), r.code);
-        if (r.l1) {
-            EXPECT_STREQ(zorvs_error_param.l[1], r.l1);
-        }
-        EXPECT_EQ(ss, -7);
-        EXPECT_EQ(resid, nullptr);
-    }
-    EXPECT_EQ(zorvs_error_param.i[1], 777);
-    EXPECT_EQ(zorvs_error_param.i[2], 7);  // four fixed arguments, the keyword, its pointer, then 777
-    (void)n;
+    std::vector<T> z(series_lh, series_lh + 48), nan = z, inf = z, flat(30, T(2.5)), huge(20);
+    nan[17] = std::numeric_limits<T>::quiet_NaN();
+    inf[5] = -std::numeric_limits<T>::infinity();
+    for (int i = 0; i < 20; ++i) huge[i] = (i % 3 ? 2 : -2) * std::sqrt(std::numeric_limits<T>::max());
+    T ar = 0.5, ma = 0.1, ss = -7, *r = nullptr, *x = z.data();
+    int lag = 48;
+    // A refused call: no result, and the outputs as they were.
+    auto refused = [&](T *result) { return result == nullptr && ss == -7 && r == nullptr; };
+    const char *only_ls = "ZORVS_METHOD_OF_MOMENTS and argument(s) used exclusively with ZORVS_LEAST_SQUARES";
+    zorvs_test::expect_rows({
+        {ZORVS_CALL(refused(arma<T>(48, x, 1, 0, ZORVS_METHOD_OF_MOMENTS, ZORVS_RESIDUAL, &r, ZORVS_SS_RESIDUAL, &ss, 0))),
+         1, 5, 11117, "", 0, only_ls},
+        {ZORVS_CALL(refused(arma<T>(48, x, 1, 0, ZORVS_BACKCASTING, 5, 0.0, 0))), 1, 5, 11117, "", 0, only_ls},
+        {ZORVS_CALL(refused(arma<T>(48, x, 1, 0, ZORVS_METHOD_OF_MOMENTS, ZORVS_CONSTANT, 0))), 1, 5, 11117, "", 0, only_ls},
+        {ZORVS_CALL(refused(arma<T>(48, x, 1, 0, ZORVS_LEAST_SQUARES, ZORVS_CONSTANT, ZORVS_NO_CONSTANT, 0))), 1, 5, 11117,
+         "", 0, "ZORVS_NO_CONSTANT and ZORVS_CONSTANT"},
+        {ZORVS_CALL(refused(arma<T>(48, x, 1, 0, ZORVS_LEAST_SQUARES, ZORVS_METHOD_OF_MOMENTS, 0))), 1, 5, 11117, "", 0,
+         "ZORVS_METHOD_OF_MOMENTS and ZORVS_LEAST_SQUARES"},
+        {ZORVS_CALL(refused(arma<T>(48, x, 1, 1, ZORVS_INITIAL_ESTIMATES, &ar, &ma, 0))), 1, 5, 11117, "", 0,
+         "ZORVS_METHOD_OF_MOMENTS and ZORVS_INITIAL_ESTIMATES"},
+        {ZORVS_CALL(refused(arma<T>(48, x, -1, 1, 0))), 1, 5, 11257},
+        {ZORVS_CALL(refused(arma<T>(48, x, 0, 0, 0))), 1, 5, 11257},
+        {ZORVS_CALL(refused(arma<T>(1, x, 1, 0, 0))), 1, 5, 11083},
+        {ZORVS_CALL(refused(arma<T>(5, x, 2, 2, 0))), 1, 5, 11226},
+        {ZORVS_CALL(refused(arma<T>(48, nan.data(), 1, 0, 0))), 1, 5, 11227},
+        {ZORVS_CALL(refused(arma<T>(48, inf.data(), 1, 0, 0))), 1, 5, 11238},
+        {ZORVS_CALL(refused(arma<T>(20, huge.data(), 1, 0, ZORVS_LEAST_SQUARES, 0))), 1, 5, 11239},
+        {ZORVS_CALL(refused(arma<T>(48, x, 1, 0, ZORVS_LEAST_SQUARES, ZORVS_AR_LAGS, &lag, 0))), 1, 5, 11233,
+         "l1=ZORVS_AR_LAGS"},
+        {ZORVS_CALL(refused(arma<T>(30, flat.data(), 1, 1, 0))), 1, 5, 11232},
+        {ZORVS_CALL(refused(arma<T>(30, flat.data(), 1, 1, ZORVS_LEAST_SQUARES, ZORVS_INITIAL_ESTIMATES, &ar, &ma, 0))),
+         1, 5, 11230},
+        // four fixed arguments, the keyword, its pointer, then 777
+        {ZORVS_CALL(refused(arma<T>(48, x, 1, 0, ZORVS_SS_RESIDUAL, &ss, 777, 0))), 1, 5, 11001, "i1=777 i2=7"},
+    });
 }
 
 // Warnings and fatal errors of the estimators, and keyword forms that must
