@@ -25,9 +25,7 @@ std::vector<T> random_vector(std::mt19937 &g, std::size_t size) {
     return v;
 }
 
-template <class T>
-class KernelTwin : public ::testing::Test {};
-TYPED_TEST_SUITE(KernelTwin, Reals);
+ZORVS_TWIN_SUITE(KernelTwin);
 
 const int strides[] = {1, 2, 3, -1, -2, -3};
 

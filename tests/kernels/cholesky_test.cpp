@@ -56,9 +56,7 @@ void sweep(int k, int n, std::vector<T> &a, int irev, T tol, const std::vector<T
     ZORVS_TWIN(gswep, dgswep)(&k, &n, a.data(), &n, &irev, &tol, d.data(), isw.data());
 }
 
-template <class T>
-class CholeskyTwins : public ::testing::Test {};
-TYPED_TEST_SUITE(CholeskyTwins, Reals);
+ZORVS_TWIN_SUITE(CholeskyTwins);
 
 TYPED_TEST(CholeskyTwins, FactorReproducesTheInputAndTheExactTriangle) {
     using T = TypeParam;

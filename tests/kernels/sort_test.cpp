@@ -42,9 +42,7 @@ void expect_permutation(const std::vector<int> &p, const std::vector<T> &a, cons
     }
 }
 
-template <class T>
-class SortTwin : public ::testing::Test {};
-TYPED_TEST_SUITE(SortTwin, Reals);
+ZORVS_TWIN_SUITE(SortTwin);
 
 TYPED_TEST(SortTwin, KeysAndPermutationAgreeWithStdSort) {
     using T = TypeParam;

@@ -59,6 +59,13 @@ inline constexpr double any = -0x1.2345p1000;
 using Reals = ::testing::Types<float, double>;
 using Index = std::size_t;
 
+// A typed test suite over the two twins: ZORVS_TWIN_SUITE(ArmaTwin); then
+// TYPED_TEST(ArmaTwin, ...) with TypeParam float and double.
+#define ZORVS_TWIN_SUITE(name)                   \
+    template <class T>                           \
+    class name : public ::testing::Test {};      \
+    TYPED_TEST_SUITE(name, ::zorvs_test::Reals)
+
 template <class T>
 inline constexpr double eps_of = std::numeric_limits<T>::epsilon();
 
@@ -72,6 +79,14 @@ constexpr auto twin(F f, D d) {
 // The same inside a template of T: ZORVS_TWIN(sdot, ddot) is zorvs_sdot for
 // float and zorvs_ddot for double.
 #define ZORVS_TWIN(f, d) ::zorvs_test::twin<T>(zorvs_##f, zorvs_##d)
+
+// A template wrapper of a twin: ZORVS_TWIN_WRAPPER(arma, arma) defines
+// arma<T>(...), which calls zorvs_f_arma for float and zorvs_d_arma for double.
+#define ZORVS_TWIN_WRAPPER(wrapper, name)                                  \
+    template <class T, class... A>                                         \
+    auto wrapper(A... a) {                                                 \
+        return ::zorvs_test::twin<T>(zorvs_f_##name, zorvs_d_##name)(a...); \
+    }
 
 // The message parameters listed as "r1=-2 i2=3 l1=x": r for reals (r2~171.6
 // within 1e-4 of it), i for integers, l for texts.
@@ -150,6 +165,26 @@ inline void expect_stops(const std::vector<Stop> &rows) {
 // zorvs_d_name, called with the arguments, as a double.
 #define ZORVS_EITHER(single, name, ...)                                                            \
     ((single) ? static_cast<double>(zorvs_f_##name(__VA_ARGS__)) : static_cast<double>(zorvs_d_##name(__VA_ARGS__)))
+
+// Each allocation of a call made to fail in turn, until the call makes no
+// more: `call` makes the call, frees what it got and says whether nothing
+// was handed over.  Each failure must do so with a memory message (5, 200
+// to 202).  Returns the number of allocations the call makes.
+template <class F>
+int each_allocation_failing(F call) {
+    Quiet q;
+    CodeLog log;
+    for (int n = 1;; ++n) {
+        log.clear();
+        zorvs::allocation_failure_countdown = n;
+        const bool nothing = call();
+        const bool reached = zorvs::allocation_failure_countdown == 0;
+        zorvs::allocation_failure_countdown = 0;
+        if (!reached) return n - 1;
+        EXPECT_TRUE(nothing) << "allocation " << n;
+        EXPECT_TRUE(log.has(5, 200) || log.has(5, 201) || log.has(5, 202)) << "allocation " << n;
+    }
+}
 
 // The largest of a family's errors, printed as a measurement when done.
 class Worst {

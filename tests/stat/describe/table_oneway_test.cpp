@@ -12,9 +12,7 @@ using namespace zorvs_test;
 
 #include "data/stat/describe/table_oneway_ref.inc"
 
-template <class T>
-class TableOnewayTwin : public ::testing::Test {};
-TYPED_TEST_SUITE(TableOnewayTwin, Reals);
+ZORVS_TWIN_SUITE(TableOnewayTwin);
 
 // A scheme's call on data x, and the counts it must give.
 template <class T>

@@ -36,18 +36,9 @@ const DataSet &data_of(const char *name) {
     std::abort();
 }
 
-template <class T, class... Args>
-int *k_means(int m, int nv, T *x, int k, T *seeds, Args... args) {
-    if constexpr (std::is_same_v<T, float>)
-        return zorvs_f_cluster_k_means(m, nv, x, k, seeds, args...);
-    else
-        return zorvs_d_cluster_k_means(m, nv, x, k, seeds, args...);
-}
+ZORVS_TWIN_WRAPPER(k_means, cluster_k_means)
 
-template <class T>
-class KMeansTwin : public ::testing::Test {};
-using Reals = ::testing::Types<float, double>;
-TYPED_TEST_SUITE(KMeansTwin, Reals);
+ZORVS_TWIN_SUITE(KMeansTwin);
 
 // Same assignments and counts as R; means and sums of squares to 1e-10
 // relative in double.  The float twin rounds its data to 24 bits; it must
@@ -238,44 +229,24 @@ TEST(KMeans, Refusals) {
 // Each allocation of a call made to fail in turn: a memory message, a null
 // result, the caller's pointers null, nothing leaked (under the sanitizers).
 TEST(Multivariate, EveryAllocationFailureIsReported) {
-    Quiet quiet;
-    auto each_failure = [](auto call) {
-        int failures = 0;
-        for (int n = 1;; ++n) {
-            zorvs::allocation_failure_countdown = n;
-            const bool failed = call();
-            const bool reached = zorvs::allocation_failure_countdown == 0;
-            zorvs::allocation_failure_countdown = 0;
-            if (!reached) break;
-            EXPECT_TRUE(failed) << "allocation " << n;
-            EXPECT_EQ(zorvs_n1rty(1), 5);
-            EXPECT_TRUE(zorvs_n1rcd(1) >= 200 && zorvs_n1rcd(1) <= 202) << zorvs_n1rcd(1);
-            ++failures;
-        }
-        EXPECT_GE(failures, 5);
-    };
     std::vector<double> x{0, 0, 1, 1, 9, 9, 10, 10}, seeds{0, 0, 10, 10};
-    each_failure([&] {
+    EXPECT_GE(zorvs_test::each_allocation_failing([&] {
         double *means = x.data();
         int *counts = nullptr;
         int *c = zorvs_d_cluster_k_means(4, 2, x.data(), 2, seeds.data(), ZORVS_CLUSTER_MEANS, &means,
                                          ZORVS_CLUSTER_COUNTS, &counts, ZORVS_FREQUENCIES, x.data() + 2, 0);
-        const bool failed = !c && !means && !counts;
-        std::free(c);
-        std::free(means);
-        std::free(counts);
-        return failed;
-    });
-    each_failure([&] {
+        const bool nothing = !c && !means && !counts;
+        for (void *p : {(void *)c, (void *)means, (void *)counts}) std::free(p);
+        return nothing;
+    }), 5);
+    EXPECT_GE(zorvs_test::each_allocation_failing([&] {
         double a[4] = {2, 1, 1, 2}, *vectors = a, *std_errors = a;
         double *values = zorvs_d_principal_components(2, a, ZORVS_EIGENVECTORS, &vectors, ZORVS_STD_DEV, 10,
                                                       &std_errors, 0);
-        const bool failed = !values && !vectors && !std_errors;
-        std::free(values);
-        std::free(vectors);
-        std::free(std_errors);
-        return failed;
-    });
+        const bool nothing = !values && !vectors && !std_errors;
+        for (double *p : {values, vectors, std_errors}) std::free(p);
+        return nothing;
+    }), 5);
 }
 
 }  // namespace

@@ -20,18 +20,9 @@ const Reference references[] = {
 #include "data/stat/multivariate/principal_components_ref.inc"
 };
 
-template <class T, class... Args>
-T *pca(int n, T *a, Args... args) {
-    if constexpr (std::is_same_v<T, float>)
-        return zorvs_f_principal_components(n, a, args...);
-    else
-        return zorvs_d_principal_components(n, a, args...);
-}
+ZORVS_TWIN_WRAPPER(pca, principal_components)
 
-template <class T>
-class PrincipalComponentsTwin : public ::testing::Test {};
-using Reals = ::testing::Types<float, double>;
-TYPED_TEST_SUITE(PrincipalComponentsTwin, Reals);
+ZORVS_TWIN_SUITE(PrincipalComponentsTwin);
 
 // Relative to the largest eigenvalue for values and to 1 for the unit vectors
 // and proportions: eigenvalues to 1e-12 of the largest (the singular pair's
@@ -137,11 +128,7 @@ TEST(PrincipalComponents, StorageAndChecks) {
     double *values = zorvs_d_principal_components(2, a, ZORVS_COV_COL_DIM, 3, ZORVS_EIGENVECTORS, &vectors,
                                                   ZORVS_CORRELATIONS, &correlations, ZORVS_CUM_PERCENT,
                                                   &cumulative, ZORVS_STD_DEV, 0, &std_errors, 0);
-    ASSERT_NE(values, nullptr);
-    ASSERT_NE(vectors, nullptr);
-    ASSERT_NE(correlations, nullptr);
-    ASSERT_NE(cumulative, nullptr);
-    ASSERT_NE(std_errors, nullptr);
+    ASSERT_TRUE(values && vectors && correlations && cumulative && std_errors);
     EXPECT_EQ(zorvs_n1rty(1), 3);
     EXPECT_EQ(zorvs_error_code(), 20101);
     const double l1 = 3.5 + std::sqrt(4.25), l2 = 3.5 - std::sqrt(4.25);
@@ -157,14 +144,13 @@ TEST(PrincipalComponents, StorageAndChecks) {
     EXPECT_EQ(zorvs_f_principal_components(2, f, ZORVS_RETURN_USER, user.data(), 0), user.data());
     EXPECT_NEAR(user[0], 1.5f, 1e-6f);
     // refusals free what they allocated and null the caller's pointers
-    vectors = reinterpret_cast<double *>(&a[0]);
-    EXPECT_EQ(zorvs_d_principal_components(2, a, ZORVS_COV_COL_DIM, 1, ZORVS_EIGENVECTORS, &vectors, 0), nullptr);
-    EXPECT_EQ(zorvs_error_code(), 601);
-    EXPECT_EQ(vectors, nullptr);
-    EXPECT_EQ(zorvs_d_principal_components(0, a, 0), nullptr);
-    EXPECT_EQ(zorvs_error_code(), 603);
-    EXPECT_EQ(zorvs_d_principal_components(2, a, ZORVS_X_COL_DIM, 2, 0), nullptr);
-    EXPECT_EQ(zorvs_error_code(), 11001);
+    vectors = a;
+    zorvs_test::expect_rows({
+        {ZORVS_CALL(!zorvs_d_principal_components(2, a, ZORVS_COV_COL_DIM, 1, ZORVS_EIGENVECTORS, &vectors, 0) &&
+                    !vectors), 1, 5, 601},
+        {ZORVS_CALL(zorvs_d_principal_components(0, a, 0) == nullptr), 1, 5, 603},
+        {ZORVS_CALL(zorvs_d_principal_components(2, a, ZORVS_X_COL_DIM, 2, 0) == nullptr), 1, 5, 11001},
+    });
 }
 
 }  // namespace

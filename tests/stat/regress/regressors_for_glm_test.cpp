@@ -16,10 +16,7 @@ using zorvs_test::Quiet;
 
 using zorvs_test::glm;
 
-template <class T>
-class GlmTwin : public ::testing::Test {};
-using Reals = ::testing::Types<float, double>;
-TYPED_TEST_SUITE(GlmTwin, Reals);
+ZORVS_TWIN_SUITE(GlmTwin);
 
 const int n_cars = 32;
 int class_columns[] = {0, 2};                      // cyl, gear
@@ -160,50 +157,33 @@ TYPED_TEST(GlmTwin, EdgeCases) {
     EXPECT_EQ(sq[9 + 4], 1);  // level 2 with itself
 }
 
+// Refused: a count of 0, x as it was, the caller's pointer not written.
 TEST(Glm, RefusalsLeaveXAndTheCallersPointer) {
-    Quiet q;
-    CodeLog codes;
-    double x[] = {1, 2, 3, 4, 5, 6};
-    const std::vector<double> before(x, x + 6);
-    double *sentinel = reinterpret_cast<double *>(&codes);
-    double *reg = sentinel;
-    int zero[] = {0};
-    int two[] = {2};
-    int pair[] = {0, 1};
-    int far[] = {0, 5};
-    int bad_class[] = {4};
-    auto expect_refused = [&](int result, int type, int code) {
-        EXPECT_EQ(result, 0) << code;
-        EXPECT_TRUE(codes.has(type, code)) << code;
-        EXPECT_EQ(std::vector<double>(x, x + 6), before) << code;
-        EXPECT_EQ(reg, sentinel) << code;
-        codes.clear();
+    double x[] = {1, 2, 3, 4, 5, 6}, sentinel = 0, *reg = &sentinel;
+    int zero[] = {0}, two[] = {2}, pair[] = {0, 1}, far[] = {0, 5}, bad_class[] = {4};
+    auto refused = [&](int count) { return count == 0 && x[0] == 1 && x[5] == 6 && reg == &sentinel; };
+    auto by_effects = [&](int *sizes, int *columns) {
+        return zorvs_d_regressors_for_glm(3, x, 1, 1, ZORVS_INDICES_EFFECTS, 1, sizes, columns, ZORVS_REGRESSORS, &reg, 0);
     };
-    expect_refused(zorvs_d_regressors_for_glm(0, x, 1, 1, ZORVS_REGRESSORS, &reg, 0), 5, 603);
-    expect_refused(zorvs_d_regressors_for_glm(3, x, -1, 2, ZORVS_REGRESSORS, &reg, 0), 5, 603);
-    expect_refused(zorvs_d_regressors_for_glm(3, x, 0, 0, ZORVS_REGRESSORS, &reg, 0), 5, 20234);
-    expect_refused(zorvs_d_regressors_for_glm(3, x, 1, 1, ZORVS_MODEL_ORDER, 3, ZORVS_REGRESSORS, &reg, 0), 5, 20230);
-    EXPECT_EQ(zorvs_error_param.i[1], 3);
-    expect_refused(zorvs_d_regressors_for_glm(3, x, 1, 1, ZORVS_DUMMY, 0, ZORVS_REGRESSORS, &reg, 0), 5, 20232);
-    expect_refused(zorvs_d_regressors_for_glm(3, x, 1, 1, ZORVS_X_COL_DIM, 1, 0), 5, 20233);
-    expect_refused(zorvs_d_regressors_for_glm(3, x, 1, 1, ZORVS_MODEL_ORDER, 1, ZORVS_INDICES_EFFECTS, 1, two, pair,
-                                              ZORVS_REGRESSORS, &reg, 0),
-                   5, 11117);
-    expect_refused(zorvs_d_regressors_for_glm(3, x, 1, 1, ZORVS_INDICES_EFFECTS, 1, zero, pair, ZORVS_REGRESSORS,
-                                              &reg, 0),
-                   5, 20237);
-    expect_refused(zorvs_d_regressors_for_glm(3, x, 1, 1, ZORVS_INDICES_EFFECTS, 1, two, far, ZORVS_REGRESSORS,
-                                              &reg, 0),
-                   5, 20238);
-    EXPECT_EQ(zorvs_error_param.i[1], 1);
-    EXPECT_EQ(zorvs_error_param.i[2], 5);
-    EXPECT_EQ(zorvs_error_param.i[3], 2);
-    expect_refused(zorvs_d_regressors_for_glm(3, x, 1, 1, ZORVS_X_CLASS_COLUMNS, bad_class, ZORVS_REGRESSORS, &reg,
-                                              0),
-                   5, 20235);
-    expect_refused(zorvs_d_regressors_for_glm(3, x, 1, 1, ZORVS_REGRESSORS, &reg, ZORVS_REGRESSORS_COL_DIM, 1, 0),
-                   5, 601);
-    expect_refused(zorvs_d_regressors_for_glm(3, x, 1, 1, 99, 0), 5, 11001);
+    zorvs_test::expect_rows({
+        {ZORVS_CALL(refused(zorvs_d_regressors_for_glm(0, x, 1, 1, ZORVS_REGRESSORS, &reg, 0))), 1, 5, 603},
+        {ZORVS_CALL(refused(zorvs_d_regressors_for_glm(3, x, -1, 2, ZORVS_REGRESSORS, &reg, 0))), 1, 5, 603},
+        {ZORVS_CALL(refused(zorvs_d_regressors_for_glm(3, x, 0, 0, ZORVS_REGRESSORS, &reg, 0))), 1, 5, 20234},
+        {ZORVS_CALL(refused(zorvs_d_regressors_for_glm(3, x, 1, 1, ZORVS_MODEL_ORDER, 3, ZORVS_REGRESSORS, &reg, 0))), 1,
+         5, 20230, "i1=3"},
+        {ZORVS_CALL(refused(zorvs_d_regressors_for_glm(3, x, 1, 1, ZORVS_DUMMY, 0, ZORVS_REGRESSORS, &reg, 0))), 1, 5,
+         20232},
+        {ZORVS_CALL(refused(zorvs_d_regressors_for_glm(3, x, 1, 1, ZORVS_X_COL_DIM, 1, 0))), 1, 5, 20233},
+        {ZORVS_CALL(refused(zorvs_d_regressors_for_glm(3, x, 1, 1, ZORVS_MODEL_ORDER, 1, ZORVS_INDICES_EFFECTS, 1, two,
+                                                       pair, ZORVS_REGRESSORS, &reg, 0))), 1, 5, 11117},
+        {ZORVS_CALL(refused(by_effects(zero, pair))), 1, 5, 20237},
+        {ZORVS_CALL(refused(by_effects(two, far))), 1, 5, 20238, "i1=1 i2=5 i3=2"},
+        {ZORVS_CALL(refused(zorvs_d_regressors_for_glm(3, x, 1, 1, ZORVS_X_CLASS_COLUMNS, bad_class, ZORVS_REGRESSORS,
+                                                       &reg, 0))), 1, 5, 20235},
+        {ZORVS_CALL(refused(zorvs_d_regressors_for_glm(3, x, 1, 1, ZORVS_REGRESSORS, &reg, ZORVS_REGRESSORS_COL_DIM, 1,
+                                                       0))), 1, 5, 601},
+        {ZORVS_CALL(refused(zorvs_d_regressors_for_glm(3, x, 1, 1, 99, 0))), 1, 5, 11001},
+    });
 }
 
 // Each allocation in turn fails: the call either ends with an out-of-memory

@@ -9,9 +9,7 @@ namespace {
 
 using namespace zorvs_test;
 
-template <class T>
-class SumsOfSquares : public ::testing::Test {};
-TYPED_TEST_SUITE(SumsOfSquares, Reals);
+ZORVS_TWIN_SUITE(SumsOfSquares);
 
 // Three variables (offsets 0, 1e6 and -3e3) over 200 rows with weights in
 // [0, 2), every tenth 0.0; x is stored with stride 2 and the means and sums

@@ -10,18 +10,9 @@ namespace {
 
 #include "data/stat/series/arma_ref.inc"
 
-template <class T>
-class ArmaTwin : public ::testing::Test {};
-using Reals = ::testing::Types<float, double>;
-TYPED_TEST_SUITE(ArmaTwin, Reals);
+ZORVS_TWIN_SUITE(ArmaTwin);
 
-template <class T, class... Args>
-T *arma(int n, T *z, int p, int q, Args... args) {
-    if constexpr (std::is_same_v<T, float>)
-        return zorvs_f_arma(n, z, p, q, args...);
-    else
-        return zorvs_d_arma(n, z, p, q, args...);
-}
+ZORVS_TWIN_WRAPPER(arma, arma)
 
 template <class T>
 constexpr bool single = std::is_same_v<T, float>;
@@ -117,10 +108,7 @@ TYPED_TEST(ArmaTwin, OutputsOfTheLeastSquaresFit) {
                    ZORVS_AUTOCOV, &acv, ZORVS_SS_RESIDUAL, &ss, ZORVS_ARMA_INFO, &info, ZORVS_RETURN_USER, &constant,
                    &ar, &ma, 0);
     ASSERT_EQ(x, &constant);
-    ASSERT_NE(resid, nullptr);
-    ASSERT_NE(cov, nullptr);
-    ASSERT_NE(acv, nullptr);
-    ASSERT_NE(info, nullptr);
+    ASSERT_TRUE(resid && cov && acv && info);
     const int m = c.n + 10 - 1;
     T sum = 0;
     for (int i = 0; i < m; ++i) sum += resid[i] * resid[i];
@@ -133,20 +121,13 @@ TYPED_TEST(ArmaTwin, OutputsOfTheLeastSquaresFit) {
     EXPECT_GT(std::sqrt(cov[4]), 0.05);
     EXPECT_LT(std::sqrt(cov[4]), 0.5);
     const auto *rec = static_cast<zorvs_arma_info *>(info);
-    EXPECT_EQ(rec->p, 1);
-    EXPECT_EQ(rec->q, 1);
-    EXPECT_EQ(rec->method, ZORVS_LEAST_SQUARES);
-    EXPECT_EQ(rec->ar[0], static_cast<double>(ar));
-    EXPECT_EQ(rec->ma[0], static_cast<double>(ma));
-    EXPECT_EQ(rec->constant, static_cast<double>(constant));
-    EXPECT_EQ(rec->ar_lags[0], 1);
-    EXPECT_EQ(rec->last_observations[0], static_cast<double>(z[c.n - 1]));
-    EXPECT_EQ(rec->last_residuals[0], static_cast<double>(resid[m - 1]));
+    EXPECT_EQ((std::vector<double>{double(rec->p), double(rec->q), double(rec->method), rec->ar[0], rec->ma[0],
+                                   rec->constant, double(rec->ar_lags[0]), rec->last_observations[0],
+                                   rec->last_residuals[0]}),
+              (std::vector<double>{1, 1, ZORVS_LEAST_SQUARES, double(ar), double(ma), double(constant), 1,
+                                   double(z[c.n - 1]), double(resid[m - 1])}));
     EXPECT_NEAR(rec->innovation_variance, ss / (m - 3), 1e-5 * ss);
-    std::free(resid);
-    std::free(cov);
-    std::free(acv);
-    std::free(info);
+    for (void *p : {(void *)resid, (void *)cov, (void *)acv, info}) std::free(p);
     // a mean given is used, not replaced: the autocovariances are about it
     T given = 2, acv2[3];
     T *g = arma<T>(c.n, z.data(), 1, 0, ZORVS_MEAN_ESTIMATE, &given, ZORVS_AUTOCOV_USER, acv2, 0);
@@ -290,32 +271,17 @@ TYPED_TEST(ArmaTwin, EstimatorMessagesAndKeywordForms) {
 // checks that nothing leaks).
 TYPED_TEST(ArmaTwin, AllocationFailures) {
     using T = TypeParam;
-    zorvs_test::Quiet quiet;
-    zorvs_test::CodeLog log;
     const LeastSquaresCase &c = least_squares_cases[0];
     std::vector<T> z(c.z, c.z + c.n);
-    bool succeeded = false;
-    for (int k = 1; k < 40 && !succeeded; ++k) {
+    EXPECT_GE(zorvs_test::each_allocation_failing([&] {
         T *resid = nullptr, *cov = nullptr, *acv = nullptr;
         void *info = nullptr;
-        log.clear();
-        zorvs::allocation_failure_countdown = k;
         T *x = arma<T>(c.n, z.data(), 1, 1, ZORVS_LEAST_SQUARES, ZORVS_RESIDUAL, &resid, ZORVS_PARAM_EST_COV, &cov,
                        ZORVS_AUTOCOV, &acv, ZORVS_ARMA_INFO, &info, 0);
-        zorvs::allocation_failure_countdown = 0;
-        succeeded = x != nullptr;
-        if (!succeeded) {
-            EXPECT_TRUE(log.has(5, 200) || log.has(5, 201) || log.has(5, 202)) << k;
-            EXPECT_EQ(resid, nullptr);
-            EXPECT_EQ(cov, nullptr);
-            EXPECT_EQ(acv, nullptr);
-            EXPECT_EQ(info, nullptr);
-        }
-        for (void *v : {static_cast<void *>(x), static_cast<void *>(resid), static_cast<void *>(cov),
-                        static_cast<void *>(acv), info})
-            std::free(v);
-    }
-    EXPECT_TRUE(succeeded);
+        const bool nothing = !x && !resid && !cov && !acv && !info;
+        for (void *v : {(void *)x, (void *)resid, (void *)cov, (void *)acv, info}) std::free(v);
+        return nothing;
+    }), 5);
 }
 
 }  // namespace

@@ -9,18 +9,9 @@ namespace {
 
 #include "data/stat/series/difference_ref.inc"
 
-template <class T>
-class DifferenceTwin : public ::testing::Test {};
-using Reals = ::testing::Types<float, double>;
-TYPED_TEST_SUITE(DifferenceTwin, Reals);
+ZORVS_TWIN_SUITE(DifferenceTwin);
 
-template <class T, class... Args>
-T *difference(int n, T *z, int k, int *periods, Args... args) {
-    if constexpr (std::is_same_v<T, float>)
-        return zorvs_f_difference(n, z, k, periods, args...);
-    else
-        return zorvs_d_difference(n, z, k, periods, args...);
-}
+ZORVS_TWIN_WRAPPER(difference, difference)
 
 TYPED_TEST(DifferenceTwin, AgreesWithR) {
     using T = TypeParam;
@@ -102,82 +93,47 @@ TYPED_TEST(DifferenceTwin, HandCases) {
     std::free(w);
 }
 
-// Errors, with stops off: (type, code), parameters, null or the caller's pointer.
+// Errors, with stops off: (type, code), parameters, null or the caller's
+// pointer, the lost count not written after a fatal error; the periods and
+// the orders all checked before the worker ends; an unknown keyword's
+// position counting the four fixed arguments.
 TYPED_TEST(DifferenceTwin, BadInput) {
     using T = TypeParam;
-    zorvs_test::Quiet q;
-    zorvs_test::CodeLog log;
     const T nan = std::numeric_limits<T>::quiet_NaN();
-    struct Row {
-        int n, k;
-        int periods[2], orders[2];
-        int nan_at;  // position of a NaN in z, or -1
-        int type, code, i1, i2;
-    } rows[] = {
-        {0, 1, {1, 1}, {1, 1}, -1, 5, 603, 1, 0},
-        {5, 0, {1, 1}, {1, 1}, -1, 5, 603, 1, 0},
-        {5, 2, {1, 0}, {1, 1}, -1, 4, 20210, 1, 0},
-        {5, 2, {-3, 1}, {1, 1}, -1, 4, 20210, 0, -3},
-        {5, 2, {1, 1}, {1, -1}, -1, 4, 20211, 1, -1},
-        {5, 1, {1, 1}, {1, 1}, 3, 4, 20212, 3, 0},
-        {5, 1, {1, 1}, {1, 1}, 0, 4, 20212, 0, 0},
+    std::vector<T> z{1, 2, 4, 8, 16}, z3{1, 2, 4, nan, 16}, z0{nan, 2, 4, 8, 16}, w(3, 42);
+    int ones[2] = {1, 1}, p10[2] = {1, 0}, p31[2] = {-3, 1}, o11[2] = {1, -1}, om1[2] = {-1, 1}, lost = -7;
+    auto refused = [&](T *r) { return r == nullptr && lost == -7; };
+    auto call = [&](int n, T *x, int k, int *periods, int *orders) {
+        return refused(difference<T>(n, x, k, periods, ZORVS_ORDERS, orders, ZORVS_NUM_LOST, &lost, 0));
     };
-    for (const Row &r : rows) {
-        SCOPED_TRACE(r.code);
-        std::vector<T> z{1, 2, 4, 8, 16};
-        if (r.nan_at >= 0) z[r.nan_at] = nan;
-        int periods[2] = {r.periods[0], r.periods[1]}, orders[2] = {r.orders[0], r.orders[1]};
-        int lost = -7;
-        log.clear();
-        EXPECT_EQ(difference<T>(r.n, z.data(), r.k, periods, ZORVS_ORDERS, orders, ZORVS_NUM_LOST, &lost, 0),
-                  nullptr);
-        EXPECT_EQ(zorvs_n1rty(1), r.type);
-        EXPECT_EQ(zorvs_error_code(), r.code);
-        if (r.code != 603) {
-            EXPECT_EQ(zorvs_error_param.i[1], r.i1);
-            if (r.code != 20212) {
-                EXPECT_EQ(zorvs_error_param.i[2], r.i2);
-            }
-        }
-        EXPECT_EQ(lost, -7);  // nothing written after a fatal error
-    }
-    // the periods and the orders are all checked before the worker ends
-    {
-        std::vector<T> z{1, 2, 4};
-        int periods[2] = {1, 0}, orders[2] = {-1, 1};
-        EXPECT_EQ(difference<T>(3, z.data(), 2, periods, ZORVS_ORDERS, orders, 0), nullptr);
-        EXPECT_EQ(zorvs_error_code(), 20211);
-    }
-    // caller storage: the pointer comes back after the error, untouched
-    std::vector<T> z{1, nan, 3}, w(3, 42);
-    int one = 1;
-    EXPECT_EQ(difference<T>(3, z.data(), 1, &one, ZORVS_RETURN_USER, w.data(), 0), w.data());
-    EXPECT_EQ(zorvs_error_code(), 20212);
-    EXPECT_EQ(w[0], 42);
-    // an unknown keyword: its position counts the four fixed arguments
-    EXPECT_EQ(difference<T>(3, w.data(), 1, &one, ZORVS_NUM_LOST, &one, 4242, 0), nullptr);
-    EXPECT_EQ(zorvs_error_code(), 11001);
-    EXPECT_EQ(zorvs_error_param.i[1], 4242);
-    EXPECT_EQ(zorvs_error_param.i[2], 7);
-    // a null orders array
-    EXPECT_EQ(difference<T>(3, w.data(), 1, &one, ZORVS_ORDERS, static_cast<int *>(nullptr), 0), nullptr);
-    EXPECT_EQ(zorvs_error_code(), 150);
+    zorvs_test::expect_rows({
+        {ZORVS_CALL(call(0, z.data(), 1, ones, ones)), 1, 5, 603},
+        {ZORVS_CALL(call(5, z.data(), 0, ones, ones)), 1, 5, 603},
+        {ZORVS_CALL(call(5, z.data(), 2, p10, ones)), 1, 4, 20210, "i1=1 i2=0"},
+        {ZORVS_CALL(call(5, z.data(), 2, p31, ones)), 1, 4, 20210, "i1=0 i2=-3"},
+        {ZORVS_CALL(call(5, z.data(), 2, ones, o11)), 1, 4, 20211, "i1=1 i2=-1"},
+        {ZORVS_CALL(call(5, z3.data(), 1, ones, ones)), 1, 4, 20212, "i1=3"},
+        {ZORVS_CALL(call(5, z0.data(), 1, ones, ones)), 1, 4, 20212, "i1=0"},
+        {ZORVS_CALL(call(3, z.data(), 2, p10, om1)), 1, 4, 20211},
+        {ZORVS_CALL(difference<T>(3, z0.data(), 1, ones, ZORVS_RETURN_USER, w.data(), 0) == w.data() && w[0] == 42),
+         1, 4, 20212},
+        {ZORVS_CALL(refused(difference<T>(3, w.data(), 1, ones, ZORVS_NUM_LOST, ones, 4242, 0))), 1, 5, 11001,
+         "i1=4242 i2=7"},
+        {ZORVS_CALL(refused(difference<T>(3, w.data(), 1, ones, ZORVS_ORDERS, static_cast<int *>(nullptr), 0))), 1, 5,
+         150},
+    });
 }
 
 // Each allocation failing in turn: (5, 200) or (5, 201), a null result, no
 // lost count written; the sanitizer build checks that nothing leaks.
 TEST(DifferenceMemory, AllocationFailures) {
-    zorvs_test::Quiet q;
     double z[4] = {1, 2, 4, 8};
     int one = 1, lost = -1;
-    for (int k = 1; k <= 3; ++k) {
-        zorvs::allocation_failure_countdown = k;
+    EXPECT_EQ(zorvs_test::each_allocation_failing([&] {
         double *w = zorvs_d_difference(4, z, 1, &one, ZORVS_NUM_LOST, &lost, 0);
-        zorvs::allocation_failure_countdown = 0;
-        EXPECT_EQ(w, nullptr) << k;
-        EXPECT_TRUE(zorvs_error_code() == 200 || zorvs_error_code() == 201) << k;
-        EXPECT_EQ(lost, -1);
-    }
+        std::free(w);
+        return !w && lost == -1;
+    }), 3);
 }
 
 }  // namespace
