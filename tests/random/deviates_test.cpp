@@ -279,37 +279,6 @@ TEST(RandomDeviates, UniformsTakenByEachMethod) {
     }
 }
 
-// Both twins draw the same uniforms and agree to single accuracy.
-template <class F, class D>
-void expect_twins_agree(int n, F single, D dbl, double rel, double abs) {
-    std::vector<float> f(n);
-    std::vector<double> d(n);
-    start(7);
-    single(f.data());
-    const int after = zorvs_random_seed_get();
-    start(7);
-    dbl(d.data());
-    EXPECT_EQ(zorvs_random_seed_get(), after);
-    for (int i = 0; i < n; ++i) EXPECT_NEAR(f[i], d[i], abs + rel * std::fabs(d[i])) << i;
-}
-
-TEST(RandomDeviates, TwinsDrawTheSameUniforms) {
-    const float onef = 1.0f;
-    const double one = 1.0;
-    expect_twins_agree(
-        100, [](float *x) { zorvs_f_random_normal(100, ZORVS_RETURN_USER, x, 0); },
-        [](double *x) { zorvs_d_random_normal(100, ZORVS_RETURN_USER, x, 0); }, 1e-5, 1e-5);
-    expect_twins_agree(
-        3, [&](float *x) { zorvs_f_random_normal_multivariate(3, 1, &onef, ZORVS_RETURN_USER, x, 0); },
-        [&](double *x) { zorvs_d_random_normal_multivariate(3, 1, &one, ZORVS_RETURN_USER, x, 0); }, 0, 1e-6);
-    for (auto [p, q] : {std::pair{0.3, 0.7}, {0.6, 0.4}, {2.0, 5.0}, {30.0, 7.0}, {0.5, 3.0}, {4.0, 0.3}}) {
-        SCOPED_TRACE(std::to_string(p) + ", " + std::to_string(q));
-        expect_twins_agree(
-            20, [&](float *x) { zorvs_f_random_beta(20, float(p), float(q), ZORVS_RETURN_USER, x, 0); },
-            [&](double *x) { zorvs_d_random_beta(20, p, q, ZORVS_RETURN_USER, x, 0); }, 1e-5, 1e-8);
-    }
-}
-
 // The generator of option 1 in exact integer arithmetic, and the seed whose
 // next step is x (x times the inverse of 16807 modulo the prime).
 int64_t step(int64_t x) { return x * 16807 % 2147483647; }

@@ -145,12 +145,8 @@ TYPED_TEST(KMeansTwin, HandCases) {
         EXPECT_EQ(std::vector<int>(c, c + 5), (std::vector<int>{1, 1, 2, 2, 2}));
         EXPECT_EQ(std::vector<T>(means, means + 4), (std::vector<T>{0.25, 0.5, 10.5, 10.5}));
         EXPECT_EQ(std::vector<int>(counts, counts + 2), (std::vector<int>{2, 3}));
-        EXPECT_EQ(ssq[0], T(0.125 + 0.5));
-        EXPECT_EQ(ssq[1], T(0.5 + 0.5));
-        std::free(c);
-        std::free(means);
-        std::free(ssq);
-        std::free(counts);
+        EXPECT_EQ(std::vector<T>(ssq, ssq + 2), (std::vector<T>{T(0.125 + 0.5), T(0.5 + 0.5)}));
+        for (void *p : {(void *)c, (void *)means, (void *)ssq, (void *)counts}) std::free(p);
     }
     // x_columns picks columns 2 and 0 of rows of 3, means in rows of 4.
     {
