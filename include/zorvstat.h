@@ -484,6 +484,30 @@ typedef struct {
 float *zorvs_f_regression(int n_rows, int n_independent, float x[], float y[], ...);
 double *zorvs_d_regression(int n_rows, int n_independent, double x[], double y[], ...);
 /* @@end regress */
+/* @@section regress_summary */
+/* Inference on the coefficients of a fit from its record: t tests, variance
+ * inflation factors, covariances, the analysis of variance table.
+ * Keywords: ZORVS_COEF_T_TESTS (float **), ZORVS_COEF_T_TESTS_USER
+ * (float[]), ZORVS_COEF_T_TESTS_COL_DIM (int, default 4), ZORVS_COEF_VIF
+ * (float **), ZORVS_COEF_VIF_USER (float[]), ZORVS_COEF_COVARIANCES
+ * (float **), ZORVS_COEF_COVARIANCES_USER (float[]), ZORVS_COVB_COL_DIM
+ * (int), ZORVS_ANOVA_TABLE (float **), ZORVS_ANOVA_TABLE_USER (float[15]).
+ * The double twin takes double arrays and pointers. */
+void zorvs_f_regression_summary(zorvs_f_regression_info *regression_info, ...);
+void zorvs_d_regression_summary(zorvs_d_regression_info *regression_info, ...);
+
+/* Predicted values of n_predict row-major rows of x from the record, with
+ * intervals and, given the responses, the case statistics.  Keywords:
+ * ZORVS_Y (float[]), ZORVS_WEIGHTS (float[]), ZORVS_X_COL_DIM (int),
+ * ZORVS_CONFIDENCE (double, per cent), ZORVS_CONFIDENCE_ADR (float *);
+ * the interval pairs ZORVS_SCHEFFE_CI, ZORVS_CI_POP_MEAN, ZORVS_CI_NEW_SAMPLE
+ * (float **lower, float **upper) and their _USER forms (float[], float[]);
+ * ZORVS_RESIDUAL, ZORVS_STANDARDIZED_RESIDUAL, ZORVS_DELETED_RESIDUAL,
+ * ZORVS_COOKSD, ZORVS_DFFITS, ZORVS_LEVERAGE (float **) and their _USER forms
+ * (float[]); ZORVS_RETURN_USER (float[]). */
+float *zorvs_f_regression_prediction(zorvs_f_regression_info *regression_info, int n_predict, float x[], ...);
+double *zorvs_d_regression_prediction(zorvs_d_regression_info *regression_info, int n_predict, double x[], ...);
+/* @@end regress_summary */
 
 /* ------------------------------------------------------------------------ */
 /* Utilities: permutations                                                  */
