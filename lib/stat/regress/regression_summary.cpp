@@ -27,9 +27,10 @@
 //    column regressed on the others without intercept.  A dropped column's
 //    factor is infinite, its coefficient 0.0, its standard error 0.0, and
 //    its t and p NaN.
-//  - With a NaN mean square for error (no degrees of freedom, or a record
-//    whose sum of squares for error is 0.0 with none) the covariances and
-//    standard errors are NaN and the estimates stand.
+//  - With no degrees of freedom for error the fit is exact, and the error
+//    sum of squares of the table is 0.0 whatever rounding the record holds:
+//    the mean square is then NaN, and so are the covariances, standard
+//    errors, t and p; the estimates stand.
 
 #include <cmath>
 #include <cstdarg>
@@ -85,7 +86,10 @@ void l_rstat(int np, int ic, const T *r, int ldr, const T *b, T dfe, T sse, T *a
             mean = s / at(r, ldr, 0, 0);
         }
         for (int k = 0; k < 15; ++k) aov[k] = nan;
-        zorvs::regress::g1aov(dfr, dfe, sse, ssr + sse, mean, aov);
+        // No degrees of freedom for error: the fit is exact, and what the
+        // record holds as the error sum of squares is rounding.
+        const T e = dfe == T(0) ? T(0) : sse;
+        zorvs::regress::g1aov(dfr, dfe, e, ssr + e, mean, aov);
         if (zorvs::regress::failed_here()) return;
 
         // Sums of squares of the columns about their means, from R.
