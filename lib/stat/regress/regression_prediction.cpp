@@ -271,7 +271,7 @@ void l_regression_prediction(Info<T> *info, int n_predict, T *x, va_list *list) 
 
     // Work: the rows' entries, one row of data, the solve.
     const std::size_t n = static_cast<std::size_t>(n_predict);
-    T *cases = zorvs::workspace<T>(n * ROW_ENTRIES + static_cast<std::size_t>(nv) + 2 + 2 * static_cast<std::size_t>(np));
+    T *cases = zorvs::workspace<T>(n * ROW_ENTRIES + static_cast<std::size_t>(nv + 2 + 2 * np));
     if (!cases) return;
     T *row = cases + n * ROW_ENTRIES, *z = row + nv + 2;
     const T dfe = info->df_error, sse = *info->sscp_error, nan = zorvs::missing<T>();
@@ -295,8 +295,10 @@ void l_regression_prediction(Info<T> *info, int n_predict, T *x, va_list *list) 
         if (zorvs::regress::failed_here()) return;
         cs[SCHEFFE_LOW] = cs[SCHEFFE_HIGH] = nan;
         if (!(dfe > T(0)) || !clean) continue;
-        if (!scheffe_ready && rank > 0)
-            scheffe = T(rank) * zorvs::dist::F_inverse_cdf(confidence / T(100), T(rank), dfe);
+        if (!scheffe_ready && rank > 0)  // a level of 0 is a band of width 0
+            scheffe = confidence > T(0)
+                          ? T(rank) * zorvs::dist::F_inverse_cdf(confidence / T(100), T(rank), dfe)
+                          : T(0);
         scheffe_ready = true;
         const T half = std::sqrt(scheffe * zorvs::check::divide(sse, dfe) * cs[LEVERAGE]);
         cs[SCHEFFE_LOW] = cs[PREDICTED] - half;
@@ -309,7 +311,8 @@ void l_regression_prediction(Info<T> *info, int n_predict, T *x, va_list *list) 
         return false;
     };
     const int code = zorvs::error_stack.top->code;
-    if ((code == 20051 && !wanted(LEVERAGE, DFFITS)) || (code == 20052 && !outs[DELETED].wanted() && !outs[DFFITS].wanted()))
+    if ((code == 20051 && !wanted(LEVERAGE, DFFITS)) ||
+        (code == 20052 && !outs[DELETED].wanted() && !outs[DFFITS].wanted()))
         zorvs_e1mes(0, 0, " ");
     for (std::size_t i = 0; i < n; ++i) {
         const T *cs = cases + i * ROW_ENTRIES;

@@ -164,7 +164,9 @@ void l_regression_summary(Info<T> *info, va_list *list) {
     for (int k = kw.keyword(); k != 0; k = kw.keyword()) {
         switch (k) {
         case ZORVS_COEF_T_TESTS: tests.take_address(kw.pointer<T *>()); break;
-        case ZORVS_COEF_T_TESTS_USER: zorvs::regress::take_user_array(kw, tests, "coef_t_tests", "ZORVS_COEF_T_TESTS_USER"); break;
+        case ZORVS_COEF_T_TESTS_USER:
+            zorvs::regress::take_user_array(kw, tests, "coef_t_tests", "ZORVS_COEF_T_TESTS_USER");
+            break;
         case ZORVS_COEF_T_TESTS_COL_DIM: tests_ld = kw.integer(); break;
         case ZORVS_COEF_VIF: vif.take_address(kw.pointer<T *>()); break;
         case ZORVS_COEF_VIF_USER: zorvs::regress::take_user_array(kw, vif, "coef_vif", "ZORVS_COEF_VIF_USER"); break;
@@ -174,7 +176,9 @@ void l_regression_summary(Info<T> *info, va_list *list) {
             break;
         case ZORVS_COVB_COL_DIM: cov_ld = kw.integer(); break;
         case ZORVS_ANOVA_TABLE: aov.take_address(kw.pointer<T *>()); break;
-        case ZORVS_ANOVA_TABLE_USER: zorvs::regress::take_user_array(kw, aov, "anova_table", "ZORVS_ANOVA_TABLE_USER"); break;
+        case ZORVS_ANOVA_TABLE_USER:
+            zorvs::regress::take_user_array(kw, aov, "anova_table", "ZORVS_ANOVA_TABLE_USER");
+            break;
         default: kw.unknown(k); return;
         }
     }
@@ -203,7 +207,8 @@ void l_regression_summary(Info<T> *info, va_list *list) {
 
     for (int j = 0; j < np; ++j) {
         if (T *t = tests.data()) std::memcpy(t + static_cast<long>(j) * tests_ld, w_tests + 4L * j, 4 * sizeof(T));
-        if (T *c = cov.data()) std::memcpy(c + static_cast<long>(j) * cov_ld, w_cov + static_cast<long>(j) * np, np * sizeof(T));
+        if (T *c = cov.data())
+            std::memcpy(c + static_cast<long>(j) * cov_ld, w_cov + static_cast<long>(j) * np, np * sizeof(T));
         if (T *v = vif.data()) v[j] = w_vif[j];
     }
     if (T *a = aov.data()) std::memcpy(a, w_aov, 15 * sizeof(T));

@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <vector>
 
+#include "frame/frame.hpp"
 #include "stat/regress/regress.h"
 #include "stat/regress/twins.hpp"
 #include "support/capture.hpp"
@@ -154,6 +155,7 @@ TYPED_TEST(RegressionSummary, Messages) {
         {ZORVS_CALL(kept(predict<T>(info, 0, x, 0))), 0, 5, 603, "i1=0 i2=1 l1=n_predict"},
         {ZORVS_CALL(kept(predict<T>(info, 1, x, ZORVS_CONFIDENCE, 100.0, 0))), 0, 5, 20403, "r1=100 l1=confidence"},
         {ZORVS_CALL(kept(predict<T>(info, 1, x, ZORVS_CONFIDENCE, 25.0, 0))), 1, 6, 20404, "r1=25"},
+        {ZORVS_CALL(kept(predict<T>(info, 1, x, ZORVS_CONFIDENCE, 0.0, 0))), 1, 0, 0},
         {ZORVS_CALL(kept(predict<T>(info, 1, x, ZORVS_CONFIDENCE_ADR, none, 0))), 0, 5, 150,
          "l1=ZORVS_CONFIDENCE_ADR"},
         {ZORVS_CALL(kept(predict<T>(info, 1, x, ZORVS_X_COL_DIM, 0, 0))), 0, 5, 600,
@@ -258,6 +260,33 @@ TYPED_TEST(RegressionSummary, SpecialRows) {
     EXPECT_EQ(slo[0], pred[0]);
     for (T v : {pred[1], lev[1], lo[1], slo[1], res[1]}) EXPECT_TRUE(std::isnan(v));
     std::free(pred);
+}
+
+// Each allocation of the summary (t tests, factors, covariances, table,
+// work) and of the prediction (result, leverage, work) failing in turn: its
+// message, and no output at all.
+TEST(RegressionSummary, AllocationFailures) {
+    Quiet q;
+    CodeLog codes;
+    Fitted<double> f(lm_cases[0]);
+    const struct {
+        bool summary;
+        int failing, code;
+    } rows[] = {{true, 1, 202}, {true, 2, 201}, {true, 3, 202}, {true, 4, 201}, {true, 5, 200},
+                {false, 1, 201}, {false, 2, 201}, {false, 3, 200}};
+    for (const auto &r : rows) {
+        double *out[5] = {};
+        codes.clear();
+        zorvs::allocation_failure_countdown = r.failing;
+        if (r.summary)
+            zorvs_d_regression_summary(f.info, ZORVS_COEF_T_TESTS, &out[0], ZORVS_COEF_VIF, &out[1],
+                                       ZORVS_COEF_COVARIANCES, &out[2], ZORVS_ANOVA_TABLE, &out[3], 0);
+        else
+            out[4] = zorvs_d_regression_prediction(f.info, 2, f.x.data(), ZORVS_LEVERAGE, &out[0], 0);
+        zorvs::allocation_failure_countdown = 0;
+        EXPECT_TRUE(codes.has(5, r.code)) << r.summary << " " << r.failing;
+        for (double *p : out) EXPECT_EQ(p, nullptr) << r.summary << " " << r.failing;
+    }
 }
 
 TEST(RegressionSummaryDeathTest, NullRecordStops) {
