@@ -17,12 +17,7 @@
 
 namespace {
 
-struct LmCase {
-    const char *name;
-    int n, nv, intercept;
-    bool weighted;
-    const double *x, *y, *w, *coef, *aov, *cov;
-};
+using zorvs_test::LmCase;
 struct SummaryRef {
     double level;
     const double *tests, *vif, *rows;
@@ -208,13 +203,9 @@ TYPED_TEST(RegressionSummary, DegenerateFits) {
     T tests[12], vif[3], aov[15];
     {   // df 0: estimates stand, everything that needs s2 is NaN.
         Fitted<T> f(2, 1, c.x + 1, c.y + 1, nullptr, true);
-        zorvs_e1mes(0, 0, " ");
         summary<T>(f.info, ZORVS_COEF_T_TESTS_USER, tests, ZORVS_ANOVA_TABLE_USER, aov, 0);
-        EXPECT_EQ(zorvs_error_type(), 0);
-        for (int j = 0; j < 2; ++j) {
-            EXPECT_EQ(tests[4 * j], f.info->coefficients[j]);
-            for (int k = 1; k < 4; ++k) EXPECT_TRUE(std::isnan(tests[4 * j + k])) << j << " " << k;
-        }
+        EXPECT_TRUE(tests[0] == f.info->coefficients[0] && tests[4] == f.info->coefficients[1]);
+        for (int k : {1, 2, 3, 5, 6, 7}) EXPECT_TRUE(std::isnan(tests[k])) << k;
         EXPECT_TRUE(std::isnan(aov[7]));
     }
     {   // df 1: standardized residuals are +-1, no deleted residual or DFFITS.
@@ -231,9 +222,7 @@ TYPED_TEST(RegressionSummary, DegenerateFits) {
         std::vector<double> x;
         for (int i = 0; i < c.n; ++i) x.insert(x.end(), {c.x[i], 2 * c.x[i]});
         Fitted<T> f(c.n, 2, x.data(), c.y, nullptr, true);
-        zorvs_e1mes(0, 0, " ");
         summary<T>(f.info, ZORVS_COEF_T_TESTS_USER, tests, ZORVS_COEF_VIF_USER, vif, 0);
-        EXPECT_EQ(zorvs_error_type(), 0);
         EXPECT_TRUE(std::isinf(vif[2]));
         EXPECT_EQ(tests[8], T(0));
         EXPECT_TRUE(std::isnan(tests[10]) && std::isnan(tests[11]));
