@@ -26,9 +26,10 @@
 //    the vector is cleared to NaN ahead of each row.  A row with a NaN
 //    regressor gets NaN for all but the response.
 //  - A null record is refused with (5, 150), a null x, ZORVS_Y or
-//    ZORVS_WEIGHTS array with (5, 6002) naming it, a null user array with
-//    (5, 104).  A failing allocation of an output raises (5, 201) naming
-//    n_predict, the count that sets its size.
+//    ZORVS_WEIGHTS array with (5, 6002) naming it, a null user array (the
+//    result's included) with (5, 104).  A failing allocation of an output
+//    raises (5, 201) naming n_predict, the count that sets its size, and of
+//    the work space (5, 200).
 //  - Everything is computed in work space and copied to the outputs when
 //    the last row is done, so that after a terminal error (a negative weight
 //    in a later row, say) the caller's storage is as it was.
@@ -213,7 +214,9 @@ void l_regression_prediction(Info<T> *info, int n_predict, T *x, va_list *list) 
             else
                 zorvs_null_pointer("ZORVS_CONFIDENCE_ADR", -1, nullptr);
             break;
-        case ZORVS_RETURN_USER: result.take_user(kw.pointer<T>()); break;
+        case ZORVS_RETURN_USER:
+            zorvs::regress::take_user_array(kw, result, "prediction", "ZORVS_RETURN_USER");
+            break;
         default: {
             const Column *c = nullptr;
             for (const Column &col : columns)

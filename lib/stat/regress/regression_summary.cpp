@@ -21,7 +21,8 @@
 //    (5, 104), ZORVS_COEF_T_TESTS_COL_DIM below 4 with (5, 603) and
 //    ZORVS_COVB_COL_DIM below n_parameters with (5, 601).
 //  - A failing allocation of an output names the sizes that set the block
-//    (n_parameters and the leading dimension): (5, 201) or (5, 202).
+//    (n_parameters and the leading dimension): (5, 201) or (5, 202); that of
+//    the work space raises (5, 200).
 //  - The intercept's inflation factor is n (R(0,0)^2, the sum of weights)
 //    times the diagonal of the inverse: 1 / (1 - R^2) of the constant
 //    column regressed on the others without intercept.  A dropped column's

@@ -164,6 +164,7 @@ TYPED_TEST(RegressionSummary, Messages) {
         {ZORVS_CALL(kept(predict<T>(info, 2, x, ZORVS_WEIGHTS, w, 0))), 0, 5, 11057, "i1=1 r1=-1"},
         {ZORVS_CALL(kept(predict<T>(info, 1, x, ZORVS_SCHEFFE_CI_USER, buf, none, 0))), 0, 5, 104,
          "l1=scheffe_ci l2=ZORVS_SCHEFFE_CI_USER"},
+        {ZORVS_CALL(kept(predict<T>(info, 1, x, ZORVS_RETURN_USER, none, 0))), 0, 5, 104, "l2=ZORVS_RETURN_USER"},
         {ZORVS_CALL(kept(predict<T>(info, 1, x, 99999, 0))), 0, 5, 11001, "i1=99999 i2=4"},
         {ZORVS_CALL(first(info, far, 0, ZORVS_LEVERAGE_USER)), 1, 3, 20051},
         {ZORVS_CALL(first(info, far, 0, ZORVS_RETURN_USER)), any, 0, 0},
