@@ -486,6 +486,26 @@ double *zorvs_d_regression(int n_rows, int n_independent, double x[], double y[]
 /* @@end regress */
 
 /* ------------------------------------------------------------------------ */
+/* Analysis of variance                                                     */
+/* ------------------------------------------------------------------------ */
+/* @@section anova */
+/* One-way analysis of variance of n_groups groups, the n[i] responses of
+ * group i after those of group i - 1 in y (NaN: missing); returns the
+ * p-value of the F test.  Keywords: ZORVS_ANOVA_TABLE (float **),
+ * ZORVS_ANOVA_TABLE_USER (float[15]), ZORVS_GROUP_COUNTS (int **),
+ * ZORVS_GROUP_COUNTS_USER (int[]), ZORVS_GROUP_MEANS (float **),
+ * ZORVS_GROUP_MEANS_USER (float[]), ZORVS_GROUP_STD_DEVS (float **),
+ * ZORVS_GROUP_STD_DEVS_USER (float[]), ZORVS_CONFIDENCE (double, per cent),
+ * ZORVS_CONFIDENCE_ADR (float *), and one of ZORVS_TUKEY, ZORVS_DUNN_SIDAK,
+ * ZORVS_BONFERRONI, ZORVS_SCHEFFE, ZORVS_ONE_AT_A_TIME (float **) or their
+ * _USER forms (float[n_groups (n_groups - 1) / 2 * 5]): rows (i, j,
+ * mean_i - mean_j, lower, upper), groups from 1.  The double twin takes
+ * double arrays and pointers. */
+float zorvs_f_anova_oneway(int n_groups, int n[], float y[], ...);
+double zorvs_d_anova_oneway(int n_groups, int n[], double y[], ...);
+/* @@end anova */
+
+/* ------------------------------------------------------------------------ */
 /* Utilities: permutations                                                  */
 /* ------------------------------------------------------------------------ */
 /* @@section permute */
