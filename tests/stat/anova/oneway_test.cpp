@@ -2,7 +2,9 @@
 // the group statistics and the intervals of every method against R (aov,
 // oneway.test, TukeyHSD and the interval formulas with qt, qf, qtukey) on
 // four data sets and five edge cases (tests/data/stat/anova/oneway_ref.inc,
-// make_oneway.R); the refusals and the outputs' life as rows.
+// make_oneway.R); the NIST StRD one-way construction on large constants
+// against exact rational arithmetic (hard_data_ref.inc, make_hard_data.py);
+// the refusals and the outputs' life as rows.
 #include "support/tables.hpp"
 
 namespace {
@@ -21,6 +23,14 @@ struct OnewayRef {
     std::vector<double> tukey_exact_q, tukey_hsd;
 };
 #include "data/stat/anova/oneway_ref.inc"
+
+struct HardRef {
+    const char *name;
+    double constant;
+    int per_group;
+    double ss_between, ss_within, ms_between, ms_within, f;
+};
+#include "data/stat/anova/hard_data_ref.inc"
 
 template <class T>
 class OnewayTwin : public ::testing::Test {};
@@ -97,6 +107,32 @@ TYPED_TEST(OnewayTwin, TableGroupsAndIntervalsAgreeWithR) {
                 other_error[m - 1].add(interval_error(got, r.intervals[m]));
                 EXPECT_LE(interval_error(got, r.intervals[m]), m == 3 ? interval_tol : t_tol);
             }
+        }
+    }
+}
+
+// The NIST StRD one-way construction on 1, 1e6, 1e12 and 1e13, built as the
+// script builds it: sums of squares, mean squares and F to 9 digits at least.
+TEST(OnewayHardData, NistConstructionAgreesWithExactArithmetic) {
+    const double centres[9] = {0.4, 0.3, 0.5, 0.3, 0.5, 0.3, 0.5, 0.3, 0.5};
+    auto below = [](double d) { return d == 0.4 ? 0.3 : d == 0.3 ? 0.2 : 0.4; };
+    auto above = [](double d) { return d == 0.4 ? 0.5 : d == 0.3 ? 0.4 : 0.6; };
+    Worst worst("NIST one-way construction, double: relative error of SS, MS and F");
+    for (const HardRef &r : hard_refs) {
+        SCOPED_TRACE(r.name);
+        std::vector<double> y;
+        std::vector<int> n(9, r.per_group);
+        for (double d : centres) {
+            y.push_back(r.constant + d);
+            for (int j = 0; j < r.per_group - 1; ++j) y.push_back(r.constant + (j % 2 == 0 ? below(d) : above(d)));
+        }
+        double table[15];
+        zorvs_d_anova_oneway(9, n.data(), y.data(), ZORVS_ANOVA_TABLE_USER, table, 0);
+        const double want[5] = {r.ss_between, r.ss_within, r.ms_between, r.ms_within, r.f};
+        const int entry[5] = {3, 4, 6, 7, 8};
+        for (int e = 0; e < 5; ++e) {
+            worst.add(relative_error(table[entry[e]], want[e]));
+            EXPECT_LE(relative_error(table[entry[e]], want[e]), 1e-9) << "entry " << entry[e];
         }
     }
 }
