@@ -503,6 +503,13 @@ double *zorvs_d_regression(int n_rows, int n_independent, double x[], double y[]
  * double arrays and pointers. */
 float zorvs_f_anova_oneway(int n_groups, int n[], float y[], ...);
 double zorvs_d_anova_oneway(int n_groups, int n[], double y[], ...);
+/* Student-Newman-Keuls test on n_groups means with a common standard error
+ * of df degrees of freedom; returns n_groups - 1 ints, at sorted position i
+ * the number of consecutive sorted means from i found not to differ (0:
+ * none).  Keywords: ZORVS_ALPHA (double, 0.01 to 0.1, default 0.01),
+ * ZORVS_RETURN_USER (int[n_groups - 1]). */
+int *zorvs_f_multiple_comparisons(int n_groups, float means[], int df, float std_error, ...);
+int *zorvs_d_multiple_comparisons(int n_groups, double means[], int df, double std_error, ...);
 /* @@end anova */
 
 /* ------------------------------------------------------------------------ */
