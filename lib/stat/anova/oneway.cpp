@@ -67,6 +67,12 @@ template <class T>
 using Wide = std::conditional_t<std::is_same_v<T, float>, double, T>;
 
 enum Method { tukey = 0, dunn_sidak = 1, bonferroni = 2, scheffe = 3, one_at_a_time = 4 };
+// The keyword pair of each method, in the order of Method.
+constexpr int comparison_keys[5][2] = {{ZORVS_TUKEY, ZORVS_TUKEY_USER},
+                                       {ZORVS_DUNN_SIDAK, ZORVS_DUNN_SIDAK_USER},
+                                       {ZORVS_BONFERRONI, ZORVS_BONFERRONI_USER},
+                                       {ZORVS_SCHEFFE, ZORVS_SCHEFFE_USER},
+                                       {ZORVS_ONE_AT_A_TIME, ZORVS_ONE_AT_A_TIME_USER}};
 
 // l_aonew: the table of 15 (aov) and the work table of four columns of k
 // (group number from 1, non-missing count, mean, standard deviation).
@@ -283,24 +289,21 @@ void l_anova_oneway(int n_groups, int *n, T *y, va_list *list) {
         case ZORVS_GROUP_STD_DEVS_USER: user_form(sds, sds_address); break;
         case ZORVS_CONFIDENCE: confidence = kw.real<T>(); break;
         case ZORVS_CONFIDENCE_ADR: confidence = *kw.pointer<T>(); break;
-        case ZORVS_TUKEY: case ZORVS_DUNN_SIDAK: case ZORVS_BONFERRONI: case ZORVS_SCHEFFE: case ZORVS_ONE_AT_A_TIME:
-            method = key == ZORVS_TUKEY ? tukey
-                   : key == ZORVS_DUNN_SIDAK ? dunn_sidak
-                   : key == ZORVS_BONFERRONI ? bonferroni
-                   : key == ZORVS_SCHEFFE ? scheffe : one_at_a_time;
+        default: {
+            int form = -1;  // the method's keyword pair: 0 pointer, 1 caller's storage
+            for (int m = 0; m < 5 && form < 0; ++m)
+                for (int f = 0; f < 2; ++f)
+                    if (key == comparison_keys[m][f]) method = m, form = f;
+            if (form < 0) {
+                kw.unknown(key);
+                return;
+            }
             ++n_methods;
-            pointer_form(comparisons, comparisons_address);
-            break;
-        case ZORVS_TUKEY_USER: case ZORVS_DUNN_SIDAK_USER: case ZORVS_BONFERRONI_USER: case ZORVS_SCHEFFE_USER:
-        case ZORVS_ONE_AT_A_TIME_USER:
-            method = key == ZORVS_TUKEY_USER ? tukey
-                   : key == ZORVS_DUNN_SIDAK_USER ? dunn_sidak
-                   : key == ZORVS_BONFERRONI_USER ? bonferroni
-                   : key == ZORVS_SCHEFFE_USER ? scheffe : one_at_a_time;
-            ++n_methods;
-            user_form(comparisons, comparisons_address);
-            break;
-        default: kw.unknown(key); return;
+            if (form == 0)
+                pointer_form(comparisons, comparisons_address);
+            else
+                user_form(comparisons, comparisons_address);
+        }
         }
     }
     auto finish = [&] {
