@@ -125,7 +125,7 @@ TYPED_TEST(OnewayTwin, RefusalsAndOutputs) {
                     &alone = oneway_refs[8];
     std::vector<T> y(plant.y.begin(), plant.y.end()), y_nan(with_nan.y.begin(), with_nan.y.end()),
         y_no_c(no_c.y.begin(), no_c.y.end()), rows(75, T(-7)), table(15, T(-7)), equal(6, T(2));
-    std::vector<int> n = plant.n, n_no_c = no_c.n, bad{10, -1, 20}, one{10}, equal_n{1, 2, 3};
+    std::vector<int> n = plant.n, n_no_c = no_c.n, bad{10, -1, 20}, one{10}, equal_n{1, 2, 3}, n_ones{1, 1, 1};
     T *got = nullptr, *given = nullptr, level = T(99.5), sds[3];
     int *counts = nullptr;
     const std::string all_methods =
@@ -153,6 +153,8 @@ TYPED_TEST(OnewayTwin, RefusalsAndOutputs) {
          11157, "i1=3 i2=0", tol * no_c.table[9]},
         {ZORVS_CALL(anova(1, one.data(), y.data(), ZORVS_ONE_AT_A_TIME, &got, 0)), NaN, 5, 11150, "i1=1"},
         {ZORVS_CALL(got == nullptr && alone.intervals.empty()), 1, -1},
+        // one response a group leaves no degrees of freedom within groups
+        {ZORVS_CALL(anova(3, n_ones.data(), y.data(), ZORVS_BONFERRONI_USER, rows.data(), 0)), any, 5, 11160, "r1=0"},
         // Tukey's level from 90 to 99 only; the others take any percentage
         {ZORVS_CALL(p(ZORVS_CONFIDENCE, 99.5, ZORVS_TUKEY_USER, rows.data())), p_plant, 5, 11159, "r1=99.5", tol},
         {ZORVS_CALL(p(ZORVS_CONFIDENCE, 89.0, ZORVS_TUKEY_USER, rows.data())), p_plant, 5, 11159, "r1=89", tol},
