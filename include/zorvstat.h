@@ -510,6 +510,33 @@ double *zorvs_d_regression_prediction(zorvs_d_regression_info *regression_info, 
 /* @@end regress_summary */
 
 /* ------------------------------------------------------------------------ */
+/* Analysis of variance                                                     */
+/* ------------------------------------------------------------------------ */
+/* @@section anova */
+/* One-way analysis of variance of n_groups groups, the n[i] responses of
+ * group i after those of group i - 1 in y (NaN: missing); returns the
+ * p-value of the F test.  Keywords: ZORVS_ANOVA_TABLE (float **),
+ * ZORVS_ANOVA_TABLE_USER (float[15]), ZORVS_GROUP_COUNTS (int **),
+ * ZORVS_GROUP_COUNTS_USER (int[]), ZORVS_GROUP_MEANS (float **),
+ * ZORVS_GROUP_MEANS_USER (float[]), ZORVS_GROUP_STD_DEVS (float **),
+ * ZORVS_GROUP_STD_DEVS_USER (float[]), ZORVS_CONFIDENCE (double, per cent),
+ * ZORVS_CONFIDENCE_ADR (float *), and one of ZORVS_TUKEY, ZORVS_DUNN_SIDAK,
+ * ZORVS_BONFERRONI, ZORVS_SCHEFFE, ZORVS_ONE_AT_A_TIME (float **) or their
+ * _USER forms (float[n_groups (n_groups - 1) / 2 * 5]): rows (i, j,
+ * mean_i - mean_j, lower, upper), groups from 1.  The double twin takes
+ * double arrays and pointers. */
+float zorvs_f_anova_oneway(int n_groups, int n[], float y[], ...);
+double zorvs_d_anova_oneway(int n_groups, int n[], double y[], ...);
+/* Student-Newman-Keuls test on n_groups means with a common standard error
+ * of df degrees of freedom; returns n_groups - 1 ints, at sorted position i
+ * the number of consecutive sorted means from i found not to differ (0:
+ * none).  Keywords: ZORVS_ALPHA (double, 0.01 to 0.1, default 0.01),
+ * ZORVS_RETURN_USER (int[n_groups - 1]). */
+int *zorvs_f_multiple_comparisons(int n_groups, float means[], int df, float std_error, ...);
+int *zorvs_d_multiple_comparisons(int n_groups, double means[], int df, double std_error, ...);
+/* @@end anova */
+
+/* ------------------------------------------------------------------------ */
 /* Utilities: permutations                                                  */
 /* ------------------------------------------------------------------------ */
 /* @@section permute */
