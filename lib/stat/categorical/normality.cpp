@@ -37,6 +37,9 @@
 //    seven-digit approximation would leave W uncertain at 1e-9.
 //  - The upper tails 1 - Phi(z) are formed as Phi(-z), which keeps their
 //    relative accuracy for small p.
+//  - An infinite observation is refused with (4, 20209), its index from 0
+//    and value; the moments are taken of the values divided by the largest
+//    magnitude, so that finite values near the overflow limit are tested.
 //  - A null x is refused with (5, 150); a null output pointer asks for
 //    nothing.  After a refusal neither output is written and the result is
 //    the missing value.
@@ -106,14 +109,28 @@ double l_normal_quantile(double p) {
     return x - (zorvs::dist::normal_cdf(static_cast<T>(x)) - p) / density;
 }
 
+// Mean and sum of squares about it of the n ascending values x, each divided
+// by the power of two of the larger extreme magnitude (returned), so that the squares
+// of values near the overflow limit stay finite; both tests are invariant
+// under the scale.
+template <class T>
+double l_scaled_moments(int n, const T *x, double *mean, double *ss) {
+    const double largest = std::max(std::fabs(static_cast<double>(x[0])), std::fabs(static_cast<double>(x[n - 1])));
+    const double scale = largest > 0 ? std::ldexp(1.0, std::ilogb(largest)) : 1.0;  // exact divisions
+    double sum = 0;
+    for (int i = 0; i < n; ++i) sum += x[i] / scale;
+    *mean = sum / n;
+    double squares = 0;
+    for (int i = 0; i < n; ++i) squares += (x[i] / scale - *mean) * (x[i] / scale - *mean);
+    *ss = squares;
+    return scale;
+}
+
 // Shapiro-Wilk W and its p-value of the m ascending values x.
 template <class T>
 void l_shapiro_wilk(int m, const T *x, T *w_out, T *p_out) {
-    double mean = 0;
-    for (int i = 0; i < m; ++i) mean += x[i];
-    mean /= m;
-    double ss = 0;
-    for (int i = 0; i < m; ++i) ss += (x[i] - mean) * (x[i] - mean);
+    double mean, ss;
+    const double scale = l_scaled_moments(m, x, &mean, &ss);
     if (x[0] == x[m - 1] || ss == 0) {
         zorvs_ermes(3, 20201);
         *w_out = 0;
@@ -138,7 +155,7 @@ void l_shapiro_wilk(int m, const T *x, T *w_out, T *p_out) {
             z = -l_normal_quantile<T>(p);
             s += z * z;
         }
-        b += z * (static_cast<double>(x[m - i]) - x[i - 1]);
+        b += z * (x[m - i] / scale - x[i - 1] / scale);
     }
     double a1, h;
     if (m < 7) {
@@ -151,11 +168,11 @@ void l_shapiro_wilk(int m, const T *x, T *w_out, T *p_out) {
         a1 = std::sqrt(f * s / (1 - f));
         h = s + a1 * a1;
     }
-    b += a1 * (static_cast<double>(x[m - 1]) - x[0]);
+    b += a1 * (x[m - 1] / scale - x[0] / scale);
     const double w = std::min(b * b / (2 * h * ss), 1.0);
     double p;
-    if (m == 3) {
-        p = six_over_pi * (std::atan(std::sqrt(w / (1 - w))) - pi_over_3);
+    if (m == 3) {  // the eight-digit constants can leave p a hair below 0
+        p = std::max(0.0, six_over_pi * (std::atan(std::sqrt(w / (1 - w))) - pi_over_3));
     } else if (m < 7) {
         const double e = a1 * a1 * dm / (dm - 1);
         if (w <= e) {
@@ -169,7 +186,7 @@ void l_shapiro_wilk(int m, const T *x, T *w_out, T *p_out) {
             double hh = polynomial(sig_small_m[m - 4][log_branch ? 0 : 1], 5, v);
             if (log_branch) hh = std::exp(hh);
             const double g = std::exp(hh);
-            p = six_over_pi * (std::asin(std::sqrt((g + 0.75) / (g + 1))) - pi_over_3);
+            p = std::clamp(six_over_pi * (std::asin(std::sqrt((g + 0.75) / (g + 1))) - pi_over_3), 0.0, 1.0);
         }
     } else {
         const bool small = m <= 20;
@@ -193,15 +210,12 @@ bool l_lilliefors(int n, const T *x, T *d_out, T *p_out) {
         zorvs_ermes(4, 20204);
         return false;
     }
-    double mean = 0;
-    for (int i = 0; i < n; ++i) mean += x[i];
-    mean /= n;
-    double ss = 0;
-    for (int i = 0; i < n; ++i) ss += (x[i] - mean) * (x[i] - mean);
+    double mean, ss;
+    const double scale = l_scaled_moments(n, x, &mean, &ss);
     const double sd = std::sqrt(ss / (n - 1));
     // The values are standardised as they are read, in the precision of the
     // twin, and grouped by their standardised values.
-    auto standard = [&](int i) { return static_cast<T>((x[i] - mean) / sd); };
+    auto standard = [&](int i) { return static_cast<T>((x[i] / scale - mean) / sd); };
     double d_plus = 0, d_minus = 0, e0 = 0;
     bool tied = false;
     for (int i = 0; i < n;) {
@@ -270,6 +284,12 @@ void l_normality_test(int n_observations, const T *x, va_list *list) {
         sorted = work;
     }
 
+    if (valid > 0 && (std::isinf(sorted[0]) || std::isinf(sorted[valid - 1]))) {
+        int at = 0;
+        while (!std::isinf(x[at])) ++at;
+        zorvs::raise(4, 20209, at, x[at]);
+        return;
+    }
     T statistic = 0, p = 0;
     if (lilliefors) {
         if (valid <= 4) {

@@ -80,7 +80,15 @@ TYPED_TEST(Normality, InPlaceReadingAndRefusals) {
     auto test = twin<T>(zorvs_f_normality_test, zorvs_d_normality_test);
     T tail_nan[] = {1, 2, 2.5, 4, 7, NaN, NaN}, mid_nan[] = {1, 2, NaN, 2.5, 4, 7};
     T equal[] = {3, 3, NaN, 3, 3, 3}, sparse[] = {NaN, 1, NaN, 2, NaN, NaN, NaN, NaN};
+    T none[] = {NaN, NaN, NaN, NaN, NaN}, with_inf[] = {1, 2, -T(Inf), 4, 5, T(Inf)};
+    // values near the overflow limit test as the same values scaled down
+    const T h = std::ldexp(T(1), std::numeric_limits<T>::max_exponent - 2);
+    T small[] = {8, -8, 4, -2, 0, 1}, huge[] = {h, -h, h / 2, -h / 4, 0, h / 8};
     T w = -1, d = -1, *const null = nullptr;
+    auto difference = [&](int keyword) {
+        T statistic;
+        return test(6, huge, keyword, &statistic, 0) - test(6, small, keyword, &statistic, 0);
+    };
     std::vector<T> many(2001, T(1));
     auto failing = [&](T *x, int n) {
         zorvs::allocation_failure_countdown = 1;
@@ -101,6 +109,12 @@ TYPED_TEST(Normality, InPlaceReadingAndRefusals) {
         {ZORVS_CALL(test(4, tail_nan, ZORVS_LILLIEFORS, &d, 0)), NaN, 5, 603, "i1=4 i2=5 l1=n_observations"},
         {ZORVS_CALL(test(8, sparse, ZORVS_LILLIEFORS, &d, 0)), NaN, 4, 20202, "i1=2"},
         {ZORVS_CALL(test(6, equal, ZORVS_LILLIEFORS, &d, 0)), NaN, 4, 20204},
+        {ZORVS_CALL(test(5, none, ZORVS_SHAPIRO_WILK, &w, 0)), NaN, 5, 20200, "i1=0"},
+        {ZORVS_CALL(test(5, none, ZORVS_LILLIEFORS, &d, 0)), NaN, 4, 20202, "i1=0"},
+        {ZORVS_CALL(test(6, with_inf, ZORVS_SHAPIRO_WILK, &w, 0)), NaN, 4, 20209, "i1=2 r1=-inf"},
+        {ZORVS_CALL(test(6, with_inf, ZORVS_LILLIEFORS, &d, 0)), NaN, 4, 20209, "i1=2"},
+        {ZORVS_CALL(difference(ZORVS_SHAPIRO_WILK)), 0.0, 0, 0, "", 1e-6},
+        {ZORVS_CALL(difference(ZORVS_LILLIEFORS)), 0.0, -1, 0, "", 1e-6},
         {ZORVS_CALL(test(6, tail_nan, 1234, 0)), NaN, 5, 11001, "i1=1234 i2=3"},
         {ZORVS_CALL(test(6, null, 0)), NaN, 5, 150, "l1=x"},
     });
