@@ -32,7 +32,6 @@
 #include <cstddef>
 
 #include "dist/dist.hpp"
-#include "frame/checks.h"
 #include "frame/frame.hpp"
 #include "frame/machine.h"
 #include "frame/raise.hpp"
