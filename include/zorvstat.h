@@ -536,6 +536,26 @@ int *zorvs_f_multiple_comparisons(int n_groups, float means[], int df, float std
 int *zorvs_d_multiple_comparisons(int n_groups, double means[], int df, double std_error, ...);
 /* @@end anova */
 
+/* @@section categorical_tests */
+/* Sign test: the probability that at least the observed number of values
+ * lie above the percentile value under the binomial hypothesis.  Keywords:
+ * ZORVS_PERCENTAGE (double p), ZORVS_PERCENTAGE_ADR (float *p),
+ * ZORVS_PERCENTILE (double q), ZORVS_PERCENTILE_ADR (float *q),
+ * ZORVS_N_POSITIVE_DEVIATIONS (int *), ZORVS_N_ZERO_DEVIATIONS (int *). */
+float zorvs_f_sign_test(int n_observations, float x[], ...);
+double zorvs_d_sign_test(int n_observations, double x[], ...);
+/* Wilcoxon rank-sum test of two samples; returns the two-sided p-value of
+ * the normal approximation.  Keywords: ZORVS_FUZZ (double), ZORVS_FUZZ_ADR
+ * (float *), ZORVS_STAT (float **), ZORVS_STAT_USER (float stat[10]). */
+float zorvs_f_wilcoxon_rank_sum(int n1_observations, float x[], int n2_observations, float y[], ...);
+double zorvs_d_wilcoxon_rank_sum(int n1_observations, double x[], int n2_observations, double y[], ...);
+/* Normality test: Shapiro-Wilk W (default, 3 to 2000 observations) or
+ * Lilliefors (5 or more); returns the p-value.  Keywords: ZORVS_SHAPIRO_WILK
+ * (float *w), ZORVS_LILLIEFORS (float *max_difference). */
+float zorvs_f_normality_test(int n_observations, float x[], ...);
+double zorvs_d_normality_test(int n_observations, double x[], ...);
+/* @@end categorical_tests */
+
 /* ------------------------------------------------------------------------ */
 /* Utilities: permutations                                                  */
 /* ------------------------------------------------------------------------ */
