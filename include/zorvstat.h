@@ -210,6 +210,10 @@ enum zorvs_keyword {
     ZORVS_HYPOTHESIZED_VARIANCE = 21101,
     ZORVS_HYPOTHESIZED_DIFFERENCE = 21102,
     ZORVS_HYPOTHESIZED_RATIO = 21103,
+    ZORVS_CORRECTED_SSCP = 21104,
+    ZORVS_POOLED_GROUPS = 21105,
+    ZORVS_PAIR_COUNTS = 21106,
+    ZORVS_PAIR_COUNTS_USER = 21107,
     ZORVS_KEYWORD_END_ = 0
 };
 
@@ -460,6 +464,39 @@ double *zorvs_d_normal_one_sample(int n_observations, double x[], ...);
  * Bulletin 2; Snedecor and Cochran, Statistical Methods. */
 float *zorvs_f_normal_two_sample(int n_observations_1, float x1[], int n_observations_2, float x2[], ...);
 double *zorvs_d_normal_two_sample(int n_observations_1, double x1[], int n_observations_2, double x2[], ...);
+/* The n_variables x n_variables matrix of the columns of x (row-major,
+ * n_observations rows, leading dimension ZORVS_X_COL_DIM), row-major with
+ * leading dimension ZORVS_COV_COL_DIM: by default the variance-covariance
+ * matrix; with ZORVS_CORRECTED_SSCP the corrected sums of squares and
+ * crossproducts; with ZORVS_CORRELATION_MATRIX the correlations (at most
+ * one of the three, else (5, 11117)).  Null after a terminal error, the
+ * caller's storage then unwritten.
+ * Method: one pass of weighted updating (West 1979) per pair of variables
+ * on values less each variable's first value, so a large offset keeps its
+ * digits.  Frequencies repeat observations, weights are reliability
+ * weights: covariance = sum f w (x_j - m_j)(x_k - m_k) / ((W^2 - V) / W),
+ * W = sum f w, V = sum f w^2 (count - 1 without weights; the unbiased
+ * weighted covariance otherwise).
+ * Missing values (NaN): ZORVS_MISSING_LISTWISE (default) leaves out an
+ * observation with a NaN in any variable; ZORVS_MISSING_ELEMENTWISE uses
+ * for each pair the observations where both are present, with that pair's
+ * means and, for correlations, its standard deviations ("pairwise
+ * complete").  Either raises (3, 11062) or (3, 11288) when it left one out.
+ * Keywords: ZORVS_FREQUENCIES, ZORVS_WEIGHTS (real[n_observations]; NaN
+ * leaves the observation out, a negative one is (4, 11054), (4, 11056));
+ * ZORVS_POOLED_GROUPS (int n_groups, int groups[n_observations]: the
+ * matrix pooled within groups, sums of crossproducts and divisors added
+ * over the groups; a negative group leaves the observation out, one of
+ * n_groups or more is (5, 21107)); ZORVS_X_MEAN (real **) and
+ * ZORVS_X_MEAN_USER (real[n_groups * n_variables]): the means, per group,
+ * over each variable's observations used; ZORVS_PAIR_COUNTS (real **) and
+ * ZORVS_PAIR_COUNTS_USER (real[n_variables * n_variables]): the sum of
+ * frequencies of each pair's observations; ZORVS_RETURN_USER.
+ * Fewer than 2 weighted observations for every variable: (5, 21104).  A
+ * pair with fewer: NaN, (3, 21105); a constant variable: NaN correlations,
+ * (3, 21106). */
+float *zorvs_f_covariances(int n_observations, int n_variables, float x[], ...);
+double *zorvs_d_covariances(int n_observations, int n_variables, double x[], ...);
 /* @@end describe_inference */
 /* @@section regress */
 /* Regressors of a general linear model from n_observations rows of n_class
