@@ -98,7 +98,9 @@ template <class T>
 T chi_squared_lower(T x, T df) {
     const T a = T(0.5) * df;
     if (a >= T(sizeof(T) == 4 ? 34 : 170)) return zorvs::dist::chi_squared_cdf(x, df);
-    return x <= T(0) ? T(0) : zorvs::dist::gamma_incomplete(a, T(0.5) * x) / zorvs::dist::gamma(a);
+    if (!(x > T(0))) return T(0);
+    // The ratio of two rounded numbers may pass 1 by an ulp or two.
+    return std::fmin(T(1), zorvs::dist::gamma_incomplete(a, T(0.5) * x) / zorvs::dist::gamma(a));
 }
 // The chi-squared quantile: the library's root, then Newton steps on the
 // ratio above with the density exp((a - 1) log(x/2) - x/2 - log Gamma(a)) / 2.
@@ -114,10 +116,11 @@ T chi_squared_quantile(T p, T df) {
     }
     return x;
 }
-// P(F <= f) on (df1, df2): I_x(df1/2, df2/2) with x = df1 f / (df1 f + df2).
+// P(F <= f) on (df1, df2): I_x(df1/2, df2/2) with x = df1 f / (df1 f + df2),
+// written so that an infinite f gives 1 and f = 0 gives 0.
 template <class T>
 T f_lower(T f, T df1, T df2) {
-    return zorvs::dist::beta_incomplete(df1 * f / (df1 * f + df2), T(0.5) * df1, T(0.5) * df2);
+    return zorvs::dist::beta_incomplete(T(1) / (T(1) + df2 / (df1 * f)), T(0.5) * df1, T(0.5) * df2);
 }
 // The F quantile of p, from the beta quantile of p or, above 0.5, of its
 // complement on the swapped shapes.
