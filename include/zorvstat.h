@@ -424,15 +424,20 @@ double *zorvs_d_simple_statistics(int n_observations, int n_variables, double x[
 /* @@end describe_stats */
 /* @@section describe_inference */
 /* Inference on one normal sample: returns a vector of 17 reals, allocated
- * (the caller frees it) or the caller's with ZORVS_RETURN_USER; null after
- * a terminal error, and then the caller's storage is left unwritten.
+ * (the caller frees it) or the caller's with ZORVS_RETURN_USER.  After a
+ * FATAL or TERMINAL error: null, or the caller's array left unwritten.
  *   0 count, 1 mean, 2 variance s^2, 3 standard deviation, 4 df = count - 1,
  *   5, 6 confidence limits of the mean (Student's t),
  *   7, 8 confidence limits of the variance, (n - 1) s^2 / chi2 quantiles,
  *   9 t = (mean - mu0) / (s / sqrt(n)), 10 its two-sided p-value, 11 P(T <= t),
  *     12 P(T >= t),
  *   13 chi2 = (n - 1) s^2 / sigma0^2, 14 two-sided p (twice the smaller
- *     tail, at most 1), 15 P(X <= chi2), 16 P(X >= chi2) (as 1 - cell 15).
+ *     tail, at most 1), 15 P(X <= chi2), 16 P(X >= chi2).
+ * Probabilities and quantiles are computed in double precision in both
+ * twins, each tail from its own formula (the incomplete beta ratio for t
+ * and F; the series and continued fraction of the incomplete gamma ratios,
+ * Numerical Recipes 6.2, for chi-squared), so that far tails keep their
+ * relative digits.
  * NaN values of x are left out with the warning (3, 21100); fewer than 2
  * values left is terminal (5, 21101).  Constant data leave cells 5, 6 and 9
  * to 12 NaN with (3, 21102).
@@ -469,8 +474,8 @@ double *zorvs_d_normal_two_sample(int n_observations_1, double x1[], int n_obser
  * leading dimension ZORVS_COV_COL_DIM: by default the variance-covariance
  * matrix; with ZORVS_CORRECTED_SSCP the corrected sums of squares and
  * crossproducts; with ZORVS_CORRELATION_MATRIX the correlations (at most
- * one of the three, else (5, 11117)).  Null after a terminal error, the
- * caller's storage then unwritten.
+ * one of the three, else (5, 11117)).  After a FATAL or TERMINAL error:
+ * null, or the caller's array left unwritten (the optional outputs too).
  * Method: one pass of weighted updating (West 1979) per pair of variables
  * on values less each variable's first value, so a large offset keeps its
  * digits.  Frequencies repeat observations, weights are reliability

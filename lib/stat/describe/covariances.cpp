@@ -19,6 +19,20 @@
 // V = sum f*w^2, which is count - 1 without weights and agrees with the
 // unbiased weighted covariance of Price (1972) otherwise.  Pooled within
 // groups, the crossproducts and these divisors are summed over the groups.
+//
+// Choices, documented with the prototypes in zorvstat.h:
+//  - The matrix type is chosen by one of three selector keywords; the
+//    default is the variance-covariance matrix.
+//  - The matrix is returned full (both triangles), since a user indexes it
+//    as a plain matrix.
+//  - A pair (or, pair-wise, a variable) with fewer than two weighted
+//    observations gives NaN entries with a warning; only when no variable
+//    has two does the call fail.  A constant variable's correlations are
+//    NaN, with a warning, and its diagonal too.
+//  - Observations of a negative group are left out, which lets a caller
+//    pool some groups only.
+// Nothing is written to the caller's storage before the pass has ended
+// without a terminal error.
 
 #include <cmath>
 #include <cstdarg>

@@ -14,6 +14,18 @@
 // on its values less the first value (describe.hpp), so that a large
 // offset costs no digits.  NaN marks a missing value and is left out.
 //
+// Choices, documented with the prototypes in zorvstat.h:
+//  - The result is one vector per call (17 cells for one sample, 30 for
+//    two) holding every estimate, interval and test, so that one call
+//    answers the usual questions and no keyword is needed per statistic.
+//  - Each test gives its two-sided p-value and both one-sided ones; the
+//    hypotheses default to mean 0 (difference 0) and variance 1 (ratio 1).
+//  - A sample needs 2 values other than NaN, both for the pooled and the
+//    Welch forms (as t.test); fewer is terminal.  Constant data are no
+//    error: the tests that divide by a zero standard error are NaN, with a
+//    warning.
+//  - A confidence level of 0 or less leaves its limits NaN, as in the
+//    simple statistics.
 // The results go into a local table first and reach the caller's storage
 // only when the call has succeeded, so a terminal error leaves it as it was.
 
@@ -68,85 +80,109 @@ int sample_sums(int n, const T *x, int sample, PairSums<T> &s) {
     return present;
 }
 
-// Tail probabilities and quantiles, from the incomplete beta and gamma
-// ratios.  The library's t and chi-squared distribution functions follow
-// Hill's approximations (Algorithms 395, 396) and the Wilson-Hilferty form
-// above 65 degrees of freedom, good to about 8 digits; the tests here keep
-// the 14 or so digits of the ratios.
+// Tail probabilities and quantiles, in double precision for both twins,
+// from the incomplete beta ratio and the regularised incomplete gamma
+// ratios below.  The library's t and chi-squared distribution functions
+// follow Hill's approximations (Algorithms 395, 396) and the Wilson-Hilferty
+// form above 65 degrees of freedom, good to about 8 digits; the tests here
+// keep the 14 or so digits of the ratios, in either tail.
 //
-// P(T > t) for t >= 0 is I_x(df/2, 1/2) / 2 with x = df / (df + t^2).
-template <class T>
-T t_upper(T t, T df) {
-    const T half = T(0.5) * zorvs::dist::beta_incomplete(df / (df + t * t), T(0.5) * df, T(0.5));
-    return t >= T(0) ? half : T(1) - half;
+// P(T > t) is I_x(df/2, 1/2) / 2 with x = df / (df + t^2) for t >= 0.
+double t_upper(double t, double df) {
+    const double half = 0.5 * zorvs::dist::beta_incomplete(df / (df + t * t), 0.5 * df, 0.5);
+    return t >= 0 ? half : 1 - half;
 }
 // The t with P(T > t) = q, 0 < q < 1: from the beta quantile of 2q, or for
 // t near 0 from the complementary ratio, where 1 - x would lose digits.
-template <class T>
-T t_quantile_upper(T q, T df) {
-    if (q > T(0.5)) return -t_quantile_upper(T(1) - q, df);
-    if (T(2) * q < T(0.5)) {
-        const T x = zorvs::dist::beta_inverse_cdf(T(2) * q, T(0.5) * df, T(0.5));
-        return std::sqrt(df * (T(1) - x) / x);
+double t_quantile_upper(double q, double df) {
+    if (q > 0.5) return -t_quantile_upper(1 - q, df);
+    if (2 * q < 0.5) {
+        const double x = zorvs::dist::beta_inverse_cdf(2 * q, 0.5 * df, 0.5);
+        return std::sqrt(df * (1 - x) / x);
     }
-    const T y = zorvs::dist::beta_inverse_cdf(T(1) - T(2) * q, T(0.5), T(0.5) * df);
-    return std::sqrt(df * y / (T(1) - y));
+    const double y = zorvs::dist::beta_inverse_cdf(1 - 2 * q, 0.5, 0.5 * df);
+    return std::sqrt(df * y / (1 - y));
 }
-// P(X <= x) for chi-squared on df: the regularised lower incomplete gamma
-// ratio, while Gamma(df/2) is finite; beyond that the library's form.
-template <class T>
-T chi_squared_lower(T x, T df) {
-    const T a = T(0.5) * df;
-    if (a >= T(sizeof(T) == 4 ? 34 : 170)) return zorvs::dist::chi_squared_cdf(x, df);
-    if (!(x > T(0))) return T(0);
-    // The ratio of two rounded numbers may pass 1 by an ulp or two.
-    return std::fmin(T(1), zorvs::dist::gamma_incomplete(a, T(0.5) * x) / zorvs::dist::gamma(a));
+// The regularised incomplete gamma ratios P(a, x) (lower) and Q(a, x) =
+// 1 - P (upper): the series of P for x < a + 1, else the continued fraction
+// of Q by the modified Lentz method (Press et al., Numerical Recipes, 2nd
+// ed., 6.2), each tail from its own formula where it is the smaller one.
+void gamma_ratios(double a, double x, double &lower, double &upper) {
+    if (!(x > 0)) {
+        lower = 0, upper = 1;
+        return;
+    }
+    const double front = std::exp(a * std::log(x) - x - zorvs::dist::log_gamma(a));
+    const double tiny = 1e-300, eps = 1e-16;
+    if (x < a + 1) {
+        double term = 1 / a, sum = term;
+        for (int n = 1; n < 10000 && std::fabs(term) > std::fabs(sum) * eps; ++n) sum += term *= x / (a + n);
+        lower = std::fmin(1.0, sum * front);
+        upper = 1 - lower;
+        return;
+    }
+    double b = x + 1 - a, c = 1 / tiny, d = 1 / b, h = d;
+    for (int i = 1; i < 10000; ++i) {
+        const double an = -i * (i - a);
+        b += 2;
+        d = an * d + b;
+        d = std::fabs(d) < tiny ? tiny : d;
+        c = b + an / c;
+        c = std::fabs(c) < tiny ? tiny : c;
+        d = 1 / d;
+        const double delta = d * c;
+        h *= delta;
+        if (std::fabs(delta - 1) < eps) break;
+    }
+    upper = std::fmin(1.0, front * h);
+    lower = 1 - upper;
 }
 // The chi-squared quantile: the library's root, then Newton steps on the
-// ratio above with the density exp((a - 1) log(x/2) - x/2 - log Gamma(a)) / 2.
-template <class T>
-T chi_squared_quantile(T p, T df) {
-    T x = zorvs::dist::chi_squared_inverse_cdf(p, df);
-    const T a = T(0.5) * df;
-    if (a >= T(sizeof(T) == 4 ? 34 : 170)) return x;
-    for (int step = 0; step < 4 && x > T(0); ++step) {
-        const T density = std::exp((a - T(1)) * std::log(T(0.5) * x) - T(0.5) * x - zorvs::dist::log_gamma(a)) / T(2);
-        if (!(density > T(0))) break;
-        x -= (chi_squared_lower(x, df) - p) / density;
+// ratio of the smaller tail, with the density
+// exp((a - 1) log(x/2) - x/2 - log Gamma(a)) / 2, a = df / 2.
+double chi_squared_quantile(double p, double df) {
+    double x = zorvs::dist::chi_squared_inverse_cdf(p, df);
+    const double a = 0.5 * df;
+    for (int step = 0; step < 6 && x > 0; ++step) {
+        const double density = std::exp((a - 1) * std::log(0.5 * x) - 0.5 * x - zorvs::dist::log_gamma(a)) / 2;
+        if (!(density > 0)) break;
+        double lower, upper;
+        gamma_ratios(a, 0.5 * x, lower, upper);
+        const double change = p < 0.5 ? (lower - p) / density : (upper - (1 - p)) / -density;
+        x -= change;
+        if (std::fabs(change) <= 1e-15 * x) break;
     }
     return x;
 }
 // P(F <= f) on (df1, df2): I_x(df1/2, df2/2) with x = df1 f / (df1 f + df2),
 // written so that an infinite f gives 1 and f = 0 gives 0.
-template <class T>
-T f_lower(T f, T df1, T df2) {
-    return zorvs::dist::beta_incomplete(T(1) / (T(1) + df2 / (df1 * f)), T(0.5) * df1, T(0.5) * df2);
+double f_lower(double f, double df1, double df2) {
+    return zorvs::dist::beta_incomplete(1 / (1 + df2 / (df1 * f)), 0.5 * df1, 0.5 * df2);
 }
 // The F quantile of p, from the beta quantile of p or, above 0.5, of its
 // complement on the swapped shapes.
-template <class T>
-T f_quantile(T p, T df1, T df2) {
-    if (p <= T(0.5)) {
-        const T x = zorvs::dist::beta_inverse_cdf(p, T(0.5) * df1, T(0.5) * df2);
-        return df2 * x / (df1 * (T(1) - x));
+double f_quantile(double p, double df1, double df2) {
+    if (p <= 0.5) {
+        const double x = zorvs::dist::beta_inverse_cdf(p, 0.5 * df1, 0.5 * df2);
+        return df2 * x / (df1 * (1 - x));
     }
-    const T y = zorvs::dist::beta_inverse_cdf(T(1) - p, T(0.5) * df2, T(0.5) * df1);
-    return df2 * (T(1) - y) / (df1 * y);
+    const double y = zorvs::dist::beta_inverse_cdf(1 - p, 0.5 * df2, 0.5 * df1);
+    return df2 * (1 - y) / (df1 * y);
 }
 
 // The tails of a statistic, two-sided, below and above, into p[0..2].
 template <class T>
-void two_sided(T below, T above, T *p) {
-    p[0] = std::fmin(T(1), T(2) * std::fmin(below, above));
-    p[1] = below;
-    p[2] = above;
+void two_sided(double below, double above, T *p) {
+    p[0] = T(std::fmin(1.0, 2 * std::fmin(below, above)));
+    p[1] = T(below);
+    p[2] = T(above);
 }
 
 // Half width of the t interval at level (per cent), or NaN with no level.
 template <class T>
 T t_half_width(T level, T df, T standard_error) {
     if (!(level > T(0))) return zorvs::missing<T>();
-    return t_quantile_upper(T(0.5) - level / T(200), df) * standard_error;
+    return T(t_quantile_upper(0.5 - double(level) / 200, df)) * standard_error;
 }
 
 // The t statistic (estimate - hypothesis) / standard error with its tails
@@ -262,13 +298,15 @@ void l_normal_one_sample(int n_observations, T *x, va_list *list) {
                 cells + O_T_TEST, 1);
     // Variance: (n - 1) s^2 / chi2 at the two tails of the level.
     if (levels.variances > T(0)) {
-        const T alpha = T(0.5) * (T(1) - levels.variances / T(100));
-        cells[O_VARIANCE_LOWER] = s.ss_a / chi_squared_quantile(T(1) - alpha, df);
-        cells[O_VARIANCE_UPPER] = s.ss_a / chi_squared_quantile(alpha, df);
+        const double alpha = 0.5 * (1 - double(levels.variances) / 100);
+        cells[O_VARIANCE_LOWER] = T(s.ss_a / chi_squared_quantile(1 - alpha, df));
+        cells[O_VARIANCE_UPPER] = T(s.ss_a / chi_squared_quantile(alpha, df));
     }
-    const T chi = s.ss_a / variance0, below = chi_squared_lower(chi, df);
+    const T chi = s.ss_a / variance0;
+    double below, above;
+    gamma_ratios(0.5 * df, 0.5 * double(chi), below, above);
     cells[O_CHI_SQUARED] = chi;
-    two_sided(below, T(1) - below, cells + O_CHI_SQUARED + 1);
+    two_sided(below, above, cells + O_CHI_SQUARED + 1);
     copy_out(result, cells, O_CELLS);
 }
 
@@ -339,9 +377,9 @@ void l_normal_two_sample(int n1, T *x1, int n2, T *x2, va_list *list) {
         cells[W_F] = f;
         two_sided(f_lower(f, df1, df2), f_lower(T(1) / f, df2, df1), cells + W_F_P);
         if (levels.variances > T(0)) {
-            const T alpha = T(0.5) * (T(1) - levels.variances / T(100));
-            cells[W_RATIO_LOWER] = ratio / f_quantile(T(1) - alpha, df1, df2);
-            cells[W_RATIO_UPPER] = ratio / f_quantile(alpha, df1, df2);
+            const double alpha = 0.5 * (1 - double(levels.variances) / 100);
+            cells[W_RATIO_LOWER] = T(ratio / f_quantile(1 - alpha, df1, df2));
+            cells[W_RATIO_UPPER] = T(ratio / f_quantile(alpha, df1, df2));
         }
     }
     copy_out(result, cells, W_CELLS);

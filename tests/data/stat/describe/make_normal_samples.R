@@ -49,6 +49,9 @@ one("sleep group 2, mu 1, sigma2 4", ex[sleep$group == 2], mu = 1, s2 = 4, cm = 
 one("PlantGrowth ctrl", PlantGrowth$weight[PlantGrowth$group == "ctrl"], mu = 5, s2 = 0.25)
 one("mtcars mpg", mtcars$mpg, mu = 20, s2 = 36, cm = 99, cv = 80)
 one("airquality Ozone with NA", airquality$Ozone, mu = 40, s2 = 1000)
+# Far tails: chi-squared p-values near 1e-16 and 1e-30 on 152 and 999 df.
+one("airquality Temp, far tail", airquality$Temp, mu = 78, s2 = 40)
+one("quakes mag, 999 df", quakes$mag, mu = 4.65, s2 = 0.1, cm = 99.9, cv = 99.9)
 cat("#elif defined(NORMAL_TWO_SAMPLE)\n")
 two("sleep by group", ex[sleep$group == 1], ex[sleep$group == 2])
 two("PlantGrowth ctrl, trt1", PlantGrowth$weight[PlantGrowth$group == "ctrl"],
