@@ -218,7 +218,7 @@ void l_covariances(int n_observations, int n_variables, T *x, va_list *list) {
     c.x_col_dim = x_col_dim;
     c.x = x;
     const long block = c.n_pairs() * static_cast<long>(sizeof(PairSums<T>) / sizeof(T));
-    if (block * c.n_groups > std::numeric_limits<int>::max()) {
+    if (block * c.n_groups + n_variables > std::numeric_limits<int>::max()) {
         zorvs::raise(5, 200);
         return;
     }

@@ -80,9 +80,7 @@ TEST(Covariances, LargeOffsetsKeepTheirDigits) {
             double *cov = zorvs_d_covariances(c.n + 1, 2, x.data(), pairwise ? ZORVS_MISSING_ELEMENTWISE : 0, 0);
             double *cor = zorvs_d_covariances(c.n + 1, 2, x.data(), ZORVS_CORRELATION_MATRIX,
                                               pairwise ? ZORVS_MISSING_ELEMENTWISE : 0, 0);
-            EXPECT_LE(relative_error(cov[0], c.covariance[0]), 1e-12);
-            EXPECT_LE(relative_error(cov[1], c.covariance[1]), 1e-12);
-            EXPECT_LE(relative_error(cov[3], c.covariance[2]), 1e-12);
+            for (int k : {0, 1, 2}) EXPECT_LE(relative_error(cov[k + k / 2], c.covariance[k]), 1e-12) << k;
             worst.add(relative_error(cor[1], c.correlation));
             EXPECT_LE(relative_error(cor[1], c.correlation), 1e-13);
             std::free(cov);

@@ -2,6 +2,8 @@
 // (tests/data/stat/describe/normal_samples_ref.inc, make_normal_samples.R:
 // t.test, var.test, the chi-squared interval and test of a variance) on
 // sleep, PlantGrowth, mtcars and airquality (with NA), and bad input as rows.
+#include <span>
+
 #include "support/tables.hpp"
 
 namespace {
@@ -38,9 +40,9 @@ TYPED_TEST(NormalSamples, AgreeWithR) {
     const double tol = sizeof(T) == 4 ? 5e-5 : 1e-10, floor = sizeof(T) == 4 ? 1e-3 : 1e-12;
     Worst worst(std::string("normal samples against R, ") + (sizeof(T) == 4 ? "float" : "double"));
     Quiet q;
-    for (int two = 0; two < 2; ++two) {
-        for (const SampleCase &c : two ? std::vector<SampleCase>(std::begin(two_sample_cases), std::end(two_sample_cases))
-                                       : std::vector<SampleCase>(std::begin(one_sample_cases), std::end(one_sample_cases))) {
+    using Cases = std::span<const SampleCase>;
+    for (const auto &[cases, two] : {std::pair{Cases(one_sample_cases), false}, {Cases(two_sample_cases), true}}) {
+        for (const SampleCase &c : cases) {
             SCOPED_TRACE(c.name);
             std::vector<T> x1(c.x1.begin(), c.x1.end()), x2(c.x2.begin(), c.x2.end()), mine(c.want.size(), T(-7));
             T *r = two ? ZORVS_TWIN(f_normal_two_sample, d_normal_two_sample)(
