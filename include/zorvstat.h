@@ -206,6 +206,14 @@ enum zorvs_keyword {
     ZORVS_BACKCASTING_ADR = 20017,
     ZORVS_CONVERGENCE_TOLERANCE_ADR = 20018,
     ZORVS_RELATIVE_ERROR_ADR = 20019,
+    ZORVS_HYPOTHESIZED_MEAN = 21100,
+    ZORVS_HYPOTHESIZED_VARIANCE = 21101,
+    ZORVS_HYPOTHESIZED_DIFFERENCE = 21102,
+    ZORVS_HYPOTHESIZED_RATIO = 21103,
+    ZORVS_CORRECTED_SSCP = 21104,
+    ZORVS_POOLED_GROUPS = 21105,
+    ZORVS_PAIR_COUNTS = 21106,
+    ZORVS_PAIR_COUNTS_USER = 21107,
     ZORVS_KEYWORD_END_ = 0
 };
 
@@ -414,6 +422,87 @@ double *zorvs_d_table_oneway(int n_observations, double x[], int n_intervals, ..
 float *zorvs_f_simple_statistics(int n_observations, int n_variables, float x[], ...);
 double *zorvs_d_simple_statistics(int n_observations, int n_variables, double x[], ...);
 /* @@end describe_stats */
+/* @@section describe_inference */
+/* Inference on one normal sample: returns a vector of 17 reals, allocated
+ * (the caller frees it) or the caller's with ZORVS_RETURN_USER.  After a
+ * FATAL or TERMINAL error: null, or the caller's array left unwritten.
+ *   0 count, 1 mean, 2 variance s^2, 3 standard deviation, 4 df = count - 1,
+ *   5, 6 confidence limits of the mean (Student's t),
+ *   7, 8 confidence limits of the variance, (n - 1) s^2 / chi2 quantiles,
+ *   9 t = (mean - mu0) / (s / sqrt(n)), 10 its two-sided p-value, 11 P(T <= t),
+ *     12 P(T >= t),
+ *   13 chi2 = (n - 1) s^2 / sigma0^2, 14 two-sided p (twice the smaller
+ *     tail, at most 1), 15 P(X <= chi2), 16 P(X >= chi2).
+ * Probabilities and quantiles are computed in double precision in both
+ * twins, each tail from its own formula (the incomplete beta ratio for t
+ * and F; the series and continued fraction of the incomplete gamma ratios,
+ * Numerical Recipes 6.2, for chi-squared), so that far tails keep their
+ * relative digits.
+ * NaN values of x are left out with the warning (3, 21100); fewer than 2
+ * values left is terminal (5, 21101).  Constant data leave cells 5, 6 and 9
+ * to 12 NaN with (3, 21102).
+ * Keywords: ZORVS_CONFIDENCE_MEANS, ZORVS_CONFIDENCE_VARIANCES (double, per
+ * cent, default 95; 0 or less leaves the limits NaN; 100 or more is (5,
+ * 11064), (5, 11065)) and their _ADR forms (real *);
+ * ZORVS_HYPOTHESIZED_MEAN (double mu0, default 0), ZORVS_HYPOTHESIZED_VARIANCE
+ * (double sigma0^2, default 1, positive, else (5, 21103));
+ * ZORVS_RETURN_USER (real[17]). */
+float *zorvs_f_normal_one_sample(int n_observations, float x[], ...);
+double *zorvs_d_normal_one_sample(int n_observations, double x[], ...);
+/* Inference on two independent normal samples: returns a vector of 30
+ * reals, with the same rules of storage, missing values (per sample,
+ * i2 = 1 or 2) and constant data as above.
+ *   0, 1 counts n1, n2, 2, 3 means, 4, 5 variances, 6 difference of means,
+ *   pooled variance: 7 pooled variance, 8 df = n1 + n2 - 2, 9, 10 limits of
+ *     the difference, 11 t = (difference - d0) / se, 12 two-sided p,
+ *     13 P(T <= t), 14 P(T >= t),
+ *   Welch: 15 Satterthwaite's df, 16, 17 limits, 18 t, 19 to 21 p as above,
+ *   variances: 22 F = (s1^2 / s2^2) / ratio0, 23, 24 df1 = n1 - 1,
+ *     df2 = n2 - 1, 25, 26 limits of the ratio s1^2 / s2^2 (F quantiles),
+ *     27 two-sided p, 28 P(F' <= F), 29 P(F' >= F).
+ * A zero variance leaves the F cells 22, 25 to 29 NaN with (3, 21102).
+ * Keywords: the confidence levels as above (means: the difference;
+ * variances: the ratio), ZORVS_HYPOTHESIZED_DIFFERENCE (double d0, default
+ * 0), ZORVS_HYPOTHESIZED_RATIO (double, default 1, positive),
+ * ZORVS_RETURN_USER (real[30]).
+ * References: Welch (1947), Biometrika 34; Satterthwaite (1946), Biometrics
+ * Bulletin 2; Snedecor and Cochran, Statistical Methods. */
+float *zorvs_f_normal_two_sample(int n_observations_1, float x1[], int n_observations_2, float x2[], ...);
+double *zorvs_d_normal_two_sample(int n_observations_1, double x1[], int n_observations_2, double x2[], ...);
+/* The n_variables x n_variables matrix of the columns of x (row-major,
+ * n_observations rows, leading dimension ZORVS_X_COL_DIM), row-major with
+ * leading dimension ZORVS_COV_COL_DIM: by default the variance-covariance
+ * matrix; with ZORVS_CORRECTED_SSCP the corrected sums of squares and
+ * crossproducts; with ZORVS_CORRELATION_MATRIX the correlations (at most
+ * one of the three, else (5, 11117)).  After a FATAL or TERMINAL error:
+ * null, or the caller's array left unwritten (the optional outputs too).
+ * Method: one pass of weighted updating (West 1979) per pair of variables
+ * on values less each variable's first value, so a large offset keeps its
+ * digits.  Frequencies repeat observations, weights are reliability
+ * weights: covariance = sum f w (x_j - m_j)(x_k - m_k) / ((W^2 - V) / W),
+ * W = sum f w, V = sum f w^2 (count - 1 without weights; the unbiased
+ * weighted covariance otherwise).
+ * Missing values (NaN): ZORVS_MISSING_LISTWISE (default) leaves out an
+ * observation with a NaN in any variable; ZORVS_MISSING_ELEMENTWISE uses
+ * for each pair the observations where both are present, with that pair's
+ * means and, for correlations, its standard deviations ("pairwise
+ * complete").  Either raises (3, 11062) or (3, 11288) when it left one out.
+ * Keywords: ZORVS_FREQUENCIES, ZORVS_WEIGHTS (real[n_observations]; NaN
+ * leaves the observation out, a negative one is (4, 11054), (4, 11056));
+ * ZORVS_POOLED_GROUPS (int n_groups, int groups[n_observations]: the
+ * matrix pooled within groups, sums of crossproducts and divisors added
+ * over the groups; a negative group leaves the observation out, one of
+ * n_groups or more is (5, 21107)); ZORVS_X_MEAN (real **) and
+ * ZORVS_X_MEAN_USER (real[n_groups * n_variables]): the means, per group,
+ * over each variable's observations used; ZORVS_PAIR_COUNTS (real **) and
+ * ZORVS_PAIR_COUNTS_USER (real[n_variables * n_variables]): the sum of
+ * frequencies of each pair's observations; ZORVS_RETURN_USER.
+ * Fewer than 2 weighted observations for every variable: (5, 21104).  A
+ * pair with fewer: NaN, (3, 21105); a constant variable: NaN correlations,
+ * (3, 21106). */
+float *zorvs_f_covariances(int n_observations, int n_variables, float x[], ...);
+double *zorvs_d_covariances(int n_observations, int n_variables, double x[], ...);
+/* @@end describe_inference */
 /* @@section regress */
 /* Regressors of a general linear model from n_observations rows of n_class
  * class and n_cont continuous columns; returns the number of regressors.
