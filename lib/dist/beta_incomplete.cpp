@@ -50,6 +50,7 @@
 #include <cmath>
 
 #include "dist/continuous_support.hpp"
+#include "dist/large_shapes.hpp"
 
 namespace {
 

@@ -23,14 +23,6 @@ T F_tail(T f, T df1, T df2, bool upper);
 template <class T>
 T betin_with_complement(T p, T pin, T qin, T *complement);
 
-// log(1 + t) - t for t > -1, without the cancellation near 0.
-double log1pmx(double t);
-
-// I_x(a, b), or with `upper` its complement, at large shapes by the uniform
-// asymptotic expansions and the continued fraction (beta_large.cpp); x and
-// cx = 1 - x as for beta_ratio.  Raises nothing.
-double beta_ratio_large(double x, double cx, double a, double b, bool upper);
-
 }  // namespace zorvs::continuous
 
 #endif  // ZORVS_DIST_BETA_INCOMPLETE_HPP

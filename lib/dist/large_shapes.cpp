@@ -1,4 +1,4 @@
-// beta_large.cpp - the incomplete beta ratio I_x(a, b) at large shapes, where
+// large_shapes.cpp - the incomplete beta ratio I_x(a, b) at large shapes, where
 // the sums of beta_incomplete.cpp grow with the shapes (and lose digits at
 // the rate of their length).  After DiDonato and Morris, "Algorithm 708:
 // significant digit computation of the incomplete beta function ratios",
@@ -31,7 +31,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "dist/beta_incomplete.hpp"
+#include "dist/large_shapes.hpp"
 #include "dist/continuous_support.hpp"
 #include "dist/special_detail.hpp"
 
@@ -230,7 +230,8 @@ double uniform_expansion(double a, double b, double lambda) {
     return two_over_sqrtpi * t * u * sum;
 }
 
-// Q(b, z) / (z^b e^-z / gamma(b)) for 0 < b < 40 and z >= b: Legendre's
+// Q(b, z) / (z^b e^-z / gamma(b)) for z >= b (log_r the log of the divisor,
+// used below b + 1 only, where b < 40): Legendre's
 // continued fraction of the upper incomplete gamma function (modified
 // Lentz) beyond b + 1, else 1/r minus the series of P.
 double gamma_upper_over_leading(double b, double z, double log_r) {
@@ -324,6 +325,51 @@ double beta_ratio_large(double x, double cx, double a, double b, bool upper) {
         lambda = std::fabs(lambda);
         if (std::min(p, q) >= 100 && lambda <= 0.03 * std::min(p, q)) tail = uniform_expansion(p, q, lambda);
         else tail = continued_fraction(p, q, xp, yp, lambda);
+    }
+    const double v = upper == tail_is_upper ? tail : 1 - tail;
+    return std::clamp(v, 0.0, 1.0);
+}
+
+}  // namespace zorvs::continuous
+
+namespace zorvs::continuous {
+
+// The regularised incomplete gamma ratio P(a, x), or with `upper` Q(a, x),
+// for a >= 100: the gamma distribution is the limit of the beta
+// distribution with b -> infinity and x/b for x, where lambda = a - x, so
+// that within 3% of a from the mean Temme's expansion above serves with
+// b = 1e200 (the beta terms of order a/b are far below the rounding), and
+// beyond, where the tails are tiny, the power series of P (x < a) or
+// Legendre's continued fraction of Q (x > a) converge in at most some
+// hundreds of rounds.  Their leading factor x^a e^-x / gamma(a + 1) is
+// exp(a log1pmx((x - a)/a) - stirling(a)) / sqrt(2 pi a), again without
+// cancelling logarithms.
+double gamma_ratio_large(double a, double x, bool upper) {
+    if (x == 0) return upper ? 1.0 : 0.0;
+    if (std::isinf(x)) return upper ? 0.0 : 1.0;
+    constexpr double kHuge = 1e200;
+    const double lambda = a - x;
+    double tail;
+    bool tail_is_upper = lambda < 0;
+    if (std::fabs(lambda) <= 0.03 * a) {
+        tail = tail_is_upper ? uniform_expansion(kHuge, a, -lambda) : uniform_expansion(a, kHuge, lambda);
+    } else {
+        const double lead = scaled_log1pmx(a, -lambda / a, x / a) - stirling(a);
+        const double factor = std::exp(lead) / std::sqrt(2 * kPi * a);  // x^a e^-x / gamma(a + 1)
+        if (factor == 0) {
+            tail = 0;
+        } else if (!tail_is_upper) {
+            double term = 1, sum = 1;
+            for (int k = 1; k < 100000; ++k) {
+                term *= x / (a + k);
+                sum += term;
+                if (term <= kEps * sum) break;
+            }
+            tail = factor * sum;
+        } else {
+            // Q = x^a e^-x / gamma(a) * 1/(x + 1 - a - 1(1 - a)/(x + 3 - a - ...)).
+            tail = factor * a * gamma_upper_over_leading(a, x, 0.0);
+        }
     }
     const double v = upper == tail_is_upper ? tail : 1 - tail;
     return std::clamp(v, 0.0, 1.0);
