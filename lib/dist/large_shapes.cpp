@@ -41,10 +41,12 @@ double log1pmx(double t) {
     if (std::fabs(t) > 0.5) return std::log1p(t) - t;
     // log(1 + t) = 2 atanh(r) with r = t/(2 + t), |r| <= 1/3, and t - 2r = r t:
     // log(1 + t) - t = r (2 r^2 (1/3 + r^2/5 + r^4/7 + ...) - t), with no
-    // cancellation; 17 terms reach 9^-17.
+    // cancellation; the terms kept are those above 1e-17 of the first
+    // (r^2 <= 1/9: 17 more).
     const double r = t / (2 + t), r2 = r * r;
+    const int last = r2 < 1e-8 ? 2 : r2 < 1e-4 ? 4 : r2 < 1e-2 ? 8 : 17;
     double s = 0;
-    for (int k = 17; k >= 0; --k) s = s * r2 + 1.0 / (2 * k + 3);
+    for (int k = last; k >= 0; --k) s = s * r2 + 1.0 / (2 * k + 3);
     return r * (2 * r2 * s - t);
 }
 
@@ -163,45 +165,26 @@ double erfc_scaled(double z) {
 
 namespace {
 
-// Temme's uniform expansion for a, b >= 100 and 0 <= lambda small against
-// min(a, b): I_x(a, b) = (2/sqrt(pi)) e^-f u (J_0 + sum_n d_n w0^n J_n),
-// with f = -(a log1pmx(-lambda/a) + b log1pmx(lambda/b)), J_0 = sqrt(pi)/4
-// exp(f) erfc(sqrt f), the J_n by their two-step recurrence in z = sqrt(f/2),
-// w0 = 1/sqrt(min(a, b) (1 + h)), h = min/max, and u the Stirling
-// corrections of B(a, b).  The d_n follow from the expansion's own
-// coefficients (a0: of the exponent in h; b0: its powers; c, d) by the
-// recurrences of DiDonato and Morris; the sum takes at most 20 of them.
-double uniform_expansion(double a, double b, double lambda) {
-    constexpr int kTerms = 20;
-    constexpr double two_over_sqrtpi = 1.1283791670955126;  // 2/sqrt(pi)
-    constexpr double inv_2sqrt2 = 0.35355339059327376;     // 2^-3/2
-    const double f = -(scaled_log1pmx(a, -lambda / a, 1 - lambda / a) + scaled_log1pmx(b, lambda / b, 1 + lambda / b));
-    const double t = std::exp(-f);
-    if (t == 0) return 0;
-    const double z0 = std::sqrt(f), z = 0.5 * z0 / inv_2sqrt2, z2 = f + f;
-    double h, r0, r1, w0;
-    if (a < b) {
-        h = a / b;
-        r1 = (b - a) / b;
-        w0 = 1 / std::sqrt(a * (1 + h));
-    } else {
-        h = b / a;
-        r1 = (b - a) / a;
-        w0 = 1 / std::sqrt(b * (1 + h));
+// The coefficients d_n of Temme's uniform expansion below, for h = min/max
+// of the shapes, r0 = 1/(1 + h) and r1 = (max - min)/(the shape that h
+// divides by): from the series a0 of the exponent in h, its powers b0, and
+// c, by the recurrences of DiDonato and Morris, two at a time.
+constexpr int kExpansionTerms = 20;
+struct ExpansionCoefficients {
+    double h, r0, r1, s = 1, hn = 1;
+    double a0[kExpansionTerms + 1] = {}, c[kExpansionTerms + 1] = {}, d[kExpansionTerms + 1] = {};
+    constexpr ExpansionCoefficients(double h_, double r0_, double r1_) : h(h_), r0(r0_), r1(r1_) {
+        a0[0] = r1 * (2.0 / 3.0);
+        c[0] = -0.5 * a0[0];
+        d[0] = -c[0];
     }
-    r0 = 1 / (1 + h);
-    double a0[kTerms + 1], b0[kTerms + 1], c[kTerms + 1], d[kTerms + 1];
-    a0[0] = r1 * (2.0 / 3.0);
-    c[0] = -0.5 * a0[0];
-    d[0] = -c[0];
-    double j0 = 0.5 / two_over_sqrtpi * erfc_scaled(z0), j1 = inv_2sqrt2;
-    double sum = j0 + d[0] * w0 * j1;
-    double s = 1, h2 = h * h, hn = 1, w = w0, znm1 = z, zn = z2;
-    for (int n = 2; n <= kTerms; n += 2) {
-        hn *= h2;
+    // d[n - 1] and d[n], for even n from 2.
+    constexpr void extend(int n) {
+        hn *= h * h;
         a0[n - 1] = 2 * r0 * (h * hn + 1) / (n + 2);
         s += hn;
         a0[n] = 2 * r1 * s / (n + 3);
+        double b0[kExpansionTerms + 1] = {};
         for (int i = n; i <= n + 1; ++i) {
             const double r = -0.5 * (i + 1);
             b0[0] = r * a0[0];
@@ -215,14 +198,50 @@ double uniform_expansion(double a, double b, double lambda) {
             for (int j = 1; j < i; ++j) dsum += d[i - j - 1] * c[j - 1];
             d[i - 1] = -(dsum + c[i - 1]);
         }
+    }
+};
+
+// The gamma limit (h = 0, r0 = r1 = 1): fixed numbers, worked out at
+// compile time.
+constexpr ExpansionCoefficients gamma_limit_coefficients() {
+    ExpansionCoefficients k(0, 1, 1);
+    for (int n = 2; n <= kExpansionTerms; n += 2) k.extend(n);
+    return k;
+}
+constexpr ExpansionCoefficients kGammaLimit = gamma_limit_coefficients();
+
+// Temme's uniform expansion for a, b >= 100 and 0 <= lambda small against
+// min(a, b): I_x(a, b) = (2/sqrt(pi)) e^-f u (J_0 + sum_n d_n w0^n J_n),
+// with f = -(a log1pmx(-lambda/a) + b log1pmx(lambda/b)), J_0 = sqrt(pi)/4
+// exp(f) erfc(sqrt f), the J_n by their two-step recurrence in z = sqrt(f/2),
+// w0 = 1/sqrt(min(a, b) (1 + h)), and u the Stirling corrections of B(a, b).
+// The sum takes at most 20 terms; `fixed` gives the coefficients where they
+// do not depend on the shapes (the gamma limit), else they are worked out as
+// far as the sum goes.
+double uniform_expansion(double a, double b, double lambda, const ExpansionCoefficients *fixed = nullptr) {
+    constexpr double two_over_sqrtpi = 1.1283791670955126;  // 2/sqrt(pi)
+    constexpr double inv_2sqrt2 = 0.35355339059327376;     // 2^-3/2
+    const double f = -(scaled_log1pmx(a, -lambda / a, 1 - lambda / a) + scaled_log1pmx(b, lambda / b, 1 + lambda / b));
+    const double t = std::exp(-f);
+    if (t == 0) return 0;
+    const double z0 = std::sqrt(f), z = 0.5 * z0 / inv_2sqrt2, z2 = f + f;
+    const double h = a < b ? a / b : b / a;
+    const double w0 = 1 / std::sqrt(std::min(a, b) * (1 + h));
+    ExpansionCoefficients own(h, 1 / (1 + h), a < b ? (b - a) / b : (b - a) / a);
+    const ExpansionCoefficients &k = fixed ? *fixed : own;
+    double j0 = 0.5 / two_over_sqrtpi * erfc_scaled(z0), j1 = inv_2sqrt2;
+    double sum = j0 + k.d[0] * w0 * j1;
+    double w = w0, znm1 = z, zn = z2;
+    for (int n = 2; n <= kExpansionTerms; n += 2) {
+        if (!fixed) own.extend(n);
         j0 = inv_2sqrt2 * znm1 + (n - 1) * j0;
         j1 = inv_2sqrt2 * zn + n * j1;
         znm1 *= z2;
         zn *= z2;
         w *= w0;
-        const double t0 = d[n - 1] * w * j0;
+        const double t0 = k.d[n - 1] * w * j0;
         w *= w0;
-        const double t1 = d[n] * w * j1;
+        const double t1 = k.d[n] * w * j1;
         sum += t0 + t1;
         if (std::fabs(t0) + std::fabs(t1) <= kEps * sum) break;
     }
@@ -352,7 +371,8 @@ double gamma_ratio_large(double a, double x, bool upper) {
     double tail;
     bool tail_is_upper = lambda < 0;
     if (std::fabs(lambda) <= 0.03 * a) {
-        tail = tail_is_upper ? uniform_expansion(kHuge, a, -lambda) : uniform_expansion(a, kHuge, lambda);
+        tail = tail_is_upper ? uniform_expansion(kHuge, a, -lambda, &kGammaLimit)
+                             : uniform_expansion(a, kHuge, lambda, &kGammaLimit);
     } else {
         const double lead = scaled_log1pmx(a, -lambda / a, x / a) - stirling(a);
         const double factor = std::exp(lead) / std::sqrt(2 * kPi * a);  // x^a e^-x / gamma(a + 1)
