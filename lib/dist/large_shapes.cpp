@@ -201,14 +201,16 @@ struct ExpansionCoefficients {
     }
 };
 
-// The gamma limit (h = 0, r0 = r1 = 1): fixed numbers, worked out at
-// compile time.
-constexpr ExpansionCoefficients gamma_limit_coefficients() {
-    ExpansionCoefficients k(0, 1, 1);
+// The gamma limit (h = 0, r0 = 1, and r1 = 1 for the lower tail, where the
+// finite shape is the smaller, -1 for the upper): fixed numbers, worked out
+// at compile time.
+constexpr ExpansionCoefficients gamma_limit_coefficients(double r1) {
+    ExpansionCoefficients k(0, 1, r1);
     for (int n = 2; n <= kExpansionTerms; n += 2) k.extend(n);
     return k;
 }
-constexpr ExpansionCoefficients kGammaLimit = gamma_limit_coefficients();
+constexpr ExpansionCoefficients kGammaLimitLower = gamma_limit_coefficients(1);
+constexpr ExpansionCoefficients kGammaLimitUpper = gamma_limit_coefficients(-1);
 
 // Temme's uniform expansion for a, b >= 100 and 0 <= lambda small against
 // min(a, b): I_x(a, b) = (2/sqrt(pi)) e^-f u (J_0 + sum_n d_n w0^n J_n),
@@ -371,8 +373,8 @@ double gamma_ratio_large(double a, double x, bool upper) {
     double tail;
     bool tail_is_upper = lambda < 0;
     if (std::fabs(lambda) <= 0.03 * a) {
-        tail = tail_is_upper ? uniform_expansion(kHuge, a, -lambda, &kGammaLimit)
-                             : uniform_expansion(a, kHuge, lambda, &kGammaLimit);
+        tail = tail_is_upper ? uniform_expansion(kHuge, a, -lambda, &kGammaLimitUpper)
+                             : uniform_expansion(a, kHuge, lambda, &kGammaLimitLower);
     } else {
         const double lead = scaled_log1pmx(a, -lambda / a, x / a) - stirling(a);
         const double factor = std::exp(lead) / std::sqrt(2 * kPi * a);  // x^a e^-x / gamma(a + 1)

@@ -41,8 +41,9 @@ mpf = mpmath.mpf
 def tail_integral(logf, x, lo, hi, scale):
     """Integral of exp(logf) from x towards lo (lo < x) or hi (hi > x).
 
-    The integrand is scaled by exp(-peak) so that quad's absolute error test
-    is a relative one (unscaled, an integral of 1e-300 passes it at once)."""
+    The integrand is scaled by exp(-peak), and each piece mapped onto [0, 1],
+    so that quad's absolute error test is a relative one (unscaled, an
+    integral of 1e-300 passes it at once)."""
     ends = [x]
     peak = logf(x)
     h = scale
@@ -60,9 +61,13 @@ def tail_integral(logf, x, lo, hi, scale):
             break
         h *= 2
     ends.sort()
-    val, err = mpmath.quad(lambda t: mpmath.exp(logf(t) - peak), ends, error=True, maxdegree=10)
-    if err > abs(val) * mpf(10) ** -45:
-        print('quadrature error', err, 'of', val, file=sys.stderr)
+    val = mpf(0)
+    for lo_end, hi_end in zip(ends[:-1], ends[1:]):
+        w = hi_end - lo_end
+        piece, err = mpmath.quad(lambda s: mpmath.exp(logf(lo_end + s * w) - peak), [0, 1], error=True, maxdegree=10)
+        if err > abs(piece) * mpf(10) ** -45 and err > mpf(10) ** -80:
+            print('quadrature error', err, 'of', piece, file=sys.stderr)
+        val += w * piece
     return val * mpmath.exp(peak)
 
 
