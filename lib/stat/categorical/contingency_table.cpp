@@ -218,12 +218,12 @@ void l_concordance(const Cells<T> &p, T *cc, T *dd, T *acc) {
     for (int i = 0; i < r; ++i) {  // acc[j]: column j summed over the rows above i
         T run = 0;
         for (int j = 0; j < c; ++j) {
-            cc[i * c + j] = run;  // above and left
+            cc[static_cast<long>(i) * c + j] = run;  // above and left
             run += acc[j];
         }
         run = 0;
         for (int j = c - 1; j >= 0; --j) {
-            dd[i * c + j] = run;  // above and right
+            dd[static_cast<long>(i) * c + j] = run;  // above and right
             run += acc[j];
         }
         for (int j = 0; j < c; ++j) acc[j] += p(i, j);
@@ -232,12 +232,12 @@ void l_concordance(const Cells<T> &p, T *cc, T *dd, T *acc) {
     for (int i = r - 1; i >= 0; --i) {  // acc[j]: column j summed over the rows below i
         T run = 0;
         for (int j = c - 1; j >= 0; --j) {
-            cc[i * c + j] += run;  // below and right
+            cc[static_cast<long>(i) * c + j] += run;  // below and right
             run += acc[j];
         }
         run = 0;
         for (int j = 0; j < c; ++j) {
-            dd[i * c + j] += run;  // below and left
+            dd[static_cast<long>(i) * c + j] += run;  // below and left
             run += acc[j];
         }
         for (int j = 0; j < c; ++j) acc[j] += p(i, j);
@@ -276,8 +276,8 @@ void l_scale_free_measures(const Cells<T> &p, const T *pr, const T *pc, const Wo
     T pp = 0, qq = 0;
     for (int i = 0; i < r; ++i)
         for (int j = 0; j < c; ++j) {
-            pp += p(i, j) * w.cc[i * c + j];
-            qq += p(i, j) * w.dd[i * c + j];
+            pp += p(i, j) * w.cc[static_cast<long>(i) * c + j];
+            qq += p(i, j) * w.dd[static_cast<long>(i) * c + j];
         }
     T dr = 1, dc = 1;
     for (int i = 0; i < r; ++i) dr -= pr[i] * pr[i];
@@ -398,7 +398,7 @@ void l_scale_free_measures(const Cells<T> &p, const T *pr, const T *pc, const Wo
         for (int j = 0; j < c; ++j) {
             const T x = p(i, j);
             if (!(x > T(0))) continue;
-            const T cij = w.cc[i * c + j], dij = w.dd[i * c + j], cd = cij - dij;
+            const T cij = w.cc[static_cast<long>(i) * c + j], dij = w.dd[static_cast<long>(i) * c + j], cd = cij - dij;
             const T di = T(i + 1) - a, dj = T(j + 1) - b;
             const T v = w.ri[i] * w.cj[j] + w.gi[i] + w.hj[j];
             const T z = -(wr * pc[j] * pc[j] + wc * pr[i] * pr[i]) / (T(8) * wrc);
@@ -692,7 +692,7 @@ void l_contingency_table(int n_rows, int n_columns, T *table, va_list *list) {
         for (int k = 0; k < n_measures * n_columns_of_measures; ++k) s[k] = zorvs::missing<T>();
         // Proportions and their margins: the counts divided by N.
         for (int i = 0; i < r; ++i)
-            for (int j = 0; j < c; ++j) p[i * c + j] = t(i, j) / n;
+            for (int j = 0; j < c; ++j) p[static_cast<long>(i) * c + j] = t(i, j) / n;
         for (int i = 0; i < r; ++i) pr[i] = row[i] / n;
         for (int j = 0; j < c; ++j) pc[j] = col[j] / n;
         l_scale_free_measures(Cells<T>{p, r, c}, pr, pc, w, s);
