@@ -39,9 +39,11 @@
 // are multiplied by one factor, and each of its standard errors scales as
 // 1/sqrt(N).  Those rows are therefore computed on the proportions T/N and
 // their standard errors divided by sqrt(N): the sums of the definitions grow
-// like N^7 (the gamma error) and would overflow single precision from N of
-// about 1e5 on.  The chi-squared, Kruskal-Wallis and symmetry rows use the
-// counts as given.
+// like N^7 (the gamma error) and would leave the range of double from N of
+// about 1e44 on.  The chi-squared, Kruskal-Wallis and symmetry rows use the
+// counts as given.  Both twins compute in double and the single twin rounds
+// its results: in single precision the sums over a 1000 x 1000 table lose
+// the small measures of a table with little association altogether.
 //
 // Choices made here:
 // - The table is read where it lies, row-major, and never written: a trap
@@ -64,6 +66,7 @@
 //   else 2 (1 - F(a)).
 #include <cmath>
 #include <cstdarg>
+#include <type_traits>
 
 #include "dist/dist.hpp"
 #include "frame/frame.hpp"
@@ -648,32 +651,52 @@ void l_contingency_table(int n_rows, int n_columns, T *table, va_list *list) {
     zorvs_null_pointer("table", -1, table);
     if (zorvs_error_n1rty[0] > 3) return;
     const int r = n_rows, c = n_columns, most = r > c ? r : c;
-    const Cells<T> t{table, r, c};
-    T *row = zorvs::workspace<T>(r, "n_rows");
-    T *col = row ? zorvs::workspace<T>(c, "n_columns") : nullptr;
+    // Both twins compute in double (W): the measures are sums over up to
+    // r c cells and differences of such sums, which single precision loses
+    // on a large table with little association.  The single twin rounds
+    // its results.
+    using W = double;
+    constexpr bool wide = std::is_same_v<T, W>;
+    const W *counts = nullptr;
+    if constexpr (wide) {
+        counts = table;
+    } else {
+        W *copy = zorvs::workspace<W>(r, "n_rows", c, "n_columns");
+        if (!copy) return;
+        for (long k = 0; k < static_cast<long>(r) * c; ++k) copy[k] = table[k];
+        counts = copy;
+    }
+    const Cells<W> t{counts, r, c};
+    W *row = zorvs::workspace<W>(r, "n_rows");
+    W *col = row ? zorvs::workspace<W>(c, "n_columns") : nullptr;
     if (!col) return;
-    T n = 0;
+    W n = 0;
     if (!l_counts_valid(t, row, col, n)) return;
 
+    // Every output and work array is had before anything is written.
     const bool association = statistics.wanted() || chi_statistics.wanted() || !triple;
     if (!expected.obtain(r + 1, "n_rows", c + 1, "n_columns")) return;
     if (!contributions.obtain(r + 1, "n_rows", c + 1, "n_columns")) return;
     if (!chi_statistics.obtain(5)) return;
     if (!statistics.obtain(n_measures, "n_statistics", n_columns_of_measures, "n_statistic_columns")) return;
-    T *e = expected.data() ? expected.data() : zorvs::workspace<T>(r + 1, "n_rows", c + 1, "n_columns");
-    T *q = e ? contributions.data() : nullptr;
-    if (e && !q) q = zorvs::workspace<T>(r + 1, "n_rows", c + 1, "n_columns");
-    T *chi = q ? zorvs::workspace<T>(10) : nullptr;
+    // An output of the routine's own type where W is that type, else work space.
+    auto storage = [](zorvs::OutputPair<T> &out, int n1, const char *name1, int n2, const char *name2) -> W * {
+        if constexpr (wide)
+            if (out.data()) return out.data();
+        return zorvs::workspace<W>(n1, name1, n2, name2);
+    };
+    W *e = storage(expected, r + 1, "n_rows", c + 1, "n_columns");
+    W *q = e ? storage(contributions, r + 1, "n_rows", c + 1, "n_columns") : nullptr;
+    W *chi = q ? zorvs::workspace<W>(10) : nullptr;
     if (!chi) return;
-    T *s = nullptr;
-    Work<T> w{};
-    T *p = nullptr, *pr = nullptr, *pc = nullptr;
+    W *s = nullptr, *p = nullptr, *pr = nullptr, *pc = nullptr;
+    Work<W> w{};
     if (association) {
-        s = statistics.data() ? statistics.data() : zorvs::workspace<T>(n_measures * n_columns_of_measures);
-        p = s ? zorvs::workspace<T>(r, "n_rows", c, "n_columns") : nullptr;
-        w.cc = p ? zorvs::workspace<T>(r, "n_rows", c, "n_columns") : nullptr;
-        w.dd = w.cc ? zorvs::workspace<T>(r, "n_rows", c, "n_columns") : nullptr;
-        T *reals = w.dd ? zorvs::workspace<T>(3 * r + 3 * c + most) : nullptr;
+        s = storage(statistics, n_measures, "n_statistics", n_columns_of_measures, "n_statistic_columns");
+        p = s ? zorvs::workspace<W>(r, "n_rows", c, "n_columns") : nullptr;
+        w.cc = p ? zorvs::workspace<W>(r, "n_rows", c, "n_columns") : nullptr;
+        w.dd = w.cc ? zorvs::workspace<W>(r, "n_rows", c, "n_columns") : nullptr;
+        W *reals = w.dd ? zorvs::workspace<W>(3 * r + 3 * c + most) : nullptr;
         w.amax = reals ? zorvs::workspace<int>(r + c) : nullptr;
         if (!w.amax) return;
         w.bmax = w.amax + r;
@@ -686,18 +709,18 @@ void l_contingency_table(int n_rows, int n_columns, T *table, va_list *list) {
         pc = pr + r;
     }
 
-    for (int k = 0; k < 10; ++k) chi[k] = zorvs::missing<T>();
+    for (int k = 0; k < 10; ++k) chi[k] = zorvs::missing<W>();
     l_chi_squared_block(t, row, col, n, e, q, chi, association);
     if (association) {
-        for (int k = 0; k < n_measures * n_columns_of_measures; ++k) s[k] = zorvs::missing<T>();
+        for (int k = 0; k < n_measures * n_columns_of_measures; ++k) s[k] = zorvs::missing<W>();
         // Proportions and their margins: the counts divided by N.
         for (int i = 0; i < r; ++i)
             for (int j = 0; j < c; ++j) p[static_cast<long>(i) * c + j] = t(i, j) / n;
         for (int i = 0; i < r; ++i) pr[i] = row[i] / n;
         for (int j = 0; j < c; ++j) pc[j] = col[j] / n;
-        l_scale_free_measures(Cells<T>{p, r, c}, pr, pc, w, s);
+        l_scale_free_measures(Cells<W>{p, r, c}, pr, pc, w, s);
         // Standard errors of the proportions' measures scale as 1/sqrt(N).
-        const T root_n = std::sqrt(n);
+        const W root_n = std::sqrt(n);
         for (int k = 0; k < n_measures; ++k)
             if (k <= 17 || k == 20)
                 for (int col_ = 1; col_ <= 2; ++col_) s[k * n_columns_of_measures + col_] /= root_n;
@@ -705,14 +728,24 @@ void l_contingency_table(int n_rows, int n_columns, T *table, va_list *list) {
         l_standardise(s);
     }
     if (zorvs_error_n1rty[0] > 3) return;
+    if constexpr (!wide) {
+        auto round = [](const W *from, T *to, long count) {
+            if (to)
+                for (long k = 0; k < count; ++k) to[k] = static_cast<T>(from[k]);
+        };
+        const long cells = static_cast<long>(r + 1) * (c + 1);
+        round(e, expected.data(), cells);
+        round(q, contributions.data(), cells);
+        if (s) round(s, statistics.data(), n_measures * n_columns_of_measures);
+    }
     if (T *v = chi_statistics.data())
-        for (int k = 0; k < 5; ++k) v[k] = chi[5 + k];
+        for (int k = 0; k < 5; ++k) v[k] = static_cast<T>(chi[5 + k]);
     for (int which = 0; which < 2; ++which) {
         if (df_out[which]) *df_out[which] = static_cast<int>(chi[2]);
-        if (statistic_out[which]) *statistic_out[which] = chi[which == 0 ? 0 : 3];
-        if (p_out[which]) *p_out[which] = chi[which == 0 ? 1 : 4];
+        if (statistic_out[which]) *statistic_out[which] = static_cast<T>(chi[which == 0 ? 0 : 3]);
+        if (p_out[which]) *p_out[which] = static_cast<T>(chi[which == 0 ? 1 : 4]);
     }
-    lv_p_value<T> = chi[1];
+    lv_p_value<T> = static_cast<T>(chi[1]);
 }
 
 }  // namespace
