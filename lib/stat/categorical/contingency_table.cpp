@@ -262,6 +262,8 @@ struct Work {
     T *cc, *dd;     // r x c: concordant and discordant sums
     T *ri, *cj;     // centred midranks of the rows and the columns
     T *gi, *hj;     // the row and column parts of Spearman's v
+    T *log_pr;      // logarithms of the row and column proportions
+    T *log_pc;
     T *acc;         // max(r, c) running sums
     int *amax;      // r: first largest cell of each row
     int *bmax;      // c: first largest cell of each column
@@ -385,8 +387,14 @@ void l_scale_free_measures(const Cells<T> &p, const T *pr, const T *pc, const Wo
 
     // Entropies, rows 9 to 11 (sums of p log p, so each is at most 0).
     T hr = 0, hc = 0, hrc = 0;
-    for (int i = 0; i < r; ++i) hr += pr[i] * std::log(pr[i]);
-    for (int j = 0; j < c; ++j) hc += pc[j] * std::log(pc[j]);
+    for (int i = 0; i < r; ++i) {
+        w.log_pr[i] = std::log(pr[i]);
+        hr += pr[i] * w.log_pr[i];
+    }
+    for (int j = 0; j < c; ++j) {
+        w.log_pc[j] = std::log(pc[j]);
+        hc += pc[j] * w.log_pc[j];
+    }
     for (int i = 0; i < r; ++i)
         for (int j = 0; j < c; ++j)
             if (p(i, j) > T(0)) hrc += p(i, j) * std::log(p(i, j));
@@ -420,9 +428,9 @@ void l_scale_free_measures(const Cells<T> &p, const T *pr, const T *pc, const Wo
                     sc = dc * cd - (T(1) - pc[j]) * diff;
             const T h = uroot * di * dj - rho * (di * di * uc + dj * dj * ur) / T(2);
             const T lp = std::log(x);
-            const T u = hsum * lp - hrc * std::log(pr[i] * pc[j]);
-            const T uc_term = hc * std::log(x / pr[i]) + (hr - hrc) * std::log(pc[j]);
-            const T ur_term = hr * std::log(x / pc[j]) + (hc - hrc) * std::log(pr[i]);
+            const T u = hsum * lp - hrc * (w.log_pr[i] + w.log_pc[j]);
+            const T uc_term = hc * (lp - w.log_pr[i]) + (hr - hrc) * w.log_pc[j];
+            const T ur_term = hr * (lp - w.log_pc[j]) + (hc - hrc) * w.log_pr[i];
             sum_gamma += x * g * g;
             sum_row += x * sr * sr;
             sum_col += x * sc * sc;
@@ -696,7 +704,7 @@ void l_contingency_table(int n_rows, int n_columns, T *table, va_list *list) {
         p = s ? zorvs::workspace<W>(r, "n_rows", c, "n_columns") : nullptr;
         w.cc = p ? zorvs::workspace<W>(r, "n_rows", c, "n_columns") : nullptr;
         w.dd = w.cc ? zorvs::workspace<W>(r, "n_rows", c, "n_columns") : nullptr;
-        W *reals = w.dd ? zorvs::workspace<W>(3 * r + 3 * c + most) : nullptr;
+        W *reals = w.dd ? zorvs::workspace<W>(4 * r + 4 * c + most) : nullptr;
         w.amax = reals ? zorvs::workspace<int>(r + c) : nullptr;
         if (!w.amax) return;
         w.bmax = w.amax + r;
@@ -707,6 +715,8 @@ void l_contingency_table(int n_rows, int n_columns, T *table, va_list *list) {
         w.acc = w.hj + c;
         pr = w.acc + most;
         pc = pr + r;
+        w.log_pr = pc + c;
+        w.log_pc = w.log_pr + r;
     }
 
     for (int k = 0; k < 10; ++k) chi[k] = zorvs::missing<W>();
