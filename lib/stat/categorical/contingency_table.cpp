@@ -63,7 +63,8 @@
 //   precision) comes out as 0 or as a rounding error.
 // - The exact two-sided binomial p-value of the sign form is 2 F(a) when the
 //   binomial distribution function F at a (nearest integer) is at most 0.5,
-//   else 2 (1 - F(a)).
+//   else 2 (1 - F(a)); with fractional counts the nearest integers of a and
+//   n round halves away from zero.
 #include <cmath>
 #include <cstdarg>
 #include <type_traits>

@@ -10,7 +10,9 @@ tables <- list(
   # Two raters sorting 100 subjects into three categories (made up).
   raters = matrix(c(44, 5, 1, 7, 20, 3, 9, 5, 6), 3, 3, byrow = TRUE),
   # Fractional counts, three rows by four columns.
-  fractional = matrix(c(2.5, 4, 1.25, 6, 3, 0.5, 7, 2, 5.5, 3, 1, 4.75), 3, 4, byrow = TRUE)
+  fractional = matrix(c(2.5, 4, 1.25, 6, 3, 0.5, 7, 2, 5.5, 3, 1, 4.75), 3, 4, byrow = TRUE),
+  # A total of 3: no exact moments of X^2.
+  total_three = matrix(c(1, 0.5, 0.5, 1), 2, 2)
 )
 if (sys.nframe() == 0) {
   out <- file("contingency_tables.txt", "w")

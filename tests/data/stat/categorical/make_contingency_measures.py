@@ -45,6 +45,11 @@ def two_sided(t):
     return mp.erfc(abs(t) / mp.sqrt(2))
 
 
+def nearest(x):
+    """Nearest integer of x >= 0, halves away from zero (Fortran's NINT)."""
+    return int(mp.floor(x + mp.mpf(1) / 2))
+
+
 def first_max(xs):
     k = 0
     for i, x in enumerate(xs):
@@ -216,7 +221,7 @@ def measures(T):
         aa = sum(T[i][j] for i, j in pairs)
         nn = sum(T[i][j] + T[j][i] for i, j in pairs)
         if nn > 0:
-            ka, kn = int(mp.nint(aa)), int(mp.nint(nn))
+            ka, kn = nearest(aa), nearest(nn)
             F = sum(mp.binomial(kn, s) for s in range(ka + 1)) / mp.mpf(2) ** kn
             exact = 2 * (1 - F) if F > 0.5 else 2 * F
             x = (2 * (aa - nn / 2)) ** 2 / nn
@@ -346,11 +351,11 @@ def main():
         ri = [sum(exact[i * c:(i + 1) * c]) for i in range(r)]
         cj = [sum(exact[i * c + j] for i in range(r)) for j in range(c)]
         N = sum(ri)
-        mean, var = exact_moments(ri, cj)
+        mean, var = exact_moments(ri, cj) if N > 3 else (None, None)
         x2 = rational(sum((exact[i * c + j] * N - ri[i] * cj[j]) ** 2 / (N * ri[i] * cj[j])
                           for i in range(r) for j in range(c)))
         Nm = rational(N)
-        chi = [rational(mean), mp.sqrt(rational(var)), mp.sqrt(x2 / Nm), mp.sqrt(x2 / (Nm + x2)),
+        chi = [mean and rational(mean), var and mp.sqrt(rational(var)), mp.sqrt(x2 / Nm), mp.sqrt(x2 / (Nm + x2)),
                mp.sqrt(x2 / (Nm * (min(r, c) - 1)))]
         print(f'{{"{name}", {r}, {c}, {{{", ".join(counts)}}},')
         print(f' {{{", ".join(fmt(x) for x in chi)}}},')
