@@ -47,7 +47,9 @@
 //
 // Choices made here:
 // - The table is read where it lies, row-major, and never written: a trap
-//   leaves it as the caller passed it.
+//   leaves it as the caller passed it.  The computation takes its sizes and
+//   switches from this routine alone, so there is no leading dimension or
+//   flag of its own to refuse.
 // - A NaN count is refused as a negative one is ((5, 11140), r1 the NaN); an
 //   infinite count passes the checks and makes the results NaN.
 // - The checks (dimensions, counts, margins) and every allocation come before
@@ -270,6 +272,27 @@ struct Work {
     int *bmax;      // c: first largest cell of each column
 };
 
+// The sums of the errors of Goodman-Kruskal tau and lambda-star over the
+// rows (rows 8 and 16: over the columns, with p read transposed): for each
+// row i the corrected sums of squares, weights p_ij / pr_i, of the tau term
+// p_ij + (tau - 1) pc_j pr_i and of the indicator term a + (star - 1) g,
+// each divided by pr_i and summed.
+template <class T, class Cell>
+void l_within_rows(int r, int c, Cell p, const T *pr, const T *pc, const int *amax, int gstar, T tau, T star,
+                   T &ss_tau, T &ss_star) {
+    ss_tau = ss_star = 0;
+    for (int i = 0; i < r; ++i) {
+        Running<T, 2> one;
+        for (int j = 0; j < c; ++j) {
+            const T x[2] = {p(i, j) + (tau - T(1)) * pc[j] * pr[i],
+                            (amax[i] == j ? T(1) : T(0)) + (star - T(1)) * (j == gstar ? T(1) : T(0))};
+            one.add(p(i, j) / pr[i], x);
+        }
+        ss_tau += one.ss[0] / pr[i];
+        ss_star += one.ss[1] / pr[i];
+    }
+}
+
 // Rows 0 to 17 and 20 of the measures, columns 0 to 2, on the proportions
 // p (total 1) with margins pr and pc.  s is the 23 x 5 row-major table.
 template <class T>
@@ -442,29 +465,12 @@ void l_scale_free_measures(const Cells<T> &p, const T *pr, const T *pc, const Wo
         }
     const T root_v = std::sqrt(cells.ss[0]);
 
-    // Rows 7, 15 (each row's cells with weights p_ij/pr_i) and 8, 16 (each
-    // column's cells with weights p_ij/pc_j).
-    T ss7 = 0, ss15 = 0, ss8 = 0, ss16 = 0;
-    for (int i = 0; i < r; ++i) {
-        Running<T, 2> one;
-        for (int j = 0; j < c; ++j) {
-            const T x[2] = {p(i, j) + (tau_c_given_r - T(1)) * pc[j] * pr[i],
-                            (w.amax[i] == j ? T(1) : T(0)) + (star_r - T(1)) * (j == gstar ? T(1) : T(0))};
-            one.add(p(i, j) / pr[i], x);
-        }
-        ss7 += one.ss[0] / pr[i];
-        ss15 += one.ss[1] / pr[i];
-    }
-    for (int j = 0; j < c; ++j) {
-        Running<T, 2> one;
-        for (int i = 0; i < r; ++i) {
-            const T x[2] = {p(i, j) + (tau_r_given_c - T(1)) * pr[i] * pc[j],
-                            (w.bmax[j] == i ? T(1) : T(0)) + (star_c - T(1)) * (i == hstar ? T(1) : T(0))};
-            one.add(p(i, j) / pc[j], x);
-        }
-        ss8 += one.ss[0] / pc[j];
-        ss16 += one.ss[1] / pc[j];
-    }
+    // Rows 7, 15 over the rows of the table and 8, 16 over its columns.
+    T ss7, ss15, ss8, ss16;
+    l_within_rows(r, c, [&](int i, int j) { return p(i, j); }, pr, pc, w.amax, gstar, tau_c_given_r, star_r, ss7,
+                  ss15);
+    l_within_rows(c, r, [&](int j, int i) { return p(i, j); }, pc, pr, w.bmax, hstar, tau_r_given_c, star_c, ss8,
+                  ss16);
 
     const T mm = m / (m - T(1));
     const T values[17][3] = {
