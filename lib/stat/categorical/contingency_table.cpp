@@ -153,8 +153,9 @@ T two_sided_normal(T z) {
 template <class T>
 void l_chi_squared_block(const Cells<T> &t, const T *row, const T *col, T n, T *e, T *q, T *chi,
                          bool association) {
-    const int r = t.r, c = t.c, ld = c + 1;
-    for (int k = 0; k < (r + 1) * ld; ++k) q[k] = 0;
+    const int r = t.r, c = t.c;
+    const long ld = c + 1;
+    for (long k = 0; k < (r + 1) * ld; ++k) q[k] = 0;
     T x2 = 0, g2 = 0;
     int small = 0;
     bool below2 = false, below1 = false;
