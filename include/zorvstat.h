@@ -645,6 +645,24 @@ float zorvs_f_normality_test(int n_observations, float x[], ...);
 double zorvs_d_normality_test(int n_observations, double x[], ...);
 /* @@end categorical_tests */
 
+/* @@section categorical_table */
+/* Two-way contingency table of n_rows x n_columns non-negative counts
+ * (row-major); returns the p-value of Pearson's chi-squared test.
+ * Keywords: ZORVS_CHI_SQUARED and ZORVS_LRT (int *df, float *statistic,
+ * float *p_value), ZORVS_EXPECTED (float **), ZORVS_EXPECTED_USER (float[]),
+ * ZORVS_CHI_SQUARED_CONTRIBUTIONS (float **),
+ * ZORVS_CHI_SQUARED_CONTRIBUTIONS_USER (float[]): both (n_rows+1) x
+ * (n_columns+1) with the margins last; ZORVS_CHI_SQUARED_STATISTICS
+ * (float **), ZORVS_CHI_SQUARED_STATISTICS_USER (float[]): exact mean and
+ * standard deviation of chi-squared, phi, contingency coefficient, Cramer's
+ * V; ZORVS_STATISTICS (float **), ZORVS_STATISTICS_USER (float[]): 23
+ * measures of association by 5 (statistic, standard error, standard error
+ * under independence, standardised value, p-value).  The double twin takes
+ * double arrays and pointers. */
+float zorvs_f_contingency_table(int n_rows, int n_columns, float table[], ...);
+double zorvs_d_contingency_table(int n_rows, int n_columns, double table[], ...);
+/* @@end categorical_table */
+
 /* ------------------------------------------------------------------------ */
 /* Utilities: permutations                                                  */
 /* ------------------------------------------------------------------------ */
