@@ -48,6 +48,7 @@
 #include "dist/dist.hpp"
 #include "frame/checks.h"
 #include "frame/frame.hpp"
+#include "frame/machine.h"
 #include "zorvstat.h"
 
 namespace {
@@ -145,6 +146,7 @@ void l_chi_squared_test(Cdf<T> cdf, int n_categories, int n_observations, const 
         zorvs_e1sti(1, n_observations);
         zorvs_ermes(5, 11002);
     }
+    zorvs_null_pointer("x", -1, x);
     if (counts_given && n_observations != n_categories) {
         zorvs_e1sti(1, n_observations);
         zorvs_e1sti(2, n_categories);

@@ -41,6 +41,7 @@
 #include "dist/dist.hpp"
 #include "frame/checks.h"
 #include "frame/frame.hpp"
+#include "frame/machine.h"
 #include "kernels/sort.hpp"
 #include "random/random.hpp"
 #include "zorvstat.h"
@@ -122,6 +123,7 @@ void l_ranks(int n_observations, const T *x, va_list *list) {
         zorvs_e1sti(1, n_observations);
         zorvs_ermes(5, 11002);
     }
+    zorvs_null_pointer("x", -1, x);
     if (!(fuzz >= 0)) {
         zorvs_e1str(1, static_cast<double>(fuzz));
         zorvs_ermes(5, 11120);

@@ -144,6 +144,7 @@ TYPED_TEST(ChiSquaredTestTwin, RefusalsWriteNothing) {
         {ZORVS_CALL(refused(u, 3, 6, d, cut, c, ZORVS_FREQUENCIES, freq.data())), 1, 5, 11054, "i1=1 r1=-1"},
         {ZORVS_CALL(refused(u, 3, 6, none.data(), cut, c)), 1, 5, 21228, "i1=6"},
         {ZORVS_CALL(refused(u, 3, 6, d, cut, c, 44444)), 1, 5, 11001, "i1=44444 i2=7"},
+        {ZORVS_CALL(refused(u, 3, 6, static_cast<T *>(nullptr), cut, c)), 1, 5, 150, "l1=x"},
         {ZORVS_CALL(zorvs::allocation_failure_countdown = 3), 3},
         {ZORVS_CALL(refused(u, 3, 6, d, cut, c)), 1, 5, 201},
         {ZORVS_CALL(zorvs::allocation_failure_countdown = 0), 0},

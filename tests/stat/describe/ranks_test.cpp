@@ -108,6 +108,7 @@ TYPED_TEST(RanksTwin, RefusalsLeaveCallerStorageAlone) {
         {ZORVS_CALL(null(ranks(3, x.data(), ZORVS_FUZZ, -1.0, 0))), 1, 5, 11120, "r1=-1"},
         {ZORVS_CALL(null(ranks(3, x.data(), ZORVS_FUZZ, NaN, 0))), 1, 5, 11120},
         {ZORVS_CALL(null(ranks(3, x.data(), 77777, 0))), 1, 5, 11001, "i1=77777 i2=3"},
+        {ZORVS_CALL(null(ranks(3, nullptr, 0))), 1, 5, 150, "l1=x"},
         {ZORVS_CALL(kept(ranks(-2, x.data(), ZORVS_RETURN_USER, user.data(), 0))), 1, 5, 11002},
         // a failed work array after the caller's storage was taken
         {ZORVS_CALL(zorvs::allocation_failure_countdown = 1), 1},
