@@ -153,4 +153,14 @@ TYPED_TEST(ChiSquaredTestTwin, RefusalsWriteNothing) {
     });
 }
 
+// With the stops as they are by default, a distribution function that
+// leaves [0, 1] ends the process with the type as its status.
+TEST(ChiSquaredTestStop, DistributionFunctionOutOfRangeStops) {
+    expect_stops({{[] {
+                       double x[3] = {1, 2, 5}, cuts[2] = {2, 4};
+                       zorvs_d_chi_squared_test(above_one<double>, 3, 3, x, ZORVS_CUTPOINTS, cuts, 0);
+                   },
+                   5, "TERMINAL Error from zorvs_d_chi_squared_test.  The distribution function"}});
+}
+
 }  // namespace
