@@ -8,13 +8,14 @@
 // score of place r is
 //   ranks            r
 //   Blom             Phi^-1((r - 3/8) / (m + 1/4))      (Blom 1958)
-//   (Phi^-1 to working accuracy: zorvs::dist::normal_quantile)
 //   Tukey            Phi^-1((r - 1/3) / (m + 1/3))      (Tukey 1962)
 //   Van der Waerden  Phi^-1(r / (m + 1))                (van der Waerden 1952)
 //   Savage           sum_(j = m-r+1..m) 1/j             (Savage 1956)
 // the Savage score being the expected r-th order statistic of m standard
 // exponential values, summed from the smallest term up so that the score
-// of place 1, 1/m, keeps its digits.  A tie group gets
+// of place 1, 1/m, keeps its digits, and Phi^-1 being taken to working
+// accuracy (zorvs::dist::normal_quantile) from whichever tail is smaller.
+// A tie group gets
 //   average (default)  the mean of the scores of its places (for ranks,
 //                      (a + 1 + b) / 2, as R's rank(ties.method="average"))
 //   lowest / highest   the score of place a + 1 / place b ("min" / "max")
@@ -39,7 +40,6 @@
 #include <cstdarg>
 
 #include "dist/dist.hpp"
-#include "frame/checks.h"
 #include "frame/frame.hpp"
 #include "frame/machine.h"
 #include "kernels/sort.hpp"
