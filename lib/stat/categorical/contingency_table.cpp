@@ -53,16 +53,17 @@
 // - A NaN count is refused as a negative one is ((5, 11140), r1 the NaN); an
 //   infinite count passes the checks and makes the results NaN.
 // - The checks (dimensions, counts, margins) and every allocation come before
-//   the computation (l_ctchi) and before anything is written: after a message of type 4 or 5 no output, caller's
-//   storage included, has been touched, the addresses given with the
-//   allocating keywords are left as the caller had them, and the result is 0.
+//   the computation (l_ctchi) and before anything is written: after a
+//   message of type 4 or 5 no output, caller's storage included, has been
+//   touched, the addresses given with the allocating keywords are left as
+//   the caller had them, and the result is 0.
 // - A zero divisor of a standardised value leaves columns 3 and 4 of the row
 //   missing.  The null standard error of kappa, sqrt(pe / (N (1 - pe))), is
 //   positive whenever the margins are, so (6, 11135) is not reached by a
 //   table that passes the checks.
 // - P-values are 1 minus the distribution function, so they have an absolute
-//   and not a relative accuracy: a p-value below about 1e-16 (1e-7 in single
-//   precision) comes out as 0 or as a rounding error.
+//   and not a relative accuracy: a p-value below about 1e-16 comes out as 0
+//   or as a rounding error.
 // - The exact two-sided binomial p-value of the sign form is 2 F(a) when the
 //   binomial distribution function F at a (nearest integer) is at most 0.5,
 //   else 2 (1 - F(a)); with fractional counts the nearest integers of a and
