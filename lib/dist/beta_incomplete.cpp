@@ -377,7 +377,12 @@ T l_beta_ratio(T x, T cx, T a, T b, bool upper) {
             const T again = want_s ? t * et / s : et;
             resum = direct > 64 && 4 * again < direct && length <= T(direct > 1024 ? kLongestSums : kShortSums);
         }
-        if (resum) {
+        if (resum && length > T(kLargeSums) && std::max(a, b) > T(kLargeSums - 64)) {
+            // A tail whose own sums would be long comes from the large-shape
+            // methods: t is the upper tail unexchanged, I_x(a, b) exchanged.
+            t = static_cast<T>(zc::beta_ratio_large(x, cx, a, b, !swapped));
+            s = 1 - t;
+        } else if (resum) {
             bool again_too_long = false;
             const T t2 = swapped ? l_betai_sums(x, cx, a, b, &again_too_long) : l_betai_sums(cx, x, b, a, &again_too_long);
             if (!again_too_long) {
