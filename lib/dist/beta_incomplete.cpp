@@ -366,8 +366,12 @@ T l_beta_ratio(T x, T cx, T a, T b, bool upper) {
     if (t < T(0.25)) {
         const T length = swapped ? keep() : exchange();
         bool resum;
+        // Below 1/64 a tail whose own sums would be too long to run comes
+        // from the large-shape methods where a shape is large enough for
+        // them; before, it was 1 minus the sum, with only absolute accuracy.
+        const bool large = length > T(kLargeSums) && std::max(a, b) > T(kLargeSums - 64);
         if (t < T(kLowTail)) {
-            resum = length <= T(kLongestSums);
+            resum = length <= T(kLongestSums) || large;
         } else {
             const bool want_s = swapped == upper;
             const T lead = a * std::fabs(std::log(x)) + b * std::fabs(std::log(cx));
@@ -377,7 +381,7 @@ T l_beta_ratio(T x, T cx, T a, T b, bool upper) {
             const T again = want_s ? t * et / s : et;
             resum = direct > 64 && 4 * again < direct && length <= T(direct > 1024 ? kLongestSums : kShortSums);
         }
-        if (resum && length > T(kLargeSums) && std::max(a, b) > T(kLargeSums - 64)) {
+        if (resum && large) {
             // A tail whose own sums would be long comes from the large-shape
             // methods: t is the upper tail unexchanged, I_x(a, b) exchanged.
             t = static_cast<T>(zc::beta_ratio_large(x, cx, a, b, !swapped));
