@@ -43,6 +43,11 @@
 // The infinite series ends once the rest, below the last term times
 // y/(1 - y), is negligible; the finite sum likewise once the bound of its
 // falling ratios makes the rest negligible.
+// Large shapes: where both orientations' sums would pass 1200 terms, and
+// for a small tail whose own sums would be that long, the methods made for
+// large shapes (large_shapes.cpp: Temme's uniform expansions and the
+// continued fraction after DiDonato and Morris) take over; everywhere else
+// the values are those of the sums.
 // The single twin sums in double precision and rounds the result.
 #include "dist/beta_incomplete.hpp"
 
