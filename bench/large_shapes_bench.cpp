@@ -4,8 +4,9 @@
 // 1024 argument sets per iteration, x from 4 standard deviations below the
 // mean to 4 above.  Run with interleaved repetitions:
 //     cmake -S . -B build-bench -DZORVS_BUILD_BENCH=ON && cmake --build build-bench -j2 --target zorvs_bench
-//     build-bench/bench/zorvs_bench --benchmark_filter='LargeShapes' \
+//     build-bench/bench/zorvs_bench --benchmark_filter='LargeShapes'
 //         --benchmark_repetitions=9 --benchmark_enable_random_interleaving=true
+// (one command line)
 #include <benchmark/benchmark.h>
 
 #include <cmath>

@@ -20,12 +20,7 @@
 
 namespace {
 
-struct LmCase {
-    const char *name;
-    int n, nv, intercept;
-    bool weighted;
-    const double *x, *y, *w, *coef, *aov, *cov;
-};
+using zorvs_test::LmCase;
 #include "data/stat/regress/regression_exact_ref.inc"
 #include "data/stat/regress/regression_lm_ref.inc"
 
