@@ -37,6 +37,7 @@
 #include <cmath>
 #include <cstdarg>
 #include <limits>
+#include <utility>
 
 #include "frame/checks.h"
 #include "frame/frame.hpp"
@@ -58,8 +59,9 @@ struct Covariances {
     const T *frequencies, *weights;
     const int *groups;
     bool listwise;
-    // Pair sums: n_groups blocks of the upper triangle, (j, k) at
-    // pair(j, k), and the shift of each variable (its first value seen).
+    // Pair sums: n_groups blocks of the packed upper triangle, pair (j, k)
+    // of group g at at(g, j, k); and the shift of each variable (its first
+    // value seen).
     PairSums<T> *sums;
     T *shift;
     int n_missing, n_used;

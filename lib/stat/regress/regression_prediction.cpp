@@ -41,6 +41,13 @@
 //  - The warnings of the leverage clamp and of a negative deleted variance
 //    that the caller cannot see the use of are withdrawn at the end if they
 //    are the latest event of the call.
+//  - Without ZORVS_Y the response is 0.0, so a residual exists and the
+//    leverage of a row far from the data is clamped to 1.0 as for a known
+//    response (with its warning when the leverage is asked for).
+//  - A dropped column's row and column of R are 0.0 at and above the
+//    diagonal, so the record no longer tells how that column depends on the
+//    others: every row with a non-zero entry there is reported as outside
+//    the estimation space (3, 20050), a training row included.
 
 #include <cmath>
 #include <cstdarg>

@@ -42,11 +42,6 @@ T decreasing(T x) {
     return x <= 2 ? T(0.5) : T(0.25);
 }
 
-template <class T, std::size_t N>
-std::vector<T> as(const double (&a)[N]) {
-    return std::vector<T>(a, a + N);
-}
-
 TYPED_TEST(ChiSquaredTestTwin, AgreesWithR) {
     using T = TypeParam;
     const bool single = std::is_same_v<T, float>;

@@ -38,10 +38,10 @@ TYPED_TEST_SUITE(NormalSamples, Reals);
 TYPED_TEST(NormalSamples, AgreeWithR) {
     using T = TypeParam;
     const double tol = sizeof(T) == 4 ? 5e-5 : 1e-10, floor = sizeof(T) == 4 ? 1e-3 : 1e-12;
-    Worst worst(std::string("normal samples against R, ") + (sizeof(T) == 4 ? "float" : "double"));
     Quiet q;
     using Cases = std::span<const SampleCase>;
     for (const auto &[cases, two] : {std::pair{Cases(one_sample_cases), false}, {Cases(two_sample_cases), true}}) {
+        Worst worst(std::string(two ? "two" : "one") + "-sample inference against R, " + (sizeof(T) == 4 ? "float" : "double"));
         for (const SampleCase &c : cases) {
             SCOPED_TRACE(c.name);
             std::vector<T> x1(c.x1.begin(), c.x1.end()), x2(c.x2.begin(), c.x2.end()), mine(c.want.size(), T(-7));
