@@ -68,19 +68,33 @@ int main(void) {
      * "leave out last" (so hybrid is the reference) and the mass; the fit
      * gives the coefficients, intercept first, and the analysis of variance
      * table (entry 10 R-squared in per cent, 12 the residual standard
-     * deviation). */
+     * deviation).  The record of the fit then gives the t test of each
+     * coefficient (estimate, standard error, t, p) and the predicted use of
+     * a diesel car of 1.5 t with its 95% limits for a new observation. */
     {
         double cars[8][2] = {{1, 1.20}, {2, 1.45}, {3, 1.30}, {1, 1.05}, {2, 1.70}, {3, 1.55}, {1, 1.60}, {2, 1.25}};
         double use[8] = {6.9, 6.4, 4.6, 6.2, 7.3, 5.3, 8.1, 5.8};
-        double regressors[8][3], aov[15];
+        double regressors[8][3], aov[15], tests[4][4], diesel[3] = {0, 1, 1.5}, low, high;
+        zorvs_d_regression_info *info = NULL;
         int n = zorvs_d_regressors_for_glm(8, &cars[0][0], 1, 1, ZORVS_DUMMY, 2, ZORVS_REGRESSORS_USER,
                                            &regressors[0][0], 0);
-        double *b = zorvs_d_regression(8, n, &regressors[0][0], use, ZORVS_ANOVA_TABLE_USER, aov, 0);
-        if (b) {
+        double *b = zorvs_d_regression(8, n, &regressors[0][0], use, ZORVS_ANOVA_TABLE_USER, aov,
+                                       ZORVS_REGRESSION_INFO, &info, 0);
+        if (b && info) {
+            double *p;
+            int j;
             printf("fuel use = %.3f + %.3f petrol + %.3f diesel + %.3f per tonne  (R^2 %.1f%%, s %.3f)\n", b[0],
                    b[1], b[2], b[3], aov[10], aov[12]);
-            free(b);
+            zorvs_d_regression_summary(info, ZORVS_COEF_T_TESTS_USER, &tests[0][0], 0);
+            for (j = 0; j < 4; ++j)
+                printf("  coefficient %d: %8.3f  se %.3f  t %6.2f  p %.4f\n", j, tests[j][0], tests[j][1],
+                       tests[j][2], tests[j][3]);
+            p = zorvs_d_regression_prediction(info, 1, diesel, ZORVS_CI_NEW_SAMPLE_USER, &low, &high, 0);
+            if (p) printf("  diesel of 1.5 t: %.2f l/100 km, 95%% limits %.2f to %.2f\n", p[0], low, high);
+            free(p);
         }
+        free(b);
+        free(info);
     }
 
     /* A caught error: an unknown keyword.  By default a TERMINAL error ends

@@ -206,6 +206,34 @@ enum zorvs_keyword {
     ZORVS_BACKCASTING_ADR = 20017,
     ZORVS_CONVERGENCE_TOLERANCE_ADR = 20018,
     ZORVS_RELATIVE_ERROR_ADR = 20019,
+    ZORVS_HYPOTHESIZED_MEAN = 21100,
+    ZORVS_HYPOTHESIZED_VARIANCE = 21101,
+    ZORVS_HYPOTHESIZED_DIFFERENCE = 21102,
+    ZORVS_HYPOTHESIZED_RATIO = 21103,
+    ZORVS_CORRECTED_SSCP = 21104,
+    ZORVS_POOLED_GROUPS = 21105,
+    ZORVS_PAIR_COUNTS = 21106,
+    ZORVS_PAIR_COUNTS_USER = 21107,
+
+    /* ranks and scores */
+    ZORVS_AVERAGE_TIE = 21200,
+    ZORVS_LOWEST = 21201,
+    ZORVS_HIGHEST = 21202,
+    ZORVS_RANDOM_SPLIT = 21203,
+    ZORVS_RANKS = 21204,
+    ZORVS_BLOM_SCORES = 21205,
+    ZORVS_TUKEY_SCORES = 21206,
+    ZORVS_VAN_DER_WAERDEN_SCORES = 21207,
+    ZORVS_SAVAGE_SCORES = 21208,
+    /* chi-squared goodness of fit */
+    ZORVS_COUNTS = 21220,
+    ZORVS_EXPECTED_GIVEN = 21221,
+    ZORVS_N_PARAMETERS_ESTIMATED = 21222,
+    ZORVS_CELL_COUNTS = 21223,
+    ZORVS_CELL_COUNTS_USER = 21224,
+    /* ARMA forecasts */
+    ZORVS_PSI_WEIGHTS = 21240,
+    ZORVS_PSI_WEIGHTS_USER = 21241,
     ZORVS_KEYWORD_END_ = 0
 };
 
@@ -414,6 +442,108 @@ double *zorvs_d_table_oneway(int n_observations, double x[], int n_intervals, ..
 float *zorvs_f_simple_statistics(int n_observations, int n_variables, float x[], ...);
 double *zorvs_d_simple_statistics(int n_observations, int n_variables, double x[], ...);
 /* @@end describe_stats */
+/* @@section describe_inference */
+/* Inference on one normal sample: returns a vector of 17 reals, allocated
+ * (the caller frees it) or the caller's with ZORVS_RETURN_USER.  After a
+ * FATAL or TERMINAL error: null, or the caller's array left unwritten.
+ *   0 count, 1 mean, 2 variance s^2, 3 standard deviation, 4 df = count - 1,
+ *   5, 6 confidence limits of the mean (Student's t),
+ *   7, 8 confidence limits of the variance, (n - 1) s^2 / chi2 quantiles,
+ *   9 t = (mean - mu0) / (s / sqrt(n)), 10 its two-sided p-value, 11 P(T <= t),
+ *     12 P(T >= t),
+ *   13 chi2 = (n - 1) s^2 / sigma0^2, 14 two-sided p (twice the smaller
+ *     tail, at most 1), 15 P(X <= chi2), 16 P(X >= chi2).
+ * Probabilities and quantiles are computed in double precision in both
+ * twins, each tail from its own formula (the incomplete beta ratio for t
+ * and F; the series and continued fraction of the incomplete gamma ratios,
+ * Numerical Recipes 6.2, for chi-squared), so that far tails keep their
+ * relative digits.
+ * NaN values of x are left out with the warning (3, 21100); fewer than 2
+ * values left is terminal (5, 21101).  Constant data leave cells 5, 6 and 9
+ * to 12 NaN with (3, 21102).
+ * Keywords: ZORVS_CONFIDENCE_MEANS, ZORVS_CONFIDENCE_VARIANCES (double, per
+ * cent, default 95; 0 or less leaves the limits NaN; 100 or more is (5,
+ * 11064), (5, 11065)) and their _ADR forms (real *);
+ * ZORVS_HYPOTHESIZED_MEAN (double mu0, default 0), ZORVS_HYPOTHESIZED_VARIANCE
+ * (double sigma0^2, default 1, positive, else (5, 21103));
+ * ZORVS_RETURN_USER (real[17]). */
+float *zorvs_f_normal_one_sample(int n_observations, float x[], ...);
+double *zorvs_d_normal_one_sample(int n_observations, double x[], ...);
+/* Inference on two independent normal samples: returns a vector of 30
+ * reals, with the same rules of storage, missing values (per sample,
+ * i2 = 1 or 2) and constant data as above.
+ *   0, 1 counts n1, n2, 2, 3 means, 4, 5 variances, 6 difference of means,
+ *   pooled variance: 7 pooled variance, 8 df = n1 + n2 - 2, 9, 10 limits of
+ *     the difference, 11 t = (difference - d0) / se, 12 two-sided p,
+ *     13 P(T <= t), 14 P(T >= t),
+ *   Welch: 15 Satterthwaite's df, 16, 17 limits, 18 t, 19 to 21 p as above,
+ *   variances: 22 F = (s1^2 / s2^2) / ratio0, 23, 24 df1 = n1 - 1,
+ *     df2 = n2 - 1, 25, 26 limits of the ratio s1^2 / s2^2 (F quantiles),
+ *     27 two-sided p, 28 P(F' <= F), 29 P(F' >= F).
+ * A zero variance leaves the F cells 22, 25 to 29 NaN with (3, 21102).
+ * Keywords: the confidence levels as above (means: the difference;
+ * variances: the ratio), ZORVS_HYPOTHESIZED_DIFFERENCE (double d0, default
+ * 0), ZORVS_HYPOTHESIZED_RATIO (double, default 1, positive),
+ * ZORVS_RETURN_USER (real[30]).
+ * References: Welch (1947), Biometrika 34; Satterthwaite (1946), Biometrics
+ * Bulletin 2; Snedecor and Cochran, Statistical Methods. */
+float *zorvs_f_normal_two_sample(int n_observations_1, float x1[], int n_observations_2, float x2[], ...);
+double *zorvs_d_normal_two_sample(int n_observations_1, double x1[], int n_observations_2, double x2[], ...);
+/* The n_variables x n_variables matrix of the columns of x (row-major,
+ * n_observations rows, leading dimension ZORVS_X_COL_DIM), row-major with
+ * leading dimension ZORVS_COV_COL_DIM: by default the variance-covariance
+ * matrix; with ZORVS_CORRECTED_SSCP the corrected sums of squares and
+ * crossproducts; with ZORVS_CORRELATION_MATRIX the correlations (at most
+ * one of the three, else (5, 11117)).  After a FATAL or TERMINAL error:
+ * null, or the caller's array left unwritten (the optional outputs too).
+ * Method: one pass of weighted updating (West 1979) per pair of variables
+ * on values less each variable's first value, so a large offset keeps its
+ * digits.  Frequencies repeat observations, weights are reliability
+ * weights: covariance = sum f w (x_j - m_j)(x_k - m_k) / ((W^2 - V) / W),
+ * W = sum f w, V = sum f w^2 (count - 1 without weights; the unbiased
+ * weighted covariance otherwise).
+ * Missing values (NaN): ZORVS_MISSING_LISTWISE (default) leaves out an
+ * observation with a NaN in any variable; ZORVS_MISSING_ELEMENTWISE uses
+ * for each pair the observations where both are present, with that pair's
+ * means and, for correlations, its standard deviations ("pairwise
+ * complete").  Either raises (3, 11062) or (3, 11288) when it left one out.
+ * Keywords: ZORVS_FREQUENCIES, ZORVS_WEIGHTS (real[n_observations]; NaN
+ * leaves the observation out, a negative one is (4, 11054), (4, 11056));
+ * ZORVS_POOLED_GROUPS (int n_groups, int groups[n_observations]: the
+ * matrix pooled within groups, sums of crossproducts and divisors added
+ * over the groups; a negative group leaves the observation out, one of
+ * n_groups or more is (5, 21107)); ZORVS_X_MEAN (real **) and
+ * ZORVS_X_MEAN_USER (real[n_groups * n_variables]): the means, per group,
+ * over each variable's observations used; ZORVS_PAIR_COUNTS (real **) and
+ * ZORVS_PAIR_COUNTS_USER (real[n_variables * n_variables]): the sum of
+ * frequencies of each pair's observations; ZORVS_RETURN_USER.
+ * Fewer than 2 weighted observations for every variable: (5, 21104).  A
+ * pair with fewer: NaN, (3, 21105); a constant variable: NaN correlations,
+ * (3, 21106). */
+float *zorvs_f_covariances(int n_observations, int n_variables, float x[], ...);
+double *zorvs_d_covariances(int n_observations, int n_variables, double x[], ...);
+/* @@end describe_inference */
+
+/* @@section describe_ranks */
+/* Ranks of x[0..n_observations-1], or their normal or exponential scores.
+ * A NaN is missing: its result is NaN, the others are ranked among
+ * themselves (m of them); all missing gives all NaN with the warning
+ * (3, 21200).  Values that differ by at most the fuzz from their sorted
+ * neighbour are tied (the fuzz chains; default 0).
+ * Tie rule, one of: ZORVS_AVERAGE_TIE (default: the mean of the tied
+ * places' scores), ZORVS_LOWEST, ZORVS_HIGHEST (the score of the lowest or
+ * highest tied place), ZORVS_RANDOM_SPLIT (the places in a random order
+ * drawn from the library's generator: a group of k ties draws k uniforms).
+ * Score of place r, one of: ZORVS_RANKS (default, r), ZORVS_BLOM_SCORES
+ * Phi^-1((r - 3/8)/(m + 1/4)), ZORVS_TUKEY_SCORES Phi^-1((r - 1/3)/(m + 1/3)),
+ * ZORVS_VAN_DER_WAERDEN_SCORES Phi^-1(r/(m + 1)), ZORVS_SAVAGE_SCORES
+ * sum_(j=m-r+1..m) 1/j, the expected exponential order statistic (not
+ * centred: subtract 1 for the centred Savage score).
+ * Other keywords: ZORVS_FUZZ (double), ZORVS_FUZZ_ADR (float *),
+ * ZORVS_RETURN_USER (float []).  The double twin takes double arrays. */
+float *zorvs_f_ranks(int n_observations, float x[], ...);
+double *zorvs_d_ranks(int n_observations, double x[], ...);
+/* @@end describe_ranks */
 /* @@section regress */
 /* Regressors of a general linear model from n_observations rows of n_class
  * class and n_cont continuous columns; returns the number of regressors.
@@ -484,6 +614,78 @@ typedef struct {
 float *zorvs_f_regression(int n_rows, int n_independent, float x[], float y[], ...);
 double *zorvs_d_regression(int n_rows, int n_independent, double x[], double y[], ...);
 /* @@end regress */
+/* @@section regress_summary */
+/* Inference on the coefficients of a fit from its record: t tests, variance
+ * inflation factors, covariances, the analysis of variance table.
+ * Keywords: ZORVS_COEF_T_TESTS (float **), ZORVS_COEF_T_TESTS_USER
+ * (float[]), ZORVS_COEF_T_TESTS_COL_DIM (int, default 4), ZORVS_COEF_VIF
+ * (float **), ZORVS_COEF_VIF_USER (float[]), ZORVS_COEF_COVARIANCES
+ * (float **), ZORVS_COEF_COVARIANCES_USER (float[]), ZORVS_COVB_COL_DIM
+ * (int), ZORVS_ANOVA_TABLE (float **), ZORVS_ANOVA_TABLE_USER (float[15]).
+ * The double twin takes double arrays and pointers. */
+void zorvs_f_regression_summary(zorvs_f_regression_info *regression_info, ...);
+void zorvs_d_regression_summary(zorvs_d_regression_info *regression_info, ...);
+
+/* Predicted values of n_predict row-major rows of x from the record, with
+ * intervals and, given the responses, the case statistics.  Keywords:
+ * ZORVS_Y (float[]), ZORVS_WEIGHTS (float[]), ZORVS_X_COL_DIM (int),
+ * ZORVS_CONFIDENCE (double, per cent), ZORVS_CONFIDENCE_ADR (float *);
+ * the interval pairs ZORVS_SCHEFFE_CI, ZORVS_CI_POP_MEAN, ZORVS_CI_NEW_SAMPLE
+ * (float **lower, float **upper) and their _USER forms (float[], float[]);
+ * ZORVS_RESIDUAL, ZORVS_STANDARDIZED_RESIDUAL, ZORVS_DELETED_RESIDUAL,
+ * ZORVS_COOKSD, ZORVS_DFFITS, ZORVS_LEVERAGE (float **) and their _USER forms
+ * (float[]); ZORVS_RETURN_USER (float[]). */
+float *zorvs_f_regression_prediction(zorvs_f_regression_info *regression_info, int n_predict, float x[], ...);
+double *zorvs_d_regression_prediction(zorvs_d_regression_info *regression_info, int n_predict, double x[], ...);
+/* @@end regress_summary */
+
+/* ------------------------------------------------------------------------ */
+/* Analysis of variance                                                     */
+/* ------------------------------------------------------------------------ */
+/* @@section anova */
+/* One-way analysis of variance of n_groups groups, the n[i] responses of
+ * group i after those of group i - 1 in y (NaN: missing); returns the
+ * p-value of the F test.  Keywords: ZORVS_ANOVA_TABLE (float **),
+ * ZORVS_ANOVA_TABLE_USER (float[15]), ZORVS_GROUP_COUNTS (int **),
+ * ZORVS_GROUP_COUNTS_USER (int[]), ZORVS_GROUP_MEANS (float **),
+ * ZORVS_GROUP_MEANS_USER (float[]), ZORVS_GROUP_STD_DEVS (float **),
+ * ZORVS_GROUP_STD_DEVS_USER (float[]), ZORVS_CONFIDENCE (double, per cent),
+ * ZORVS_CONFIDENCE_ADR (float *), and one of ZORVS_TUKEY, ZORVS_DUNN_SIDAK,
+ * ZORVS_BONFERRONI, ZORVS_SCHEFFE, ZORVS_ONE_AT_A_TIME (float **) or their
+ * _USER forms (float[n_groups (n_groups - 1) / 2 * 5]): rows (i, j,
+ * mean_i - mean_j, lower, upper), groups from 1.  The double twin takes
+ * double arrays and pointers. */
+float zorvs_f_anova_oneway(int n_groups, int n[], float y[], ...);
+double zorvs_d_anova_oneway(int n_groups, int n[], double y[], ...);
+/* Student-Newman-Keuls test on n_groups means with a common standard error
+ * of df degrees of freedom; returns n_groups - 1 ints, at sorted position i
+ * the number of consecutive sorted means from i found not to differ (0:
+ * none).  Keywords: ZORVS_ALPHA (double, 0.01 to 0.1, default 0.01),
+ * ZORVS_RETURN_USER (int[n_groups - 1]). */
+int *zorvs_f_multiple_comparisons(int n_groups, float means[], int df, float std_error, ...);
+int *zorvs_d_multiple_comparisons(int n_groups, double means[], int df, double std_error, ...);
+/* @@end anova */
+
+/* @@section categorical_tests */
+/* Sign test: the probability that at least the observed number of values
+ * lie above the percentile value under the binomial hypothesis.  Keywords:
+ * ZORVS_PERCENTAGE (double p), ZORVS_PERCENTAGE_ADR (float *p),
+ * ZORVS_PERCENTILE (double q), ZORVS_PERCENTILE_ADR (float *q),
+ * ZORVS_N_POSITIVE_DEVIATIONS (int *), ZORVS_N_ZERO_DEVIATIONS (int *). */
+float zorvs_f_sign_test(int n_observations, float x[], ...);
+double zorvs_d_sign_test(int n_observations, double x[], ...);
+/* Wilcoxon rank-sum test of two samples; returns the two-sided p-value of
+ * the normal approximation.  Keywords: ZORVS_FUZZ (double), ZORVS_FUZZ_ADR
+ * (float *), ZORVS_STAT (float **), ZORVS_STAT_USER (float stat[10]). */
+float zorvs_f_wilcoxon_rank_sum(int n1_observations, float x[], int n2_observations, float y[], ...);
+double zorvs_d_wilcoxon_rank_sum(int n1_observations, double x[], int n2_observations, double y[], ...);
+/* Normality test: Shapiro-Wilk W (default, 3 to 2000 observations) or
+ * Lilliefors (5 or more); returns the p-value.  Keywords: ZORVS_SHAPIRO_WILK
+ * (float *w), ZORVS_LILLIEFORS (float *max_difference). */
+float zorvs_f_normality_test(int n_observations, float x[], ...);
+double zorvs_d_normality_test(int n_observations, double x[], ...);
+/* @@end categorical_tests */
+
 /* @@section categorical_table */
 /* Two-way contingency table of n_rows x n_columns non-negative counts
  * (row-major); returns the p-value of Pearson's chi-squared test.
@@ -501,6 +703,27 @@ double *zorvs_d_regression(int n_rows, int n_independent, double x[], double y[]
 float zorvs_f_contingency_table(int n_rows, int n_columns, float table[], ...);
 double zorvs_d_contingency_table(int n_rows, int n_columns, double table[], ...);
 /* @@end categorical_table */
+
+/* @@section categorical_gof */
+/* Pearson's chi-squared goodness-of-fit test; returns the p-value, NaN
+ * after an error.  Cells are cut by the n_categories - 1 increasing
+ * ZORVS_CUTPOINTS c: (-inf, c_1], (c_1, c_2], ..., (c_(K-1), inf).  Expected
+ * counts N (F(c_k) - F(c_(k-1))) from the distribution function cdf (called
+ * once per cutpoint; its values must lie in [0, 1] and not decrease), or,
+ * with cdf null, the n_categories ZORVS_EXPECTED_GIVEN (float []) as given.
+ * X^2 = sum (O - E)^2 / E on n_categories - 1 - m degrees of freedom, m from
+ * ZORVS_N_PARAMETERS_ESTIMATED (int, default 0); p = 1 - F_chi2(X^2).
+ * Data: raw values x[0..n_observations-1] (default; NaN missing) with
+ * ZORVS_FREQUENCIES (float []), or with ZORVS_COUNTS the n_categories cell
+ * counts (n_observations = n_categories).  Outputs: ZORVS_CHI_SQUARED
+ * (int *df, float *chi_squared, float *p_value), ZORVS_EXPECTED (float **)
+ * and _USER, ZORVS_CHI_SQUARED_CONTRIBUTIONS (float **) and _USER,
+ * ZORVS_CELL_COUNTS (float **) and _USER, n_categories values each.
+ * Expected counts below 5: warning (3, 21229).  The double twin takes a
+ * double function and double arrays. */
+float zorvs_f_chi_squared_test(float (*cdf)(float), int n_categories, int n_observations, float x[], ...);
+double zorvs_d_chi_squared_test(double (*cdf)(double), int n_categories, int n_observations, double x[], ...);
+/* @@end categorical_gof */
 
 /* ------------------------------------------------------------------------ */
 /* Utilities: permutations                                                  */
@@ -591,6 +814,22 @@ typedef struct zorvs_arma_info {
 } zorvs_arma_info;
 float *zorvs_f_arma(int n_observations, float z[], int p, int q, ...);
 double *zorvs_d_arma(int n_observations, double z[], int p, int q, ...);
+/* Forecasts at leads 1..n_predict from the end of the series, with
+ * probability limits, from the record of zorvs_f_arma (ZORVS_ARMA_INFO).
+ * Returns an n_predict x 3 table, row-major: forecast, lower and upper
+ * limit.  zhat(h) = c + sum phi_i [z(n+h-l_i)] - sum theta_j [a(n+h-m_j)],
+ * with observations and the fit's residuals up to n, forecasts and 0 after
+ * (Box and Jenkins, chapter 5); limits zhat -/+ z_(1-alpha/2) sigma
+ * sqrt(sum_(k<h) psi_k^2) from the psi weights psi_0 = 1,
+ * psi_k = sum phi_i psi_(k-l_i) - theta(k).  The record of a moments
+ * estimate holds no residuals: with moving-average terms (5, 21242).  A
+ * null record (5, 21240), an inconsistent one (5, 21241).  Keywords:
+ * ZORVS_CONFIDENCE (double, per cent, default 95.0), ZORVS_PSI_WEIGHTS
+ * (float **) and _USER (float []: psi_0..psi_(n_predict-1)),
+ * ZORVS_RETURN_USER (float [3 n_predict]).  The double twin takes double
+ * arrays and pointers; both twins take the same record. */
+float *zorvs_f_arma_forecast(zorvs_arma_info *arma_info, int n_predict, ...);
+double *zorvs_d_arma_forecast(zorvs_arma_info *arma_info, int n_predict, ...);
 /* @@end series */
 
 #ifdef __cplusplus

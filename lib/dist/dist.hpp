@@ -9,6 +9,8 @@
 #ifndef ZORVS_DIST_DIST_HPP
 #define ZORVS_DIST_DIST_HPP
 
+#include <cmath>
+
 #include "dist/continuous.h"
 #include "dist/discrete.h"
 #include "dist/special.h"
@@ -57,6 +59,25 @@ inline constexpr Twins<zorvs_f_poisson_cdf, zorvs_d_poisson_cdf> poisson_cdf{};
 inline constexpr Twins<zorvs_f_binomial_cdf, zorvs_d_binomial_cdf> binomial_cdf{};
 inline constexpr Twins<zorvs_srdf, zorvs_dsrdf> srdf{};
 inline constexpr Twins<zorvs_srin, zorvs_dsrin> srin{};
+
+// The normal quantile to working accuracy, for callers that need more
+// than the rational approximation of normal_inverse_cdf (about 1e-7 in
+// both twins): lower = p and upper = 1 - p, each computed by the caller
+// where it is exact, so that the smaller tail is the one inverted.  Two
+// Newton steps on normal_cdf, whose lower tail has full relative accuracy,
+// take the approximation to working precision (the error squares at each).
+template <class T>
+T normal_quantile(T lower, T upper) {
+    const bool upper_tail = upper < lower;
+    const T p = upper_tail ? upper : lower;
+    T x = normal_inverse_cdf(p);
+    for (int step = 0; step < 2; ++step) {
+        const T density = std::exp(-x * x / 2) / std::sqrt(T(2) * T(3.14159265358979323846));
+        if (!(density > 0) || !std::isfinite(x)) break;
+        x -= (normal_cdf(x) - p) / density;
+    }
+    return upper_tail ? -x : x;
+}
 
 }  // namespace zorvs::dist
 

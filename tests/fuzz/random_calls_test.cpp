@@ -32,6 +32,11 @@ template <> struct Twin<float> {
     static constexpr auto beta = zorvs_f_random_beta;
     static constexpr auto table = zorvs_f_table_oneway;
     static constexpr auto statistics = zorvs_f_simple_statistics;
+    static constexpr auto one_sample = zorvs_f_normal_one_sample, two_sample = zorvs_f_normal_two_sample;
+    static constexpr auto covariances = zorvs_f_covariances;
+
+    static constexpr auto ranks = zorvs_f_ranks;
+    static constexpr auto chi_squared_test = zorvs_f_chi_squared_test;
     static constexpr auto write = zorvs_f_write_matrix;
     static constexpr auto install = zorvs_rnses;
     static constexpr auto poisson_cdf = zorvs_f_poisson_cdf;
@@ -46,6 +51,11 @@ template <> struct Twin<double> {
     static constexpr auto beta = zorvs_d_random_beta;
     static constexpr auto table = zorvs_d_table_oneway;
     static constexpr auto statistics = zorvs_d_simple_statistics;
+    static constexpr auto one_sample = zorvs_d_normal_one_sample, two_sample = zorvs_d_normal_two_sample;
+    static constexpr auto covariances = zorvs_d_covariances;
+
+    static constexpr auto ranks = zorvs_d_ranks;
+    static constexpr auto chi_squared_test = zorvs_d_chi_squared_test;
     static constexpr auto write = zorvs_d_write_matrix;
     static constexpr auto install = zorvs_drnses;
     static constexpr auto poisson_cdf = zorvs_d_poisson_cdf;
@@ -181,6 +191,39 @@ void one_call(Caller &c, int routine) {
             zorvs_write_options(0, &value);  // all options back to their defaults
             break;
         }
+        case 9: {  // normal samples and covariances: p-values in [0, 1], correlations in [-1, 1]
+            const int obs = std::min(keep, 20), vars = 1 + c.pick(3), col = c.pick(3) ? ZORVS_X_COL_DIM : 0;
+            const bool finite = std::all_of(data, data + 60, [](T v) { return std::isfinite(v); });
+            T *one = R::one_sample(obs, data, ZORVS_HYPOTHESIZED_VARIANCE, double(p), ZORVS_CONFIDENCE_VARIANCES, double(q), 0);
+            T *two = R::two_sample(obs, data, std::min(keep, 15), data + 20, ZORVS_HYPOTHESIZED_RATIO, double(q), 0);
+            T *cor = R::covariances(obs, vars, data, ZORVS_CORRELATION_MATRIX, c.pick(2) ? ZORVS_MISSING_ELEMENTWISE : 0,
+                                    ZORVS_WEIGHTS, data + 100, col, vars + c.pick(2), 0);
+            for (int k : {10, 11, 12, 14, 15, 16})
+                if (one) c.probability(one[k], !finite, "one-sample p");
+            for (int k : {12, 13, 14, 19, 20, 21, 27, 28, 29})
+                if (two) c.probability(two[k], !finite, "two-sample p");
+            std::free(one);
+            std::free(two);
+            c.check(cor, cor ? vars * vars : 0, [](T r) { return std::isnan(r) || std::fabs(r) <= 1; }, "correlation");
+            break;
+        }
+        case 10: {  // ranks with a tie rule, fuzz and score; goodness of fit of the data to their own cutpoints
+            static const int ties[] = {ZORVS_AVERAGE_TIE, ZORVS_LOWEST, ZORVS_HIGHEST, ZORVS_RANDOM_SPLIT};
+            static const int scores[] = {ZORVS_RANKS, ZORVS_BLOM_SCORES, ZORVS_SAVAGE_SCORES};
+            const int obs = std::min(keep, 100), score = c.pick(3);
+            const T top = score == 0 ? T(obs) : score == 1 ? T(10) : T(10 + std::log(double(obs) + 1));
+            c.check(R::ranks(obs, data, ties[c.pick(4)], scores[score], ZORVS_FUZZ, double(p), 0), obs,
+                    [&](T r) { return std::isnan(r) || (r >= -top && r <= top); }, "ranks");
+            std::sort(data + 100, data + 100 + 8);
+            auto cdf = +[](T x) { return T(0.5) + std::atan(x) / T(3.14159265358979); };
+            const int k = c.pick(10) - 1;
+            c.probability(c.pick(2) ? R::chi_squared_test(cdf, k, obs, data, ZORVS_CUTPOINTS, data + 100,
+                                                          ZORVS_N_PARAMETERS_ESTIMATED, c.pick(3), 0)
+                                    : R::chi_squared_test(nullptr, k, obs, data, ZORVS_CUTPOINTS, data + 100,
+                                                          ZORVS_EXPECTED_GIVEN, data + 150, 0),
+                          false, "chi_squared_test");
+            break;
+        }
         default: {  // discrete distributions, and the gamma one near its centre at any shape
             const int k = c.count(60), m = c.count(60), l = c.count(100);
             const T unit = static_cast<T>(c.unit()), a = static_cast<T>(std::pow(10.0, 40 * c.unit()));
@@ -201,7 +244,7 @@ TEST(RandomCalls, KeywordRoutinesAndDistributionsSurviveAnyArguments) {
     alarm(120);  // a call that hangs ends the process, and the test fails
     for (int call = 0; call < 30000; ++call) {
         c.log.clear();
-        const int routine = c.pick(9);
+        const int routine = c.pick(11);
         SCOPED_TRACE(::testing::Message() << "call " << call << ", routine " << routine);
         if (c.pick(2)) one_call<float>(c, routine);
         else one_call<double>(c, routine);

@@ -113,7 +113,8 @@ const std::vector<Row> rows = {
      [] { return all_of(zorvs_d_random_gamma(50, 1e12, 0), 50, [](double g) { return std::fabs(g - 1e12) < 1e7; }); }},
     {"random_poisson 1e33", 5, 11044, [] { return zorvs_random_poisson(1, 1e33f, 0) == nullptr; }},
     {"random_poisson infinite", 5, 11044, [] { return zorvs_random_poisson(1, INFINITY, 0) == nullptr; }},
-    {"gamma_cdf 1e30 1e30", 3, 9070, [] { return std::isnan(zorvs_d_gamma_cdf(1e30, 1e30)); }},
+    {"gamma_cdf 1e30 1e30", 0, 0,
+     [] { return std::fabs(zorvs_d_gamma_cdf(1e30, 1e30) - reference("d_gamma_cdf", 1e30, 1e30)) < 1e-15; }},
     // 4. Deviates past the largest int became INT_MIN.
     {"random_poisson 3e9", 5, 11044, [] { return zorvs_random_poisson(5, 3e9f, 0) == nullptr; }},
     {"random_poisson 2e9, served", 0, 0, [] {
@@ -155,7 +156,8 @@ const std::vector<Row> rows = {
          return zorvs_f_table_oneway(3, x, 2, ZORVS_CUTPOINTS, cut, 0) == nullptr;
      }},
     // 8. The continued fraction stopped far from its value at a huge shape.
-    {"gamma_cdf 1e16 1e16", 3, 9070, [] { return std::isnan(zorvs_d_gamma_cdf(1e16, 1e16)); }},
+    {"gamma_cdf 1e16 1e16", 0, 0,
+     [] { return std::fabs(zorvs_d_gamma_cdf(1e16, 1e16) - reference("d_gamma_cdf", 1e16, 1e16)) < 1e-15; }},
     {"gamma_cdf at the largest shapes served", 0, 0, [] {
          bool ok = true;
          for (double x : {1e8, 1e8 - 2e4, 1e8 + 2e4})

@@ -141,6 +141,12 @@ inline void expect_stops(const std::vector<Stop> &rows) {
     for (const Stop &s : rows) EXPECT_EXIT(s.call(), ::testing::ExitedWithCode(s.status), s.pattern);
 }
 
+// A reference table of doubles as a vector of the twin's type.
+template <class T, std::size_t N>
+std::vector<T> as(const double (&a)[N]) {
+    return std::vector<T>(a, a + N);
+}
+
 // The single (`single` true) or the double routine zorvs_f_name or
 // zorvs_d_name, called with the arguments, as a double.
 #define ZORVS_EITHER(single, name, ...)                                                            \

@@ -36,6 +36,7 @@
 #include "frame/frame.hpp"
 #include "frame/machine.h"
 #include "kernels/sort.hpp"
+#include "stat/describe/describe.hpp"
 #include "zorvstat.h"
 
 namespace {
@@ -202,22 +203,7 @@ void add_observation(Summary<T> &s, long i, T f, T w) {
 // the library's frequency reader.  Returns false if the row does not count.
 template <class T>
 bool row_frequency_and_weight(Summary<T> &s, long i, T &f, T &w) {
-    f = T(1);
-    w = T(1);
-    if (!s.frequencies && !s.weights) return true;
-    T row[2];
-    int ifrq = 0, iwt = 0, n = 0;
-    if (s.frequencies) {
-        row[n++] = s.frequencies[i];
-        ifrq = n;
-    }
-    if (s.weights) {
-        row[n++] = s.weights[i];
-        iwt = n;
-    }
-    int nmiss = 0, status = 0;
-    zorvs::check::c1wfr(1, static_cast<int>(i + 1), row, 1, 1, 1, ifrq, iwt, 0, &nmiss, &f, &w, &status);
-    if (status == 2) ++s.n_missing;
+    const int status = zorvs::describe::frequency_and_weight(s.frequencies, s.weights, i, f, w, &s.n_missing);
     if (status == 3) s.failed = true;
     return status == 0;
 }

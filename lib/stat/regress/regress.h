@@ -49,6 +49,48 @@ void zorvs_s1msq(const int *n, const float x[], const int *incx, const float *w,
 void zorvs_ds1msq(const int *n, const double x[], const int *incx, const double *w, double *sumwt, double xbar[],
                   const int *incxbar, double ss[], const int *incss);
 
+/* Sequential sums of squares of the regressors after the intercept, from
+ * the upper triangular R (np x np, leading dimension ldr) and the
+ * coefficients b: for regressor j, df[j] = 1.0 if R(j,j) > 0.0, else 0.0,
+ * and ss[j] = (row j of R times b)^2.  intcep is 1 with an intercept. */
+void zorvs_rsqss(int np, int intcep, const float r[], int ldr, const float b[], float df[], float ss[]);
+void zorvs_drsqss(int np, int intcep, const double r[], int ldr, const double b[], double df[], double ss[]);
+
+/* Summary of a fit from R, b, the degrees of freedom and sum of squares for
+ * error: the table aov (15), the inflation factors vif (np), the coefficient
+ * covariances cov (np x np, leading dimension ldcov, both triangles) and
+ * the standard errors se (np).  work holds 2 np reals. */
+void zorvs_rstat(int np, int intcep, const float r[], int ldr, const float b[], float dfe, float sse,
+                 float aov[], float vif[], float cov[], int ldcov, float se[], float work[]);
+void zorvs_drstat(int np, int intcep, const double r[], int ldr, const double b[], double dfe, double sse,
+                  double aov[], double vif[], double cov[], int ldcov, double se[], double work[]);
+
+/* t tests of the coefficients: row j of tt (row-major, leading dimension
+ * ldtt) is b[j], se[j], the t statistic and its two-sided p-value with dfe
+ * degrees of freedom; t and p are NaN if the mean square mse is NaN.
+ * Raises (5, 20423) for dfe below 0.0 and (5, 20424) for a negative se. */
+void zorvs_rcoef(int np, const float b[], const float se[], float dfe, float mse, float tt[], int ldtt);
+void zorvs_drcoef(int np, const double b[], const double se[], double dfe, double mse, double tt[], int ldtt);
+
+/* The case vector of one row (12 reals, see regression_prediction.cpp) from
+ * R, b, dfe and sse of a fit.  row holds the np - intcep regressors, the
+ * weight and the response; tmult is the t multiplier of the pointwise
+ * limits (NaN for none).  z (2 np reals) is work; *rank receives the rank. */
+void zorvs_r2ase(int np, int intcep, const float r[], int ldr, const float b[], float dfe, float sse,
+                 const float row[], float tmult, float cases[], float z[], int *rank);
+void zorvs_dr2ase(int np, int intcep, const double r[], int ldr, const double b[], double dfe, double sse,
+                  const double row[], double tmult, double cases[], double z[], int *rank);
+
+/* Leverage and case statistics (entries 3 to 7 of the case vector) of the
+ * model row xrow (np reals, 1.0 first with an intercept) of weight w and
+ * residual e.  z (np reals) receives the solution of R'z = xrow; *rank the
+ * count of columns that were not dropped.  Raises (3, 20050) for a row
+ * outside the estimation space, (3, 20051) and (3, 20052) as it clamps. */
+void zorvs_r2tin(int np, const float r[], int ldr, const float xrow[], float w, float e, float dfe, float sse,
+                 float z[], int *rank, float cases[]);
+void zorvs_dr2tin(int np, const double r[], int ldr, const double xrow[], double w, double e, double dfe,
+                  double sse, double z[], int *rank, double cases[]);
+
 #ifdef __cplusplus
 }
 #endif

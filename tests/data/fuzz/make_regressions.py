@@ -5,8 +5,8 @@ Run: /usr/bin/python3 make_regressions.py > regressions_ref.inc
 
 Each row: the routine and its arguments as the test calls it, and SciPy's
 value.  The gamma distribution function at the largest shapes its method
-serves (1e8 in double, 1e3 in single precision), and beyond, in the far tails
-whose values are 0 or 1 as rounded; the incomplete beta ratio and the
+served by its series (1e8 in double, 1e3 in single precision), and beyond,
+at the centre and in the far tails whose values are 0 or 1 as rounded; the incomplete beta ratio and the
 distribution functions built on it at a shape of 1e20.
 """
 import numpy as np
@@ -22,7 +22,8 @@ def add(name, args, value):
 f32 = lambda v: float(np.float32(v))
 # gamma_cdf(x, a) is P(a, x) = gammainc(a, x).
 for x, a in [(1e8, 1e8), (1e8 - 2e4, 1e8), (1e8 + 2e4, 1e8),
-             (1e16 + 1e9, 1e16), (1e16 - 4e9, 1e16), (1.0, 1e20)]:
+             (1e16 + 1e9, 1e16), (1e16 - 4e9, 1e16), (1.0, 1e20),
+             (1e16, 1e16), (1e30, 1e30)]:
     add("d_gamma_cdf", (x, a), special.gammainc(a, x))
 for x, a in [(1e3, 1e3), (1e3 - 30, 1e3), (1e3 + 30, 1e3)]:
     add("f_gamma_cdf", (f32(x), f32(a)), special.gammainc(f32(a), f32(x)))

@@ -25,11 +25,6 @@ struct Counting {
     std::vector<double> counts;
 };
 
-template <class T, std::size_t N>
-std::vector<T> as(const double (&a)[N]) {
-    return std::vector<T>(a, a + N);
-}
-
 TYPED_TEST(TableOnewayTwin, CountsAgreeWithRAndTheEdgeCases) {
     using T = TypeParam;
     const auto table = twin<T>(zorvs_f_table_oneway, zorvs_d_table_oneway);

@@ -6,7 +6,10 @@
 //   - the call returns, and x comes back as it was;
 //   - a null result (or a count of 0 with its message) goes with a message of
 //     type 4 or 5, and a result with none of them;
-//   - the count of regressors is the same with and without the matrix.
+//   - the count of regressors is the same with and without the matrix;
+//   - the summary and prediction of any record a fit returns give all their
+//     outputs or none, none with a message of type 4 or 5, and leverages of
+//     rows with a finite residual no larger than 1.
 // Under the sanitizer build these runs also look for reads and writes out of
 // bounds and for leaks on every path.
 #include <gtest/gtest.h>
@@ -147,6 +150,20 @@ TYPED_TEST(RegressFuzz, Regression) {
             EXPECT_LE(info->rows_missing, n) << run;
         }
         EXPECT_TRUE(same(x, before)) << run;
+        if (info) {  // the summary and prediction of whatever record came out
+            T *tests = nullptr, *vif = nullptr, *lev = nullptr, *del = nullptr, *lo = nullptr, *hi = nullptr;
+            codes.clear();
+            zorvs_test::summary<T>(info, ZORVS_COEF_T_TESTS, &tests, ZORVS_COEF_VIF, &vif, 0);
+            EXPECT_EQ(tests == nullptr || vif == nullptr, failed(codes)) << run;
+            codes.clear();
+            T *pred = zorvs_test::predict<T>(info, n, x.data(), ZORVS_X_COL_DIM, ld, ZORVS_Y, y.data(), ZORVS_WEIGHTS,
+                                             w.data(), ZORVS_LEVERAGE, &lev, ZORVS_DELETED_RESIDUAL, &del,
+                                             ZORVS_SCHEFFE_CI, &lo, &hi, ZORVS_CONFIDENCE, 90.0, 0);
+            EXPECT_EQ(pred == nullptr || lev == nullptr || lo == nullptr, failed(codes)) << run;
+            for (int i = 0; lev && pred && i < n; ++i)  // a residual known: clamped
+                EXPECT_FALSE(lev[i] > T(1) && std::isfinite(y[i] - pred[i])) << run;
+            for (T *p : {tests, vif, pred, lev, del, lo, hi}) std::free(p);
+        }
         for (void *p : {static_cast<void *>(b), static_cast<void *>(aov), static_cast<void *>(cov),
                         static_cast<void *>(means), static_cast<void *>(res), static_cast<void *>(info)})
             std::free(p);

@@ -20,12 +20,7 @@
 
 namespace {
 
-struct LmCase {
-    const char *name;
-    int n, nv, intercept;
-    bool weighted;
-    const double *x, *y, *w, *coef, *aov, *cov;
-};
+using zorvs_test::LmCase;
 #include "data/stat/regress/regression_exact_ref.inc"
 #include "data/stat/regress/regression_lm_ref.inc"
 
@@ -490,3 +485,28 @@ TEST(Regression, NegativeWeightStopsTheProcess) {
 }
 
 }  // namespace
+
+// The F test of a fit with 10^8 degrees of freedom for error (by
+// frequencies) has its p-value: the exact F ratio and its upper tail from
+// make_regression_exact.py.
+TEST(RegressionLargeDf, FTestHasItsPValue) {
+    Quiet quiet;
+    CodeLog codes;
+    double x[4], y[4], freq[4];
+    for (int i = 0; i < 4; ++i) {
+        x[i] = large_df_rows[3 * i];
+        y[i] = large_df_rows[3 * i + 1];
+        freq[i] = large_df_rows[3 * i + 2];
+    }
+    double *table = nullptr;
+    double *coef = zorvs_d_regression(4, 1, x, y, ZORVS_FREQUENCIES, freq, ZORVS_ANOVA_TABLE, &table, 0);
+    ASSERT_NE(coef, nullptr);
+    ASSERT_NE(table, nullptr);
+    EXPECT_EQ(table[1], 1e8);
+    EXPECT_LE(relative(table[8], large_df_F_p[0]), 1e-9);  // the sums of squares of 10^8 rows
+    // The p-value's condition in F is about 0.6, so it follows F's error.
+    EXPECT_LE(relative(table[9], large_df_F_p[1]), 1e-9);
+    EXPECT_FALSE(codes.has_code(9057));
+    std::free(coef);
+    std::free(table);
+}

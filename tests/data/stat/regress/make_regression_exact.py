@@ -74,3 +74,26 @@ for name, y in (("y1", y1), ("y4", y4)):
     coef, rss = solve(wx, y)
     emit("wampler_%s_coef" % name, coef)
     emit("wampler_%s_rss" % name, [rss])
+
+# A fit with 10^8 degrees of freedom for error, by frequencies: x = 0 with
+# y = -1, 1 and x = 1 with y = c - 1, c + 1 (c = 2^-12, all exact binary
+# numbers), each pair of rows with frequency f0 and f1, n = 2 f0 + 2 f1 =
+# 10^8 + 2.  Rows: x, y, frequency; then the exact F ratio and its upper tail
+# under F(1, 10^8), I_u(5e7, 1/2) with u = 1e8/(F + 1e8), from mpmath at 50
+# digits (its series converges for a shape of 1/2).
+import mpmath
+
+mpmath.mp.dps = 50
+c, f0, f1 = Fraction(1, 4096), 25000000, 25000001
+big = [(0, -1, f0), (0, 1, f0), (1, c - 1, f1), (1, c + 1, f1)]
+n = sum(r[2] for r in big)
+ybar = sum(r[1] * r[2] for r in big) / n
+mean = {0: Fraction(0), 1: c}
+sse = sum(r[2] * (r[1] - mean[r[0]]) ** 2 for r in big)
+sst = sum(r[2] * (r[1] - ybar) ** 2 for r in big)
+dfe = n - 2
+F = (sst - sse) / (sse / dfe)
+u = mpmath.mpf(dfe) / (mpmath.mpf(F.numerator) / F.denominator + dfe)
+p = mpmath.betainc(mpmath.mpf(dfe) / 2, mpmath.mpf(1) / 2, 0, u, regularized=True)
+emit("large_df_rows", [v for r in big for v in r])
+emit("large_df_F_p", [F, p])

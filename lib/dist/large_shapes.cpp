@@ -1,0 +1,407 @@
+// large_shapes.cpp - the incomplete beta ratio I_x(a, b) at large shapes, where
+// the sums of beta_incomplete.cpp grow with the shapes (and lose digits at
+// the rate of their length).  After DiDonato and Morris, "Algorithm 708:
+// significant digit computation of the incomplete beta function ratios",
+// ACM TOMS 18 (1992) 360-373, and the uniform expansions of Temme
+// ("Asymptotic inversion of the incomplete beta function", J. Comput. Appl.
+// Math. 41 (1992) 145-157; "Special functions", Wiley 1996, ch. 11):
+//
+//   both shapes at least 100, x within 3% of the smaller shape from the mean
+//       Temme's uniform expansion in the error function (their BASYM): the
+//       tail on x's side as erfc plus a series in 1/sqrt(min(a, b));
+//   both shapes at least 40, otherwise
+//       the continued fraction of the ratio (their BFRAC, DLMF 8.17.22 in
+//       their contracted form), which converges in a few dozen rounds away
+//       from the mean;
+//   one shape below 40
+//       with A the large shape, B the small one and w the argument on A's
+//       side, z = -(A + (B - 1)/2) log w is about gamma(B) distributed: for
+//       z >= B the tail I_w(A, B) is the expansion in incomplete gamma
+//       functions Q(B, z) (their BGRAT), and for z < B the other tail
+//       I_(1-w)(B, A) is the continued fraction.
+//
+// Every method gives the tail on its own side to its own relative accuracy,
+// and the other value is 1 minus it.  The leading factor x^a (1-x)^b / B(a, b)
+// is formed without the large logarithms that cancel: with lambda = a -
+// (a + b) x, the exponent is a log1pmx(-lambda/a) + b log1pmx(lambda/b)
+// (log1pmx(t) = log(1 + t) - t) and the gamma functions enter through the
+// corrections of Stirling's series only.  What is left, a rounding of about
+// eps lambda in the exponent, is that of x itself: the condition number of
+// the ratio in x is about lambda.
+#include <algorithm>
+#include <cmath>
+
+#include "dist/large_shapes.hpp"
+#include "dist/continuous_support.hpp"
+#include "dist/special_detail.hpp"
+
+namespace zorvs::continuous {
+
+double log1pmx(double t) {
+    if (std::fabs(t) > 0.5) return std::log1p(t) - t;
+    // log(1 + t) = 2 atanh(r) with r = t/(2 + t), |r| <= 1/3, and t - 2r = r t:
+    // log(1 + t) - t = r (2 r^2 (1/3 + r^2/5 + r^4/7 + ...) - t), with no
+    // cancellation; the terms kept are those above 1e-17 of the first
+    // (r^2 <= 1/9: 17 more).
+    const double r = t / (2 + t), r2 = r * r;
+    const int last = r2 < 1e-8 ? 2 : r2 < 1e-4 ? 4 : r2 < 1e-2 ? 8 : 17;
+    double s = 0;
+    for (int k = last; k >= 0; --k) s = s * r2 + 1.0 / (2 * k + 3);
+    return r * (2 * r2 * s - t);
+}
+
+}  // namespace zorvs::continuous
+
+namespace {
+
+namespace zc = zorvs::continuous;
+namespace zs = zorvs::special;
+
+constexpr double kPi = 3.14159265358979323846;
+constexpr double kEps = 0x1p-53;
+
+// The correction of Stirling's series, log gamma(x) - ((x - 1/2) log x - x +
+// log(2 pi)/2), for x >= 10.
+double stirling(double x) { return zs::r9lgmc_core<double>(x); }
+
+// a (log(ratio) - e) with ratio = 1 + e given separately, so that a ratio
+// far from 1 does not pass through e.
+double scaled_log1pmx(double a, double e, double ratio) {
+    return std::fabs(e) > 0.5 ? a * (std::log(ratio) - e) : a * zc::log1pmx(e);
+}
+
+// lambda = a - (a + b) x, from the smaller of x and y = 1 - x, with one
+// rounding where the product is exact in the fused form.
+double beta_lambda(double a, double b, double x, double y) {
+    const double n = a + b;
+    return x <= 0.5 ? std::fma(-n, x, a) : std::fma(n, y, -b);
+}
+
+// log(x^a y^b / B(a, b)) for a, b >= 10 and 0 < x < 1.
+double log_leading_both(double a, double b, double x, double y, double lambda) {
+    const double n = a + b;
+    const double e1 = -lambda / a, e2 = lambda / b;
+    const double expo = scaled_log1pmx(a, e1, x * n / a) + scaled_log1pmx(b, e2, y * n / b);
+    const double corr = stirling(a) + stirling(b) - stirling(n);
+    return expo + 0.5 * std::log(a * b / n) - 0.5 * std::log(2 * kPi) - corr;
+}
+
+// log(gamma(a + b) / gamma(a)) - b log(nu), nu = a + (b - 1)/2, for a >= 10
+// and a >= b: by Stirling's series, a log1pmx(b/a) - log1p(b/a)/2 +
+// b log1p((b + 1)/(2 nu)) plus the corrections, all of them small.
+double log_gamma_ratio_excess(double a, double b, double nu) {
+    const double t = b / a;
+    return a * zc::log1pmx(t) - 0.5 * std::log1p(t) + b * std::log1p((b + 1) / (2 * nu)) + stirling(a + b) -
+           stirling(a);
+}
+
+// log(x^a y^b / B(a, b)) for a >= 10, b small: b log(y (a + b)) + a log x
+// + log(gamma(a + b)/(gamma(a) (a + b)^b)) - log gamma(b).
+double log_leading_small(double a, double b, double x, double y) {
+    const double n = a + b, t = b / a;
+    const double lx = x > 0.5 ? std::log1p(-y) : std::log(x);
+    const double excess = a * zc::log1pmx(t) - 0.5 * std::log1p(t) + stirling(n) - stirling(a);
+    return b * std::log(y * n) + a * lx + excess - std::log(zs::gamma_core<double>(b));
+}
+
+double log_leading(double a, double b, double x, double y, double lambda) {
+    if (std::min(a, b) >= 10) return log_leading_both(a, b, x, y, lambda);
+    return a >= b ? log_leading_small(a, b, x, y) : log_leading_small(b, a, y, x);
+}
+
+// I_x(a, b) by the continued fraction, for x below the mean (lambda > 0):
+// the leading factor times the fraction in the form of DiDonato and Morris,
+// whose convergents are rescaled every round.
+double continued_fraction(double a, double b, double x, double y, double lambda) {
+    const double lead = log_leading(a, b, x, y, lambda);
+    if (lead < -745) return 0;
+    const double c = 1 + lambda, c0 = b / a, c1 = 1 + 1 / a, yp1 = y + 1;
+    double n = 0, p = 1, s = a + 1;
+    double an = 0, bn = 1, anp1 = 1, bnp1 = c / c1;
+    double r = c1 / c;
+    for (int round = 0; round < 10000; ++round) {
+        n += 1;
+        const double t = n / a, w = n * (b - n) * x;
+        double e = a / s;
+        const double alpha = (p * (p + c0) * e * e) * (w * x);
+        e = (1 + t) / (c1 + t + t);
+        const double beta = n + w / s + e * (c + n * yp1);
+        p = 1 + t;
+        s += 2;
+        double u = alpha * an + beta * anp1;
+        an = anp1;
+        anp1 = u;
+        u = alpha * bn + beta * bnp1;
+        bn = bnp1;
+        bnp1 = u;
+        const double r0 = r;
+        r = anp1 / bnp1;
+        if (std::fabs(r - r0) <= kEps * r) break;
+        an /= bnp1;
+        bn /= bnp1;
+        anp1 = r;
+        bnp1 = 1;
+    }
+    return std::exp(lead) * r;
+}
+
+// exp(z^2) erfc(z) for z >= 0, from the Chebyshev series of erfc, which
+// carry the factor exp(-z^2) outside beyond z = 1.
+double erfc_scaled(double z) {
+    if (z <= 1) {
+        bool underflow = false;
+        return std::exp(z * z) * zs::erfc_core<double>(z, &underflow);
+    }
+    const double z2 = z * z;
+    if (zs::lv_erfc_bounds<double>.nterf == 0) zs::erfc_first_use<double>();
+    const zs::ErfcBounds<double> &c = zs::lv_erfc_bounds<double>;
+    if (z2 <= 4)
+        return (0.5 + zs::clenshaw((8 / z2 - 5) / 3, zs::lv_erc2cs<double>.c, c.nterc2)) / z;
+    if (z > 1e8) return 1 / (z * zs::sqrtpi);
+    return (0.5 + zs::clenshaw(8 / z2 - 1, zs::lv_erfccs<double>.c, c.nterfc)) / z;
+}
+
+}  // namespace
+
+namespace {
+
+// The coefficients d_n of Temme's uniform expansion below, for h = min/max
+// of the shapes, r0 = 1/(1 + h) and r1 = (max - min)/(the shape that h
+// divides by): from the series a0 of the exponent in h, its powers b0, and
+// c, by the recurrences of DiDonato and Morris, two at a time.
+constexpr int kExpansionTerms = 20;
+struct ExpansionCoefficients {
+    double h, r0, r1, s = 1, hn = 1;
+    double a0[kExpansionTerms + 1] = {}, c[kExpansionTerms + 1] = {}, d[kExpansionTerms + 1] = {};
+    constexpr ExpansionCoefficients(double h_, double r0_, double r1_) : h(h_), r0(r0_), r1(r1_) {
+        a0[0] = r1 * (2.0 / 3.0);
+        c[0] = -0.5 * a0[0];
+        d[0] = -c[0];
+    }
+    // d[n - 1] and d[n], for even n from 2.
+    constexpr void extend(int n) {
+        hn *= h * h;
+        a0[n - 1] = 2 * r0 * (h * hn + 1) / (n + 2);
+        s += hn;
+        a0[n] = 2 * r1 * s / (n + 3);
+        double b0[kExpansionTerms + 1] = {};
+        for (int i = n; i <= n + 1; ++i) {
+            const double r = -0.5 * (i + 1);
+            b0[0] = r * a0[0];
+            for (int m = 2; m <= i; ++m) {
+                // Two partial sums, so that the additions do not wait on
+                // each other.
+                double even = 0, odd = 0;
+                int j = 1;
+                for (; j + 1 < m; j += 2) {
+                    even += (j * (r + 1) - m) * a0[j - 1] * b0[m - j - 1];
+                    odd += ((j + 1) * (r + 1) - m) * a0[j] * b0[m - j - 2];
+                }
+                if (j < m) even += (j * (r + 1) - m) * a0[j - 1] * b0[m - j - 1];
+                b0[m - 1] = r * a0[m - 1] + (even + odd) / m;
+            }
+            c[i - 1] = b0[i - 1] / (i + 1);
+            double dsum = 0;
+            for (int j = 1; j < i; ++j) dsum += d[i - j - 1] * c[j - 1];
+            d[i - 1] = -(dsum + c[i - 1]);
+        }
+    }
+};
+
+// The gamma limit (h = 0, r0 = 1, and r1 = 1 for the lower tail, where the
+// finite shape is the smaller, -1 for the upper): fixed numbers, worked out
+// at compile time.
+constexpr ExpansionCoefficients gamma_limit_coefficients(double r1) {
+    ExpansionCoefficients k(0, 1, r1);
+    for (int n = 2; n <= kExpansionTerms; n += 2) k.extend(n);
+    return k;
+}
+constexpr ExpansionCoefficients kGammaLimitLower = gamma_limit_coefficients(1);
+constexpr ExpansionCoefficients kGammaLimitUpper = gamma_limit_coefficients(-1);
+
+// Temme's uniform expansion for a, b >= 100 and 0 <= lambda small against
+// min(a, b): I_x(a, b) = (2/sqrt(pi)) e^-f u (J_0 + sum_n d_n w0^n J_n),
+// with f = -(a log1pmx(-lambda/a) + b log1pmx(lambda/b)), J_0 = sqrt(pi)/4
+// exp(f) erfc(sqrt f), the J_n by their two-step recurrence in z = sqrt(f/2),
+// w0 = 1/sqrt(min(a, b) (1 + h)), and u the Stirling corrections of B(a, b).
+// The sum takes at most 20 terms; `fixed` gives the coefficients where they
+// do not depend on the shapes (the gamma limit), else they are worked out as
+// far as the sum goes.
+double uniform_expansion(double a, double b, double lambda, const ExpansionCoefficients *fixed = nullptr) {
+    constexpr double two_over_sqrtpi = 1.1283791670955126;  // 2/sqrt(pi)
+    constexpr double inv_2sqrt2 = 0.35355339059327376;     // 2^-3/2
+    const double f = -(scaled_log1pmx(a, -lambda / a, 1 - lambda / a) + scaled_log1pmx(b, lambda / b, 1 + lambda / b));
+    const double t = std::exp(-f);
+    if (t == 0) return 0;
+    const double z0 = std::sqrt(f), z = 0.5 * z0 / inv_2sqrt2, z2 = f + f;
+    const double h = a < b ? a / b : b / a;
+    const double w0 = 1 / std::sqrt(std::min(a, b) * (1 + h));
+    ExpansionCoefficients own(h, 1 / (1 + h), a < b ? (b - a) / b : (b - a) / a);
+    const ExpansionCoefficients &k = fixed ? *fixed : own;
+    double j0 = 0.5 / two_over_sqrtpi * erfc_scaled(z0), j1 = inv_2sqrt2;
+    double sum = j0 + k.d[0] * w0 * j1;
+    double w = w0, znm1 = z, zn = z2;
+    for (int n = 2; n <= kExpansionTerms; n += 2) {
+        if (!fixed) own.extend(n);
+        j0 = inv_2sqrt2 * znm1 + (n - 1) * j0;
+        j1 = inv_2sqrt2 * zn + n * j1;
+        znm1 *= z2;
+        zn *= z2;
+        w *= w0;
+        const double t0 = k.d[n - 1] * w * j0;
+        w *= w0;
+        const double t1 = k.d[n] * w * j1;
+        sum += t0 + t1;
+        if (std::fabs(t0) + std::fabs(t1) <= kEps * sum) break;
+    }
+    const double u = std::exp(-(stirling(a) + stirling(b) - stirling(a + b)));
+    return two_over_sqrtpi * t * u * sum;
+}
+
+// Q(b, z) / (z^b e^-z / gamma(b)) for z >= b (log_r the log of the divisor,
+// used below b + 1 only, where b < 40): Legendre's
+// continued fraction of the upper incomplete gamma function (modified
+// Lentz) beyond b + 1, else 1/r minus the series of P.
+double gamma_upper_over_leading(double b, double z, double log_r) {
+    if (z >= b + 1) {
+        constexpr double tiny = 1e-300;
+        double bk = z + 1 - b, cl = 1 / tiny, dl = 1 / bk, f = dl;
+        for (int k = 1; k < 10000; ++k) {
+            const double ak = -k * (k - b);
+            bk += 2;
+            dl = bk + ak * dl;
+            if (std::fabs(dl) < tiny) dl = tiny;
+            cl = bk + ak / cl;
+            if (std::fabs(cl) < tiny) cl = tiny;
+            dl = 1 / dl;
+            const double delta = cl * dl;
+            f *= delta;
+            if (std::fabs(delta - 1) <= kEps) break;
+        }
+        return f;
+    }
+    double term = 1, series = 1;
+    for (int k = 1; k < 1000; ++k) {
+        term *= z / (b + k);
+        series += term;
+        if (term <= kEps * series) break;
+    }
+    return std::exp(-log_r) - series / b;
+}
+
+// I_w(A, B) for A large, B < 40 and z = -nu log w >= B (nu = A + (B-1)/2):
+// the expansion of DiDonato and Morris after Temme in the functions
+// J_n of incomplete gamma type,
+//   I_w(A, B) = gamma(A+B)/(gamma(A) nu^B) r (Q(B, z)/r + sum_n d_n J_n),
+// r = z^B e^-z / gamma(B), J_0 = Q/r and J_n by their recurrence in
+// v = 1/(4 nu^2) and (log w / 2)^2; at most 30 terms.
+double gamma_expansion(double A, double B, double w, double cw) {
+    constexpr int kTerms = 30;
+    const double bm1 = B - 1, nu = A + 0.5 * bm1;
+    const double lnw = w > 0.375 ? std::log1p(-cw) : std::log(w);
+    const double z = -nu * lnw;
+    const double log_r = B * std::log(z) - z - std::log(zs::gamma_core<double>(B));
+    const double factor = std::exp(log_r + log_gamma_ratio_excess(A, B, nu));
+    if (factor == 0) return 0;
+    const double v = 0.25 / (nu * nu), t2 = 0.25 * lnw * lnw;
+    double j = gamma_upper_over_leading(B, z, log_r), sum = j;
+    double t = 1, cn = 1, n2 = 0;
+    double c[kTerms], d[kTerms];
+    for (int n = 1; n <= kTerms; ++n) {
+        const double bp2n = B + n2;
+        j = (bp2n * (bp2n + 1) * j + (z + bp2n + 1) * t) * v;
+        n2 += 2;
+        t *= t2;
+        cn /= n2 * (n2 + 1);
+        c[n - 1] = cn;
+        double s = 0, coef = B - n;
+        for (int i = 1; i < n; ++i, coef += B) s += coef * c[i - 1] * d[n - 1 - i];
+        d[n - 1] = bm1 * cn + s / n;
+        const double dj = d[n - 1] * j;
+        sum += dj;
+        if (std::fabs(dj) <= kEps * sum) break;
+    }
+    return factor * sum;
+}
+
+}  // namespace
+
+namespace zorvs::continuous {
+
+double beta_ratio_large(double x, double cx, double a, double b, bool upper) {
+    if (x == 0 || cx == 0) return (x == 0) == upper ? 1.0 : 0.0;
+    double tail;        // one tail, to its own relative accuracy
+    bool tail_is_upper;  // 1 - I_x(a, b) rather than I_x(a, b)
+    if (std::min(a, b) < 40) {
+        const bool a_large = a >= b;
+        const double A = a_large ? a : b, B = a_large ? b : a;
+        const double w = a_large ? x : cx, cw = a_large ? cx : x;
+        const double nu = A + 0.5 * (B - 1);
+        const double z = -nu * (w > 0.375 ? std::log1p(-cw) : std::log(w));
+        if (z >= B) {
+            tail = gamma_expansion(A, B, w, cw);  // I_w(A, B)
+            tail_is_upper = !a_large;
+        } else {
+            tail = continued_fraction(B, A, cw, w, beta_lambda(B, A, cw, w));  // I_cw(B, A)
+            tail_is_upper = a_large;
+        }
+    } else {
+        double lambda = beta_lambda(a, b, x, cx);
+        tail_is_upper = lambda < 0;
+        const double p = tail_is_upper ? b : a, q = tail_is_upper ? a : b;
+        const double xp = tail_is_upper ? cx : x, yp = tail_is_upper ? x : cx;
+        lambda = std::fabs(lambda);
+        if (std::min(p, q) >= 100 && lambda <= 0.03 * std::min(p, q)) tail = uniform_expansion(p, q, lambda);
+        else tail = continued_fraction(p, q, xp, yp, lambda);
+    }
+    const double v = upper == tail_is_upper ? tail : 1 - tail;
+    return std::clamp(v, 0.0, 1.0);
+}
+
+}  // namespace zorvs::continuous
+
+namespace zorvs::continuous {
+
+// The regularised incomplete gamma ratio P(a, x), or with `upper` Q(a, x),
+// for a >= 100: the gamma distribution is the limit of the beta
+// distribution with b -> infinity and x/b for x, where lambda = a - x, so
+// that within 3% of a from the mean Temme's expansion above serves with
+// b = 1e200 (the beta terms of order a/b are far below the rounding), and
+// beyond, where the tails are tiny, the power series of P (x < a) or
+// Legendre's continued fraction of Q (x > a) converge in at most some
+// hundreds of rounds.  Their leading factor x^a e^-x / gamma(a + 1) is
+// exp(a log1pmx((x - a)/a) - stirling(a)) / sqrt(2 pi a), again without
+// cancelling logarithms.
+double gamma_ratio_large(double a, double x, bool upper) {
+    if (x == 0) return upper ? 1.0 : 0.0;
+    if (std::isinf(x)) return upper ? 0.0 : 1.0;
+    constexpr double kHuge = 1e200;
+    const double lambda = a - x;
+    double tail;
+    bool tail_is_upper = lambda < 0;
+    if (std::fabs(lambda) <= 0.03 * a) {
+        tail = tail_is_upper ? uniform_expansion(kHuge, a, -lambda, &kGammaLimitUpper)
+                             : uniform_expansion(a, kHuge, lambda, &kGammaLimitLower);
+    } else {
+        const double lead = scaled_log1pmx(a, -lambda / a, x / a) - stirling(a);
+        const double factor = std::exp(lead) / std::sqrt(2 * kPi * a);  // x^a e^-x / gamma(a + 1)
+        if (factor == 0) {
+            tail = 0;
+        } else if (!tail_is_upper) {
+            double term = 1, sum = 1;
+            for (int k = 1; k < 100000; ++k) {
+                term *= x / (a + k);
+                sum += term;
+                if (term <= kEps * sum) break;
+            }
+            tail = factor * sum;
+        } else {
+            // Q = x^a e^-x / gamma(a) * 1/(x + 1 - a - 1(1 - a)/(x + 3 - a - ...)).
+            tail = factor * a * gamma_upper_over_leading(a, x, 0.0);
+        }
+    }
+    const double v = upper == tail_is_upper ? tail : 1 - tail;
+    return std::clamp(v, 0.0, 1.0);
+}
+
+}  // namespace zorvs::continuous

@@ -1,0 +1,138 @@
+// arma_forecast_test.cpp - forecasts, probability limits and psi weights in
+// both twins, from the record of the least-squares fit with backcast length
+// 0, against predict(arima(method = "CSS")) at the same parameters
+// (tests/data/stat/series/arma_forecast_ref.inc, make_arma_forecast.R) on lh
+// and lynx; the refusals of bad records and arguments as rows.
+#include "support/tables.hpp"
+
+namespace {
+
+using namespace zorvs_test;
+
+#include "data/stat/series/arma_forecast_ref.inc"
+
+template <class T>
+class ArmaForecastTwin : public ::testing::Test {};
+TYPED_TEST_SUITE(ArmaForecastTwin, Reals);
+
+// A model of a series: the forecasts, limits and psi weights R gives at
+// the library's estimates, and the innovation variance of the record.
+struct Model {
+    const char *name;
+    std::vector<double> z;
+    int p, q;
+    const double *want, *psi;
+    double s2;
+};
+
+TYPED_TEST(ArmaForecastTwin, ForecastsLimitsAndPsiAgreeWithR) {
+    using T = TypeParam;
+    const bool single = std::is_same_v<T, float>;
+    const auto forecast = twin<T>(zorvs_f_arma_forecast, zorvs_d_arma_forecast);
+    // Both twins forecast from the record of the double fit, whose
+    // parameters R was given: the float twin's own fit stops about 1e-3
+    // away from them, which would hide the recursion.
+    const double tol_forecast = single ? 1e-5 : 1e-10, tol_limits = single ? 1e-5 : 1e-8;
+    Worst worst(std::string("forecasts and limits against R, ") + (single ? "float" : "double"));
+    const std::vector<double> lh(std::begin(forecast_lh), std::end(forecast_lh)),
+        lynx(std::begin(forecast_lynx), std::end(forecast_lynx));
+    const Model models[] = {
+        {"lh AR(1)", lh, 1, 0, lh_ar1_want, lh_ar1_psi, lh_ar1_s2},
+        {"lh ARMA(1,1)", lh, 1, 1, lh_arma11_want, lh_arma11_psi, lh_arma11_s2},
+        {"lh MA(1)", lh, 0, 1, lh_ma1_want, lh_ma1_psi, lh_ma1_s2},
+        {"lynx AR(2)", lynx, 2, 0, lynx_ar2_want, lynx_ar2_psi, lynx_ar2_s2},
+        {"lynx ARMA(2,1)", lynx, 2, 1, lynx_arma21_want, lynx_arma21_psi, lynx_arma21_s2},
+    };
+    Quiet quiet;  // the fits of lh MA(1) and lynx warn about their moment starts
+    const int h = forecast_n_ahead;
+    for (const Model &m : models) {
+        SCOPED_TRACE(m.name);
+        std::vector<double> z = m.z;
+        const bool own = z.size() > 100;  // lynx: blocks of the routine; lh: the caller's
+        std::vector<T> user(3 * h, T(-1)), psi_user(h);
+        void *info = nullptr;
+        double *est = zorvs_d_arma(int(z.size()), z.data(), m.p, m.q, ZORVS_LEAST_SQUARES, ZORVS_BACKCASTING, 0, 0.0,
+                                   ZORVS_ARMA_INFO, &info, 0);
+        ASSERT_TRUE(est && info);
+        auto *record = static_cast<zorvs_arma_info *>(info);
+        EXPECT_NEAR(record->innovation_variance, m.s2, 1e-12 * m.s2);
+        T *psi = nullptr;
+        T *f = own ? forecast(record, h, ZORVS_PSI_WEIGHTS, &psi, 0)
+                      : forecast(record, h, ZORVS_CONFIDENCE, 95.0, ZORVS_PSI_WEIGHTS_USER, psi_user.data(),
+                                 ZORVS_RETURN_USER, user.data(), 0);
+        ASSERT_NE(f, nullptr);
+        if (!own) psi = psi_user.data();
+        ASSERT_NE(psi, nullptr);
+        const double scale = std::fabs(m.want[0]);
+        for (int i = 0; i < 3 * h; ++i) {
+            const double e = std::fabs(f[i] - m.want[i]) / scale;
+            worst.add(e);
+            EXPECT_LE(e, i % 3 == 0 ? tol_forecast : tol_limits) << i << ": " << f[i] << " vs " << m.want[i];
+        }
+        for (int k = 0; k < h; ++k) EXPECT_NEAR(psi[k], m.psi[k], single ? 1e-6 : 1e-12) << k;
+        if (own) std::free(f), std::free(psi);
+        std::free(est), std::free(info);
+    }
+}
+
+// Refusals: a message from the catalogue, a null result, the caller's
+// storage and output addresses untouched.
+TYPED_TEST(ArmaForecastTwin, BadRecordsAndArgumentsAreRefused) {
+    using T = TypeParam;
+    const auto arma = twin<T>(zorvs_f_arma, zorvs_d_arma);
+    const auto forecast = twin<T>(zorvs_f_arma_forecast, zorvs_d_arma_forecast);
+    std::vector<T> z(std::begin(forecast_lh), std::end(forecast_lh)), user(6, T(42));
+    void *moments = nullptr, *lsq = nullptr, *failed = nullptr;
+    T *e1 = nullptr, *e2 = nullptr;
+    {
+        Quiet q;  // the fit of one observation fails and leaves its record unwritten
+        EXPECT_EQ(arma(1, z.data(), 1, 0, ZORVS_ARMA_INFO, &failed, 0), nullptr);
+        e1 = arma(int(z.size()), z.data(), 1, 1, ZORVS_ARMA_INFO, &moments, 0);
+        e2 = arma(int(z.size()), z.data(), 1, 1, ZORVS_LEAST_SQUARES, ZORVS_ARMA_INFO, &lsq, 0);
+    }
+    ASSERT_TRUE(moments && lsq);
+    auto *rec = static_cast<zorvs_arma_info *>(lsq);
+    zorvs_arma_info bad_order = *rec, bad_lag = *rec, bad_var = *rec, bad_res = *rec, bad_par = *rec;
+    bad_order.p = -1;
+    int lag_zero = 0;
+    bad_lag.ar_lags = &lag_zero;
+    bad_var.innovation_variance = NaN;
+    bad_res.n_last_residuals = 3;
+    double inf_phi = Inf;
+    bad_par.ar = &inf_phi;
+    T sentinel = 0, *psi = &sentinel;  // an output address the refusals leave alone
+    T *const psi_before = psi;
+    auto refused = [&](T *f) { return f == nullptr && psi == psi_before; };
+    auto untouched = [&] { return std::all_of(user.begin(), user.end(), [](T v) { return v == 42; }); };
+    expect_rows({
+        {ZORVS_CALL(refused(forecast(static_cast<zorvs_arma_info *>(failed), 3, ZORVS_PSI_WEIGHTS, &psi, 0))), 1, 5,
+         21240},
+        {ZORVS_CALL(refused(forecast(static_cast<zorvs_arma_info *>(moments), 3, 0))), 1, 5, 21242, "i1=1"},
+        {ZORVS_CALL(refused(forecast(&bad_order, 3, 0))), 1, 5, 21241, "l1=orders"},
+        {ZORVS_CALL(refused(forecast(&bad_lag, 3, 0))), 1, 5, 21241, "l1=lags"},
+        {ZORVS_CALL(refused(forecast(&bad_par, 3, 0))), 1, 5, 21241, "l1=parameters"},
+        {ZORVS_CALL(refused(forecast(&bad_var, 3, 0))), 1, 5, 21241, "l1=innovation_variance"},
+        {ZORVS_CALL(refused(forecast(&bad_res, 3, 0))), 1, 5, 21241, "l1=n_last_residuals"},
+        {ZORVS_CALL(refused(forecast(rec, 0, ZORVS_PSI_WEIGHTS, &psi, 0))), 1, 5, 603, "l1=n_predict"},
+        {ZORVS_CALL(refused(forecast(rec, 2, ZORVS_CONFIDENCE, 100.0, 0))), 1, 5, 20403},
+        {ZORVS_CALL(refused(forecast(rec, 2, 55555, 0))), 1, 5, 11001, "i1=55555 i2=3"},
+        {ZORVS_CALL(forecast(nullptr, 2, ZORVS_RETURN_USER, user.data(), 0) == user.data() && untouched()), 1, 5,
+         21240},
+        // a failed work array after the caller's table was taken
+        {ZORVS_CALL(zorvs::allocation_failure_countdown = 1), 1},
+        {ZORVS_CALL(forecast(rec, 2, ZORVS_RETURN_USER, user.data(), 0) == user.data() && untouched()), 1, 5, 201},
+        {ZORVS_CALL(zorvs::allocation_failure_countdown = 0), 0},
+    });
+    // a level below 50 is an immediate warning that keeps the forecasts;
+    // the level 0 gives limits equal to the forecasts
+    T *f = nullptr, *g = forecast(rec, 1, ZORVS_CONFIDENCE, 0.0, 0);
+    {
+        Quiet q;
+        f = forecast(rec, 2, ZORVS_CONFIDENCE, 40.0, 0);
+        EXPECT_EQ(zorvs_error_code(), 20404);
+    }
+    EXPECT_TRUE(f && f[1] < f[0] && g[1] == g[0] && g[2] == g[0]);
+    std::free(f), std::free(g), std::free(e1), std::free(e2), std::free(moments), std::free(lsq);
+}
+
+}  // namespace
