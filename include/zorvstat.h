@@ -712,7 +712,8 @@ double zorvs_d_contingency_table(int n_rows, int n_columns, double table[], ...)
  * once per cutpoint; its values must lie in [0, 1] and not decrease), or,
  * with cdf null, the n_categories ZORVS_EXPECTED_GIVEN (float []) as given.
  * X^2 = sum (O - E)^2 / E on n_categories - 1 - m degrees of freedom, m from
- * ZORVS_N_PARAMETERS_ESTIMATED (int, default 0); p = 1 - F_chi2(X^2).
+ * ZORVS_N_PARAMETERS_ESTIMATED (int, default 0); p = P(chi2 > X^2), the
+ * upper tail itself.
  * Data: raw values x[0..n_observations-1] (default; NaN missing) with
  * ZORVS_FREQUENCIES (float []), or with ZORVS_COUNTS the n_categories cell
  * counts (n_observations = n_categories).  Outputs: ZORVS_CHI_SQUARED
