@@ -544,6 +544,10 @@ double *zorvs_d_covariances(int n_observations, int n_variables, double x[], ...
 float *zorvs_f_ranks(int n_observations, float x[], ...);
 double *zorvs_d_ranks(int n_observations, double x[], ...);
 /* @@end describe_ranks */
+
+/* ------------------------------------------------------------------------ */
+/* Regression                                                               */
+/* ------------------------------------------------------------------------ */
 /* @@section regress */
 /* Regressors of a general linear model from n_observations rows of n_class
  * class and n_cont continuous columns; returns the number of regressors.
@@ -666,6 +670,9 @@ int *zorvs_f_multiple_comparisons(int n_groups, float means[], int df, float std
 int *zorvs_d_multiple_comparisons(int n_groups, double means[], int df, double std_error, ...);
 /* @@end anova */
 
+/* ------------------------------------------------------------------------ */
+/* Categorical data and tests                                               */
+/* ------------------------------------------------------------------------ */
 /* @@section categorical_tests */
 /* Sign test: the probability that at least the observed number of values
  * lie above the percentile value under the binomial hypothesis.  Keywords:
