@@ -544,6 +544,10 @@ double *zorvs_d_covariances(int n_observations, int n_variables, double x[], ...
 float *zorvs_f_ranks(int n_observations, float x[], ...);
 double *zorvs_d_ranks(int n_observations, double x[], ...);
 /* @@end describe_ranks */
+
+/* ------------------------------------------------------------------------ */
+/* Regression                                                               */
+/* ------------------------------------------------------------------------ */
 /* @@section regress */
 /* Regressors of a general linear model from n_observations rows of n_class
  * class and n_cont continuous columns; returns the number of regressors.
@@ -666,6 +670,9 @@ int *zorvs_f_multiple_comparisons(int n_groups, float means[], int df, float std
 int *zorvs_d_multiple_comparisons(int n_groups, double means[], int df, double std_error, ...);
 /* @@end anova */
 
+/* ------------------------------------------------------------------------ */
+/* Categorical data and tests                                               */
+/* ------------------------------------------------------------------------ */
 /* @@section categorical_tests */
 /* Sign test: the probability that at least the observed number of values
  * lie above the percentile value under the binomial hypothesis.  Keywords:
@@ -712,7 +719,8 @@ double zorvs_d_contingency_table(int n_rows, int n_columns, double table[], ...)
  * once per cutpoint; its values must lie in [0, 1] and not decrease), or,
  * with cdf null, the n_categories ZORVS_EXPECTED_GIVEN (float []) as given.
  * X^2 = sum (O - E)^2 / E on n_categories - 1 - m degrees of freedom, m from
- * ZORVS_N_PARAMETERS_ESTIMATED (int, default 0); p = 1 - F_chi2(X^2).
+ * ZORVS_N_PARAMETERS_ESTIMATED (int, default 0); p = P(chi2 > X^2), the
+ * upper tail itself.
  * Data: raw values x[0..n_observations-1] (default; NaN missing) with
  * ZORVS_FREQUENCIES (float []), or with ZORVS_COUNTS the n_categories cell
  * counts (n_observations = n_categories).  Outputs: ZORVS_CHI_SQUARED

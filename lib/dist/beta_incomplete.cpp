@@ -43,6 +43,11 @@
 // The infinite series ends once the rest, below the last term times
 // y/(1 - y), is negligible; the finite sum likewise once the bound of its
 // falling ratios makes the rest negligible.
+// Large shapes: where both orientations' sums would pass 1200 terms, and
+// for a small tail whose own sums would be that long, the methods made for
+// large shapes (large_shapes.cpp: Temme's uniform expansions and the
+// continued fraction after DiDonato and Morris) take over; everywhere else
+// the values are those of the sums.
 // The single twin sums in double precision and rounds the result.
 #include "dist/beta_incomplete.hpp"
 
@@ -366,8 +371,12 @@ T l_beta_ratio(T x, T cx, T a, T b, bool upper) {
     if (t < T(0.25)) {
         const T length = swapped ? keep() : exchange();
         bool resum;
+        // Below 1/64 a tail whose own sums would be too long to run comes
+        // from the large-shape methods where a shape is large enough for
+        // them; before, it was 1 minus the sum, with only absolute accuracy.
+        const bool large = length > T(kLargeSums) && std::max(a, b) > T(kLargeSums - 64);
         if (t < T(kLowTail)) {
-            resum = length <= T(kLongestSums);
+            resum = length <= T(kLongestSums) || large;
         } else {
             const bool want_s = swapped == upper;
             const T lead = a * std::fabs(std::log(x)) + b * std::fabs(std::log(cx));
@@ -377,7 +386,12 @@ T l_beta_ratio(T x, T cx, T a, T b, bool upper) {
             const T again = want_s ? t * et / s : et;
             resum = direct > 64 && 4 * again < direct && length <= T(direct > 1024 ? kLongestSums : kShortSums);
         }
-        if (resum) {
+        if (resum && large) {
+            // A tail whose own sums would be long comes from the large-shape
+            // methods: t is the upper tail unexchanged, I_x(a, b) exchanged.
+            t = static_cast<T>(zc::beta_ratio_large(x, cx, a, b, !swapped));
+            s = 1 - t;
+        } else if (resum) {
             bool again_too_long = false;
             const T t2 = swapped ? l_betai_sums(x, cx, a, b, &again_too_long) : l_betai_sums(cx, x, b, a, &again_too_long);
             if (!again_too_long) {

@@ -6,16 +6,22 @@
 // Loader's saddle-point form (C. Loader 2000, "Fast and accurate computation
 // of binomial probabilities"), the inner terms by the ratio
 // t_j / t_{j-1} = (n - j + 1) / j * p / q, with q = 1 - p.
+// From k = 1000 on, where that sum is long, P(X <= k) is the incomplete
+// beta ratio I_q(n - k, k + 1) for large shapes (large_shapes.cpp).
 #include <cmath>
 #include <limits>
 
 #include "dist/discrete.h"
 #include "dist/discrete_terms.hpp"
+#include "dist/large_shapes.hpp"
 #include "frame/frame.hpp"
 #include "frame/raise.hpp"
 #include "zorvstat.h"
 
 namespace {
+
+// Counts from which the distribution function is a beta ratio, not a sum.
+constexpr int kLongSum = 1000;
 
 template <class T>
 T l_binomial_cdf(int k, int n, T p_in) {
@@ -45,6 +51,7 @@ T l_binomial_cdf(int k, int n, T p_in) {
     if (p == 1) return T(0);
 
     const double q = 1.0 - p;  // exact for p >= 0.5 and rounded once below
+    if (k >= kLongSum) return static_cast<T>(zorvs::continuous::beta_ratio_large(q, p, n - k, k + 1.0, false));
     const double dn = n;
     const double odds = p / q, inverse_odds = q / p;
     using zorvs::discrete::log_binomial_term;

@@ -189,9 +189,16 @@ struct ExpansionCoefficients {
             const double r = -0.5 * (i + 1);
             b0[0] = r * a0[0];
             for (int m = 2; m <= i; ++m) {
-                double bsum = 0;
-                for (int j = 1; j < m; ++j) bsum += (j * r - (m - j)) * a0[j - 1] * b0[m - j - 1];
-                b0[m - 1] = r * a0[m - 1] + bsum / m;
+                // Two partial sums, so that the additions do not wait on
+                // each other.
+                double even = 0, odd = 0;
+                int j = 1;
+                for (; j + 1 < m; j += 2) {
+                    even += (j * (r + 1) - m) * a0[j - 1] * b0[m - j - 1];
+                    odd += ((j + 1) * (r + 1) - m) * a0[j] * b0[m - j - 2];
+                }
+                if (j < m) even += (j * (r + 1) - m) * a0[j - 1] * b0[m - j - 1];
+                b0[m - 1] = r * a0[m - 1] + (even + odd) / m;
             }
             c[i - 1] = b0[i - 1] / (i + 1);
             double dsum = 0;

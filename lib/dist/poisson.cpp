@@ -7,15 +7,21 @@
 // terms are exp(-theta) and Loader's saddle-point form of the term at k
 // (C. Loader 2000, "Fast and accurate computation of binomial
 // probabilities"); the inner terms follow by t_j = t_{j-1} theta / j.
+// From k = 1000 on, where that sum is long, P(X <= k) is the upper
+// incomplete gamma ratio Q(k + 1, theta) for large shapes (large_shapes.cpp).
 #include <cmath>
 
 #include "dist/discrete.h"
 #include "dist/discrete_terms.hpp"
+#include "dist/large_shapes.hpp"
 #include "frame/frame.hpp"
 #include "frame/raise.hpp"
 #include "zorvstat.h"
 
 namespace {
+
+// Counts from which the distribution function is a gamma ratio, not a sum.
+constexpr int kLongSum = 1000;
 
 template <class T>
 T l_poisson_cdf(int k, T theta_in) {
@@ -32,6 +38,7 @@ T l_poisson_cdf(int k, T theta_in) {
     if (theta <= static_cast<double>(zorvs::epsilon<T>())) return T(1);
     if (theta == zorvs::infinity<double>()) return T(0);
 
+    if (k >= kLongSum) return static_cast<T>(zorvs::continuous::gamma_ratio_large(k + 1.0, theta, true));
     using zorvs::discrete::log_poisson_term;
     zorvs::discrete::TwoEndedSum<T> summation;
     double s = summation.sum(

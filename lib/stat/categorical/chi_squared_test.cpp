@@ -7,8 +7,9 @@
 // E_k in K cells, X^2 = sum (O_k - E_k)^2 / E_k on K - 1 - m degrees of
 // freedom, m the number of parameters of the distribution estimated from
 // the data (Fisher 1924; exact when the estimates are those of the grouped
-// data), and the p-value 1 - F_chi2(X^2), F_chi2 the chi-squared
-// distribution function (zorvs::dist::chi_squared_cdf).
+// data), and the p-value P(chi2 > X^2), the upper tail of the incomplete
+// gamma ratio in double precision, so that a small p-value keeps its
+// relative accuracy.
 //
 // The cells are cut by the K - 1 increasing cutpoints c_1 < ... < c_(K-1):
 // cell 1 is (-inf, c_1], cell k (c_(k-1), c_k], cell K (c_(K-1), inf).  With
@@ -46,6 +47,7 @@
 #include <cstdarg>
 
 #include "dist/dist.hpp"
+#include "dist/tails.hpp"
 #include "frame/checks.h"
 #include "frame/frame.hpp"
 #include "frame/machine.h"
@@ -233,7 +235,9 @@ void l_chi_squared_test(Cdf<T> cdf, int n_categories, int n_observations, const 
         chi2 += c;
         if (T *out = contributions_out.data()) out[i] = c;
     }
-    const T p = 1 - zorvs::dist::chi_squared_cdf(chi2, static_cast<T>(df));
+    double below, above;
+    zorvs::dist::chi_squared_tails(double(chi2), double(df), below, above);
+    const T p = static_cast<T>(above);
     if (T *out = expected_out.data()) std::copy(expected, expected + k, out);
     if (T *out = counts_out.data()) std::copy(observed, observed + k, out);
     if (df_out) *df_out = df;

@@ -53,16 +53,17 @@
 // - A NaN count is refused as a negative one is ((5, 11140), r1 the NaN); an
 //   infinite count passes the checks and makes the results NaN.
 // - The checks (dimensions, counts, margins) and every allocation come before
-//   anything is written: after a message of type 4 or 5 no output, caller's
-//   storage included, has been touched, the addresses given with the
-//   allocating keywords are left as the caller had them, and the result is 0.
+//   the computation (l_ctchi) and before anything is written: after a
+//   message of type 4 or 5 no output, caller's storage included, has been
+//   touched, the addresses given with the allocating keywords are left as
+//   the caller had them, and the result is 0.
 // - A zero divisor of a standardised value leaves columns 3 and 4 of the row
 //   missing.  The null standard error of kappa, sqrt(pe / (N (1 - pe))), is
 //   positive whenever the margins are, so (6, 11135) is not reached by a
 //   table that passes the checks.
 // - P-values are 1 minus the distribution function, so they have an absolute
-//   and not a relative accuracy: a p-value below about 1e-16 (1e-7 in single
-//   precision) comes out as 0 or as a rounding error.
+//   and not a relative accuracy: a p-value below about 1e-16 comes out as 0
+//   or as a rounding error.
 // - The exact two-sided binomial p-value of the sign form is 2 F(a) when the
 //   binomial distribution function F at a (nearest integer) is at most 0.5,
 //   else 2 (1 - F(a)); with fractional counts the nearest integers of a and
@@ -263,6 +264,8 @@ int first_max(int n, const T *x, int inc) {
 // Work arrays of the measures.
 template <class T>
 struct Work {
+    T *p;           // r x c: the proportions T / N
+    T *pr, *pc;     // their margins
     T *cc, *dd;     // r x c: concordant and discordant sums
     T *ri, *cj;     // centred midranks of the rows and the columns
     T *gi, *hj;     // the row and column parts of Spearman's v
@@ -630,6 +633,31 @@ void l_standardise(T *s) {
     }
 }
 
+// The computation on a checked table with its totals: chi (10 reals), the
+// expected and contributions tables e and q, and, unless s is null, the
+// 23 x 5 statistics s with the chi-squared based measures.
+template <class T>
+void l_ctchi(const Cells<T> &t, const T *row, const T *col, T n, T *e, T *q, T *chi, T *s, const Work<T> &w) {
+    const int r = t.r, c = t.c;
+    for (int k = 0; k < 10; ++k) chi[k] = zorvs::missing<T>();
+    l_chi_squared_block(t, row, col, n, e, q, chi, s != nullptr);
+    if (!s) return;
+    for (int k = 0; k < n_measures * n_columns_of_measures; ++k) s[k] = zorvs::missing<T>();
+    // Proportions and their margins: the counts divided by N.
+    for (int i = 0; i < r; ++i)
+        for (int j = 0; j < c; ++j) w.p[static_cast<long>(i) * c + j] = t(i, j) / n;
+    for (int i = 0; i < r; ++i) w.pr[i] = row[i] / n;
+    for (int j = 0; j < c; ++j) w.pc[j] = col[j] / n;
+    l_scale_free_measures(Cells<T>{w.p, r, c}, w.pr, w.pc, w, s);
+    // Standard errors of the proportions' measures scale as 1/sqrt(N).
+    const T root_n = std::sqrt(n);
+    for (int k = 0; k < n_measures; ++k)
+        if (k <= 17 || k == 20)
+            for (int col_ = 1; col_ <= 2; ++col_) s[k * n_columns_of_measures + col_] /= root_n;
+    l_count_measures(t, row, col, n, w.acc, s);
+    l_standardise(s);
+}
+
 template <class T>
 void l_contingency_table(int n_rows, int n_columns, T *table, va_list *list) {
     zorvs::KeywordReader kw(list, 3);
@@ -705,12 +733,12 @@ void l_contingency_table(int n_rows, int n_columns, T *table, va_list *list) {
     W *q = e ? storage(contributions, r + 1, "n_rows", c + 1, "n_columns") : nullptr;
     W *chi = q ? zorvs::workspace<W>(10) : nullptr;
     if (!chi) return;
-    W *s = nullptr, *p = nullptr, *pr = nullptr, *pc = nullptr;
+    W *s = nullptr;
     Work<W> w{};
     if (association) {
         s = storage(statistics, n_measures, "n_statistics", n_columns_of_measures, "n_statistic_columns");
-        p = s ? zorvs::workspace<W>(r, "n_rows", c, "n_columns") : nullptr;
-        w.cc = p ? zorvs::workspace<W>(r, "n_rows", c, "n_columns") : nullptr;
+        w.p = s ? zorvs::workspace<W>(r, "n_rows", c, "n_columns") : nullptr;
+        w.cc = w.p ? zorvs::workspace<W>(r, "n_rows", c, "n_columns") : nullptr;
         w.dd = w.cc ? zorvs::workspace<W>(r, "n_rows", c, "n_columns") : nullptr;
         W *reals = w.dd ? zorvs::workspace<W>(4 * r + 4 * c + most) : nullptr;
         w.amax = reals ? zorvs::workspace<int>(r + c) : nullptr;
@@ -721,30 +749,13 @@ void l_contingency_table(int n_rows, int n_columns, T *table, va_list *list) {
         w.gi = w.cj + c;
         w.hj = w.gi + r;
         w.acc = w.hj + c;
-        pr = w.acc + most;
-        pc = pr + r;
-        w.log_pr = pc + c;
+        w.pr = w.acc + most;
+        w.pc = w.pr + r;
+        w.log_pr = w.pc + c;
         w.log_pc = w.log_pr + r;
     }
 
-    for (int k = 0; k < 10; ++k) chi[k] = zorvs::missing<W>();
-    l_chi_squared_block(t, row, col, n, e, q, chi, association);
-    if (association) {
-        for (int k = 0; k < n_measures * n_columns_of_measures; ++k) s[k] = zorvs::missing<W>();
-        // Proportions and their margins: the counts divided by N.
-        for (int i = 0; i < r; ++i)
-            for (int j = 0; j < c; ++j) p[static_cast<long>(i) * c + j] = t(i, j) / n;
-        for (int i = 0; i < r; ++i) pr[i] = row[i] / n;
-        for (int j = 0; j < c; ++j) pc[j] = col[j] / n;
-        l_scale_free_measures(Cells<W>{p, r, c}, pr, pc, w, s);
-        // Standard errors of the proportions' measures scale as 1/sqrt(N).
-        const W root_n = std::sqrt(n);
-        for (int k = 0; k < n_measures; ++k)
-            if (k <= 17 || k == 20)
-                for (int col_ = 1; col_ <= 2; ++col_) s[k * n_columns_of_measures + col_] /= root_n;
-        l_count_measures(t, row, col, n, w.acc, s);
-        l_standardise(s);
-    }
+    l_ctchi(t, row, col, n, e, q, chi, s, w);
     if (zorvs_error_n1rty[0] > 3) return;
     if constexpr (!wide) {
         auto round = [](const W *from, T *to, long count) {

@@ -8,30 +8,9 @@
 
 namespace zorvs::describe {
 
-// Frequency f and weight w of observation i (from 0) by the library's
-// frequency reader: 1.0 for an array not given.  Returns the reader's
-// status: 0 use the observation, 1 zero frequency (skip silently), 2 a
-// missing frequency or weight (skip, and counted in *n_missing), 3 a
-// negative one, raised as (4, 11054) or (4, 11056) with i1 = i + 1.
-template <class T>
-int frequency_and_weight(const T *frequencies, const T *weights, long i, T &f, T &w, int *n_missing) {
-    f = T(1);
-    w = T(1);
-    if (!frequencies && !weights) return 0;
-    T row[2];
-    int ifrq = 0, iwt = 0, n = 0, nmiss = 0, status = 0;
-    if (frequencies) {
-        row[n++] = frequencies[i];
-        ifrq = n;
-    }
-    if (weights) {
-        row[n++] = weights[i];
-        iwt = n;
-    }
-    zorvs::check::c1wfr(1, static_cast<int>(i + 1), row, 1, 1, 1, ifrq, iwt, 0, &nmiss, &f, &w, &status);
-    if (status == 2 && n_missing) ++*n_missing;
-    return status;
-}
+// The frequency and weight of one observation: zorvs::check::
+// frequency_and_weight (frame/checks.hpp).
+using zorvs::check::frequency_and_weight;
 
 // Running sums of two variables a and b over the observations where both
 // are present: the frequency count, the weight total W = sum f*w and

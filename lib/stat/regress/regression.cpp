@@ -210,18 +210,8 @@ template <class T>
 __attribute__((always_inline)) inline void weighted_rows(zorvs::GivensFit<T> &f, long n, const T *x, long ldx, const T *y, const T *freq, const T *wt,
                    long first_row) {
     for (long i = 0; i < n; ++i) {
-        T fw[2];
-        int nfw = 0, ifrq = 0, iwt = 0, status = 0, nmiss = 0;
-        if (freq) {
-            fw[nfw++] = freq[i];
-            ifrq = nfw;
-        }
-        if (wt) {
-            fw[nfw++] = wt[i];
-            iwt = nfw;
-        }
-        T fi = T(1), wi = T(1);
-        zorvs::check::c1wfr(1, static_cast<int>(first_row + i + 1), fw, 1, 1, 1, ifrq, iwt, 0, &nmiss, &fi, &wi, &status);
+        T fi, wi;
+        const int status = zorvs::check::frequency_and_weight(freq, wt, i, fi, wi, nullptr, first_row);
         if (status == 3) {
             f.stopped = true;
             return;
