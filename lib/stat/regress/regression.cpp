@@ -37,6 +37,9 @@
 //    ZORVS_COV_COL_DIM below the number of parameters with (5, 601).
 //  - The p-value of F, 1 - F(f), is summed as the upper tail itself, so that
 //    a small p-value keeps its relative accuracy.
+//  - Frequencies below 1.0 that sum to less than the rank leave df_error
+//    negative: (6, 11049) as for none, the record keeps the value, and the
+//    analysis of variance table shows 0.0 error degrees of freedom.
 
 #include <cmath>
 #include <cstdarg>
@@ -655,7 +658,11 @@ void l_regression(int n_rows, int n_independent, T *x, T *y, va_list *list) {
         }
         const int dfr = fit.rank - fit.intercept > 0 ? fit.rank - fit.intercept : 0;
         for (int k = 0; k < 15; ++k) anova.storage[k] = nan;
-        zorvs::regress::g1aov(static_cast<T>(dfr), fit.df_error, fit.sse, fit.total_ss, m, anova.storage);
+        // Frequencies below 1.0 can sum to less than the rank, which leaves
+        // df_error negative: no variance can be estimated, as with none, so
+        // the table shows 0.0 error degrees of freedom (with (6, 11049)).
+        const T dfe = fit.df_error > T(0) ? fit.df_error : T(0);
+        zorvs::regress::g1aov(static_cast<T>(dfr), dfe, fit.sse, fit.total_ss, m, anova.storage);
         anova.deliver(worker_ok());
     }
     if (means.wanted() && means.acquire(nv, 11041)) {

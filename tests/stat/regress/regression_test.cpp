@@ -247,15 +247,15 @@ TEST(Regression, RecordHoldsTheFactorAndTheSummaries) {
 // Edge cases of the fit, each with its outcome, as rows on the last fit b:
 // an exact fit (error sum of squares 0, F infinite and p-value 0 when it is
 // exactly 0); constant y (sum of squares exactly 0); a constant column with
-// an intercept (dropped); as many rows as parameters, and all rows missing
-// (no degrees of freedom); a missing frequency (the row counted missing);
+// an intercept (dropped); as many rows as parameters, frequencies summing
+// to less than the rank, and all rows missing (no degrees of freedom); a missing frequency (the row counted missing);
 // residuals NaN where the row has a NaN.
 TYPED_TEST(RegressionTwin, EdgeCases) {
     using T = TypeParam;
     const T nan = std::numeric_limits<T>::quiet_NaN(), inf = std::numeric_limits<T>::infinity();
     T x[] = {1, 2, 3, 4, 5}, y[] = {3, 5, 7, 9, 11}, yc[] = {0.3f, 0.3f, 0.3f, 0.3f, 0.3f};
     T xk[] = {1, 7, 2, 7, 3, 7, 4, 7, 5, 7}, y2[] = {1, 4}, xn[] = {nan, nan, nan}, xr[] = {1, 2, nan, 4, 5};
-    T fn[] = {1, nan, 1, 2, 1};
+    T fn[] = {1, nan, 1, 2, 1}, half[] = {0.5, 0.5};
     T aov[15], res[5], *b = nullptr;
     Info<T> *info = nullptr;
     int rank = 0;
@@ -270,6 +270,9 @@ TYPED_TEST(RegressionTwin, EdgeCases) {
         {ZORVS_CALL(fitted(fit<T>(5, 2, xk, y, ZORVS_RANK, &rank, 0)) && b[2] == 0 && rank == 2), 1, 3, 11047},
         {ZORVS_CALL(b[1]), 2, -1, 0, "", 1e-5},
         {ZORVS_CALL(fitted(fit<T>(2, 1, x, y2, 0))), -2, 6, 11049, "", 1e-5},
+        // frequencies summing to less than the rank: df_error negative, the table's 0
+        {ZORVS_CALL((fitted(fit<T>(2, 1, x, y2, ZORVS_FREQUENCIES, half, ZORVS_ANOVA_TABLE_USER, aov, 0)), aov[1])), 0,
+         6, 11049},
         {ZORVS_CALL(b[1]), 3, -1, 0, "", 1e-5},
         {ZORVS_CALL((log.clear(), fitted(fit<T>(3, 1, xn, y, ZORVS_REGRESSION_INFO, &info, 0)), log.has(6, 11049))), 1, -1},
         {ZORVS_CALL(info->rows_missing == 3 && info->df_error == 0 && std::isnan(*info->x_min)), 1, -1},
