@@ -185,6 +185,21 @@ void one_call(Caller &c, int routine) {
                           false, "chi_squared_test");
             break;
         }
+        case 11: {  // sign, rank-sum and normality tests: p-values in [0, 1], W in [0, 1]
+            const int obs = std::min(keep, 100);
+            T w = 0, d = 0;
+            c.probability(R(sign_test)(given, data, ZORVS_PERCENTAGE, double(c.unit()), ZORVS_PERCENTILE, double(p), 0),
+                          false, "sign_test");
+            c.probability(R(wilcoxon_rank_sum)(obs, data, std::min(keep, 90), data + 100, ZORVS_FUZZ, double(q), 0),
+                          false, "wilcoxon_rank_sum");
+            c.probability(c.pick(2) ? R(normality_test)(obs, data, ZORVS_SHAPIRO_WILK, &w, 0)
+                                    : R(normality_test)(obs, data, ZORVS_LILLIEFORS, &d, 0),
+                          false, "normality_test");
+            if (!(w >= 0 && w <= 1)) {
+                EXPECT_TRUE(std::isnan(w) || c.highest() >= 3) << "W = " << w;
+            }
+            break;
+        }
         default: {  // discrete distributions, and the gamma one near its centre at any shape
             const int k = c.count(60), m = c.count(60), l = c.count(100);
             const T unit = static_cast<T>(c.unit()), a = static_cast<T>(std::pow(10.0, 40 * c.unit()));
@@ -205,7 +220,7 @@ TEST(RandomCalls, KeywordRoutinesAndDistributionsSurviveAnyArguments) {
     alarm(120);  // a call that hangs ends the process, and the test fails
     for (int call = 0; call < 30000; ++call) {
         c.log.clear();
-        const int routine = c.pick(11);
+        const int routine = c.pick(12);
         SCOPED_TRACE(::testing::Message() << "call " << call << ", routine " << routine);
         if (c.pick(2)) one_call<float>(c, routine);
         else one_call<double>(c, routine);
