@@ -464,8 +464,9 @@ double *zorvs_d_simple_statistics(int n_observations, int n_variables, double x[
  * Keywords: ZORVS_CONFIDENCE_MEANS, ZORVS_CONFIDENCE_VARIANCES (double, per
  * cent, default 95; 0 or less leaves the limits NaN; 100 or more is (5,
  * 11064), (5, 11065)) and their _ADR forms (real *);
- * ZORVS_HYPOTHESIZED_MEAN (double mu0, default 0), ZORVS_HYPOTHESIZED_VARIANCE
- * (double sigma0^2, default 1, positive, else (5, 21103));
+ * ZORVS_HYPOTHESIZED_MEAN (double mu0, default 0, finite, else (5, 21108)),
+ * ZORVS_HYPOTHESIZED_VARIANCE (double sigma0^2, default 1, positive, else
+ * (5, 21103));
  * ZORVS_RETURN_USER (real[17]). */
 float *zorvs_f_normal_one_sample(int n_observations, float x[], ...);
 double *zorvs_d_normal_one_sample(int n_observations, double x[], ...);
@@ -483,7 +484,7 @@ double *zorvs_d_normal_one_sample(int n_observations, double x[], ...);
  * A zero variance leaves the F cells 22, 25 to 29 NaN with (3, 21102).
  * Keywords: the confidence levels as above (means: the difference;
  * variances: the ratio), ZORVS_HYPOTHESIZED_DIFFERENCE (double d0, default
- * 0), ZORVS_HYPOTHESIZED_RATIO (double, default 1, positive),
+ * 0, finite), ZORVS_HYPOTHESIZED_RATIO (double, default 1, positive),
  * ZORVS_RETURN_USER (real[30]).
  * References: Welch (1947), Biometrika 34; Satterthwaite (1946), Biometrics
  * Bulletin 2; Snedecor and Cochran, Statistical Methods. */

@@ -140,6 +140,15 @@ void check_positive(T value, const char *keyword) {
         zorvs::raise(5, 21103, value);
     }
 }
+// A hypothesised mean or difference must be finite: (5, 21108), l1 = the
+// keyword, r1 = the value.
+template <class T>
+void check_finite(T value, const char *keyword) {
+    if (!std::isfinite(value)) {
+        zorvs_e1stl(1, keyword);
+        zorvs::raise(5, 21108, value);
+    }
+}
 
 // Reads a level by value or by address.
 template <class T>
@@ -203,6 +212,7 @@ void l_normal_one_sample(int n_observations, T *x, va_list *list) {
     if (!x) zorvs_null_pointer("x", -1, nullptr);
     levels.check();
     check_positive(variance0, "ZORVS_HYPOTHESIZED_VARIANCE");
+    check_finite(mean0, "ZORVS_HYPOTHESIZED_MEAN");
     if (zorvs_error_n1rty[0] > 3) return;
 
     PairSums<T> s;
@@ -255,6 +265,7 @@ void l_normal_two_sample(int n1, T *x1, int n2, T *x2, va_list *list) {
     if (!x2) zorvs_null_pointer("x2", -1, nullptr);
     levels.check();
     check_positive(ratio0, "ZORVS_HYPOTHESIZED_RATIO");
+    check_finite(difference0, "ZORVS_HYPOTHESIZED_DIFFERENCE");
     if (zorvs_error_n1rty[0] > 3) return;
 
     PairSums<T> a, b;

@@ -84,6 +84,9 @@ TEST(NormalSamples, BadInputAsRows) {
         {ZORVS_CALL(zorvs_d_normal_one_sample(4, x, ZORVS_HYPOTHESIZED_VARIANCE, 0.0, 0) == nullptr), 1, 5, 21103,
          "r1=0 l1=ZORVS_HYPOTHESIZED_VARIANCE"},
         {ZORVS_CALL(zorvs_d_normal_two_sample(4, x, 4, x, ZORVS_HYPOTHESIZED_RATIO, -1.0, 0) == nullptr), 1, 5, 21103},
+        {ZORVS_CALL(zorvs_d_normal_one_sample(4, x, ZORVS_HYPOTHESIZED_MEAN, NaN, 0) == nullptr), 1, 5, 21108,
+         "l1=ZORVS_HYPOTHESIZED_MEAN"},
+        {ZORVS_CALL(zorvs_d_normal_two_sample(4, x, 4, x, ZORVS_HYPOTHESIZED_DIFFERENCE, Inf, 0) == nullptr), 1, 5, 21108},
         {ZORVS_CALL(zorvs_d_normal_one_sample(4, x, ZORVS_HYPOTHESIZED_DIFFERENCE, 1.0, 0) == nullptr), 1, 5, 11001},
         {ZORVS_CALL(zorvs_d_normal_two_sample(4, x, 4, nullptr, 0) == nullptr), 1, 5, 150, "l1=x2"},
         // warnings keep the result: NaN left out (count 2 of 3), constant data
