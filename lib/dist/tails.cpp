@@ -20,9 +20,11 @@ double t_upper(double t, double df) {
     const double half = 0.5 * zorvs::dist::beta_incomplete(df / (df + t * t), 0.5 * df, 0.5);
     return t >= 0 ? half : 1 - half;
 }
-// The t with P(T > t) = q, 0 < q < 1: from the beta quantile of 2q, or for
-// t near 0 from the complementary ratio, where 1 - x would lose digits.
+// The t with P(T > t) = q, 0 < q < 1 (0 at q = 0.5): from the beta quantile
+// of 2q, or for t near 0 from the complementary ratio, where 1 - x would lose
+// digits.
 double t_quantile_upper(double q, double df) {
+    if (q == 0.5) return 0;
     if (q > 0.5) return -t_quantile_upper(1 - q, df);
     if (2 * q < 0.5) {
         const double x = zorvs::dist::beta_inverse_cdf(2 * q, 0.5 * df, 0.5);

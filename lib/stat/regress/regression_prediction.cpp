@@ -55,6 +55,7 @@
 #include <limits>
 
 #include "dist/dist.hpp"
+#include "dist/tails.hpp"
 #include "frame/checks.hpp"
 #include "frame/frame.hpp"
 #include "frame/machine.h"
@@ -177,23 +178,6 @@ constexpr Column columns[] = {
      "scheffe_ci"},
 };
 
-// The t quantile at the upper tail probability q, df degrees of freedom:
-// the distribution's inverse (Hill's expansion, some 8 digits) polished by
-// two Newton steps on the tail t_cdf(-t) - q, whose derivative is minus the
-// density; the limits then carry the digits of the distribution function.
-template <class T>
-T t_quantile(T q, T df) {
-    T t = zorvs::dist::t_inverse_cdf(T(1) - q, df);
-    if (!(t > T(0)) || !std::isfinite(t)) return t;
-    const T log_norm = zorvs::dist::log_gamma((df + T(1)) / T(2)) - zorvs::dist::log_gamma(df / T(2)) -
-                       T(0.5) * std::log(df * T(3.14159265358979323846));
-    for (int step = 0; step < 2; ++step) {
-        const T density = std::exp(log_norm - (df + T(1)) / T(2) * std::log1p(t * t / df));
-        t += (zorvs::dist::t_cdf(-t, df) - q) / density;
-    }
-    return t;
-}
-
 template <class T>
 T *lv_regression_prediction = nullptr;
 
@@ -285,7 +269,7 @@ void l_regression_prediction(Info<T> *info, int n_predict, T *x, va_list *list) 
     if (!cases) return;
     T *row = cases + n * ROW_ENTRIES, *z = row + nv + 2;
     const T dfe = info->df_error, sse = *info->sscp_error, nan = zorvs::missing<T>();
-    const T tmult = dfe >= T(1) ? t_quantile((T(100) - confidence) / T(200), dfe) : nan;
+    const T tmult = dfe >= T(1) ? T(zorvs::dist::t_quantile_upper(double((T(100) - confidence) / T(200)), double(dfe))) : nan;
     T scheffe = nan;
     bool scheffe_ready = false;
     for (std::size_t i = 0; i < n; ++i) {
