@@ -1,0 +1,40 @@
+# build_manual.cmake - pandoc over the expanded pages listed in OUT/pages.txt
+# (name, man section, title, kind a line): OUT/html/NAME.html with the
+# sidebar and the search, and OUT/man/manS/NAME.S with a NAME section.
+file(STRINGS ${OUT}/pages.txt pages)
+file(MAKE_DIRECTORY ${OUT}/html ${OUT}/man/man1 ${OUT}/man/man3 ${OUT}/man/man7)
+file(COPY ${SOURCE}/assets/zorvstat.css ${SOURCE}/assets/search.js ${OUT}/search-index.js DESTINATION ${OUT}/html)
+file(WRITE ${OUT}/after.html "</main>\n<script src=\"search-index.js\"></script>\n<script src=\"search.js\"></script>\n")
+
+function(run)
+  execute_process(COMMAND ${ARGN} RESULT_VARIABLE rc ERROR_VARIABLE err)
+  if(NOT rc EQUAL 0)
+    message(FATAL_ERROR "${ARGN}: ${err}")
+  endif()
+endfunction()
+
+foreach(line ${pages})
+  string(REPLACE "\t" ";" fields "${line}")
+  list(GET fields 0 name)
+  list(GET fields 1 section)
+  list(GET fields 2 title)
+  run(${PANDOC} -f markdown -t html5 -s --toc --toc-depth=2 -c zorvstat.css
+      --metadata "pagetitle=${title}" --include-before-body ${OUT}/sidebar.html
+      --include-after-body ${OUT}/after.html -o ${OUT}/html/${name}.html ${OUT}/md/${name}.md)
+  # A man page opens with NAME: the first heading becomes the page's title.
+  file(READ ${OUT}/md/${name}.md text)
+  string(REGEX REPLACE "^(<!--[^\n]*-->\n)*# [^\n]*\n" "" text "${text}")
+  string(REGEX REPLACE "^[^:]*: " "" summary "${title}")
+  file(WRITE ${OUT}/man/${name}.md "## NAME\n\n${name} - ${summary}\n\n${text}")
+  run(${PANDOC} -f markdown -t man -s --shift-heading-level-by=-1
+      --metadata "title=${name}" --metadata "section=${section}"
+      --metadata "header=libzorvstat manual" --metadata "footer=libzorvstat ${VERSION}"
+      -o ${OUT}/man/man${section}/${name}.${section} ${OUT}/man/${name}.md)
+  file(REMOVE ${OUT}/man/${name}.md)
+endforeach()
+file(COPY ${OUT}/html/libzorvstat.html DESTINATION ${OUT}/html/tmp)
+file(RENAME ${OUT}/html/tmp/libzorvstat.html ${OUT}/html/index.html)
+file(REMOVE_RECURSE ${OUT}/html/tmp)
+# One name per exported routine, each pointing at its family's page.
+file(GLOB links ${OUT}/man3links/*.3)
+file(COPY ${links} DESTINATION ${OUT}/man/man3)
