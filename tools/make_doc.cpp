@@ -153,6 +153,19 @@ Header read_header(const fs::path &root) {
             if (l.rfind("};", 0) == 0) which_enum.clear();
             continue;
         }
+        if (l.rfind("enum ", 0) == 0) {
+            // An enumeration of a routine's option values: shown with the
+            // prototypes that follow it.
+            std::string text = comment;
+            size_t k = i;
+            for (; k < lines.size(); ++k) {
+                text += lines[k] + "\n";
+                if (lines[k].rfind("}", 0) == 0) break;
+            }
+            i = k;
+            comment = text;
+            continue;
+        }
         if (l.rfind("typedef struct", 0) == 0) {
             std::string text;
             size_t k = i;
@@ -464,7 +477,7 @@ struct Manual {
     std::string messages(const Page &p) const {
         const auto &r = raised.at(&p);
         if (r.empty()) return "This page's routines raise no message of their own.\n";
-        std::string out = "| Type | Code | Name | Text |\n|---|---|---|---|\n";
+        std::string out = "| Type | Code | Name | Text |\n|--------|-----|-----------|------------------------|\n";
         std::vector<std::pair<long, int>> by_code;
         for (const auto &[t, c] : r) by_code.emplace_back(c, t);
         std::sort(by_code.begin(), by_code.end());
@@ -534,7 +547,7 @@ struct Manual {
         std::map<long, std::set<std::string>> pages_of;
         for (const auto &p : pages)
             for (const auto &[t, c] : raised.at(&p)) pages_of[c].insert(p.name);
-        std::string out = "| Code | Name | Text | Raised by |\n|---|---|---|---|\n";
+        std::string out = "| Code | Name | Text | Raised by |\n|-----|-----------|----------------------|----------|\n";
         for (const auto &[c, m] : catalogue) {
             std::string where;
             for (const auto &n : pages_of[c]) where += (where.empty() ? "" : ", ") + ("[" + n + "](" + n + ".html)");
