@@ -18,12 +18,15 @@ foreach(line ${pages})
   list(GET fields 0 name)
   list(GET fields 1 section)
   list(GET fields 2 title)
-  run(${PANDOC} -f markdown -t html5 -s --toc --toc-depth=2 -c zorvstat.css
-      --metadata "pagetitle=${title}" --include-before-body ${OUT}/sidebar.html
-      --include-after-body ${OUT}/after.html -o ${OUT}/html/${name}.html ${OUT}/md/${name}.md)
-  # A man page opens with NAME: the first heading becomes the page's title.
+  # The first heading becomes the page's title, above the contents.
   file(READ ${OUT}/md/${name}.md text)
   string(REGEX REPLACE "^(<!--[^\n]*-->\n)*# [^\n]*\n" "" text "${text}")
+  file(WRITE ${OUT}/html/${name}.md "${text}")
+  run(${PANDOC} -f markdown -t html5 -s --toc --toc-depth=2 -c zorvstat.css
+      --metadata "title=${title}" --include-before-body ${OUT}/sidebar.html
+      --include-after-body ${OUT}/after.html -o ${OUT}/html/${name}.html ${OUT}/html/${name}.md)
+  file(REMOVE ${OUT}/html/${name}.md)
+  # A man page opens with NAME.
   string(REGEX REPLACE "^[^:]*: " "" summary "${title}")
   file(WRITE ${OUT}/man/${name}.md "## NAME\n\n${name} - ${summary}\n\n${text}")
   run(${PANDOC} -f markdown -t man -s --shift-heading-level-by=-1

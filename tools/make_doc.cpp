@@ -175,7 +175,7 @@ Header read_header(const fs::path &root) {
             }
             std::smatch m;
             std::string last = lines[k];
-            if (std::regex_search(last, m, std::regex(R"((\w+)\s*;)"))) h.records[m[1]] = text;
+            if (std::regex_search(last, m, std::regex(R"((\w+)\s*;)"))) h.records[m[1]] = comment + text;
             i = k;
             comment.clear();
             continue;
@@ -463,15 +463,16 @@ struct Manual {
     }
 
     std::string synopsis(const Page &p) const {
-        std::string out = "```c\n#include <zorvstat.h>\n";
-        std::set<std::string> records;
+        // The records that the prototypes take come first, each once.
+        std::string records, prototypes;
+        std::set<std::string> seen;
         for (const auto &proto : header.prototypes) {
             if (!documents(p, proto.name)) continue;
             for (const auto &[name, text] : header.records)
-                if (proto.text.find(name) != std::string::npos && records.insert(name).second) out += "\n" + text;
-            out += (proto.comment.empty() ? "" : "\n" + proto.comment) + proto.text + "\n";
+                if (proto.text.find(name) != std::string::npos && seen.insert(name).second) records += "\n" + text;
+            prototypes += (proto.comment.empty() ? "" : "\n" + proto.comment) + proto.text + "\n";
         }
-        return out + "```\n";
+        return "```c\n#include <zorvstat.h>\n" + records + prototypes + "```\n";
     }
 
     std::string messages(const Page &p) const {
