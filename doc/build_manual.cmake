@@ -26,13 +26,30 @@ foreach(line ${pages})
       --metadata "title=${title}" --include-before-body ${OUT}/sidebar.html
       --include-after-body ${OUT}/after.html -o ${OUT}/html/${name}.html ${OUT}/html/${name}.md)
   file(REMOVE ${OUT}/html/${name}.md)
-  # A man page opens with NAME.
-  string(REGEX REPLACE "^[^:]*: " "" summary "${title}")
-  file(WRITE ${OUT}/man/${name}.md "## NAME\n\n${name} - ${summary}\n\n${text}")
+  # A man page opens with NAME, and its section heads are upper case.  The
+  # introductory pages (section 7) carry the library's prefix, so that
+  # "errors" or "threads" do not meet the system's own pages.
+  set(man_name ${name})
+  if(section STREQUAL "7" AND NOT name STREQUAL "libzorvstat")
+    set(man_name zorvstat_${name})
+  endif()
+  string(FIND "${title}" ": " colon)
+  if(colon GREATER -1)
+    math(EXPR colon "${colon} + 2")
+    string(SUBSTRING "${title}" ${colon} -1 summary)
+  else()
+    set(summary "${title}")
+  endif()
+  string(REGEX MATCHALL "\n## [^\n]*" heads "${text}")
+  foreach(head ${heads})
+    string(TOUPPER "${head}" upper)
+    string(REPLACE "${head}" "${upper}" text "${text}")
+  endforeach()
+  file(WRITE ${OUT}/man/${name}.md "## NAME\n\n${man_name} - ${summary}\n\n${text}")
   run(${PANDOC} -f markdown -t man -s --shift-heading-level-by=-1
-      --metadata "title=${name}" --metadata "section=${section}"
+      --metadata "title=${man_name}" --metadata "section=${section}"
       --metadata "header=libzorvstat manual" --metadata "footer=libzorvstat ${VERSION}"
-      -o ${OUT}/man/man${section}/${name}.${section} ${OUT}/man/${name}.md)
+      -o ${OUT}/man/man${section}/${man_name}.${section} ${OUT}/man/${name}.md)
   file(REMOVE ${OUT}/man/${name}.md)
 endforeach()
 file(COPY ${OUT}/html/libzorvstat.html DESTINATION ${OUT}/html/tmp)

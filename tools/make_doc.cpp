@@ -604,7 +604,8 @@ int expand(const fs::path &root, const fs::path &out) {
         std::set<std::string> names;
         static const std::regex ident(R"(\b(zorvs_\w+|ZORVS_\w+)\b)");
         for (std::sregex_iterator it(text.begin(), text.end(), ident), end; it != end; ++it) names.insert((*it)[1]);
-        std::string plain = std::regex_replace(text, std::regex(R"([`#|*_<>\[\]()=-]+)"), " ");
+        std::string plain = std::regex_replace(text, std::regex(R"(<!--[^>]*-->)"), " ");
+        plain = std::regex_replace(plain, std::regex(R"([`#|*<>\[\]()=]+|-{2,}|&lt;|&gt;)"), " ");
         plain = std::regex_replace(plain, std::regex(R"(\s+)"), " ");
         std::string joined;
         for (const auto &n : names) joined += n + " ";
