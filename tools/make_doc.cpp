@@ -228,6 +228,7 @@ struct Body {
     std::set<std::pair<int, long>> raised;
     std::set<std::string> calls;
     std::string text;  // the body, for the second pass
+    bool lambda;       // a named lambda: seen only from its own file
 };
 
 // Comments and the contents of string and character literals blanked out,
@@ -282,7 +283,7 @@ std::multimap<std::string, Body> scan_sources(const fs::path &root) {
     static const std::regex raise(R"(\b(?:zorvs_ermes|raise\w*)\s*\(\s*([1-8])\s*,\s*(\d{3,6})\b)");
     // A raise whose code is an expression: its literals, or the variable
     // that a forwarding helper takes as a parameter.
-    static const std::regex computed(R"(\bzorvs_ermes\s*\(\s*([1-8])\s*,([^;]*?)\)\s*;)");
+    static const std::regex computed(R"(\b(?:zorvs_ermes|raise\w*)\s*\(\s*([1-8])\s*,((?:[^;,()]|\([^;()]*\))*?)[,)])");
     static const std::regex number(R"(\b\d{3,6}\b)"), identifier(R"(^\s*([A-Za-z_]\w*)\s*$)");
     static const std::regex code_pair(R"(\b\w*raise\w*\s*\(\s*(\d{3,6})\s*,\s*(\d{3,6})\b)");
     static const std::regex unknown(R"(\.unknown\s*\([^,()]*(?:,\s*(\d{3,6}))?\s*\))");
@@ -298,17 +299,31 @@ std::multimap<std::string, Body> scan_sources(const fs::path &root) {
     }
     std::multimap<std::string, Body> bodies;
     std::map<std::string, std::pair<int, size_t>> forwarders;  // name -> type, index of the code parameter
+    // A named lambda, `auto check = [&](int code) {`, counts as a function
+    // of that name.
+    static const std::regex lambda(R"(\b([A-Za-z_]\w*)\s*=\s*\[[^\]]*\]\s*\([^()]*\)[^{;]*\{)");
     for (const auto &[rel, text] : texts) {
-        for (std::sregex_iterator it(text.begin(), text.end(), head), end; it != end; ++it) {
-            const std::string name = (*it)[1];
+        struct Head {
+            std::string name;
+            size_t name_at, open;
+            bool lambda;
+        };
+        std::vector<Head> heads;
+        for (const std::regex *re : {&head, &lambda})
+            for (std::sregex_iterator it(text.begin(), text.end(), *re), end; it != end; ++it)
+                heads.push_back({(*it)[1], static_cast<size_t>(it->position(1)),
+                                 static_cast<size_t>(it->position(0) + it->length(0) - 1), re == &lambda});
+        for (const Head &h : heads) {
+            const std::string &name = h.name;
+            const std::sregex_iterator end;
             if (not_functions.count(name)) continue;
-            size_t open = it->position(0) + it->length(0) - 1, depth = 0, close = open;
+            size_t open = h.open, depth = 0, close = open;
             for (; close < text.size(); ++close) {
                 if (text[close] == '{') ++depth;
                 else if (text[close] == '}' && --depth == 0) break;
             }
             const std::string body = text.substr(open, close - open);
-            Body b{rel, {}, {}, body};
+            Body b{rel, {}, {}, body, h.lambda};
             for (std::sregex_iterator r(body.begin(), body.end(), raise); r != end; ++r)
                 b.raised.emplace(std::stoi((*r)[1]), std::stol((*r)[2]));
             for (std::sregex_iterator r(body.begin(), body.end(), computed); r != end; ++r) {
@@ -316,7 +331,7 @@ std::multimap<std::string, Body> scan_sources(const fs::path &root) {
                 const std::string expr = (*r)[2];
                 std::smatch id;
                 if (std::regex_match(expr, id, identifier)) {
-                    auto params = arguments(text, text.find('(', it->position(1)));
+                    auto params = arguments(text, text.find('(', h.name_at));
                     for (size_t k = 0; k < params.size(); ++k) {
                         std::string param = params[k].substr(0, params[k].find('='));
                         std::smatch last;
@@ -360,7 +375,11 @@ std::multimap<std::string, Body> scan_sources(const fs::path &root) {
 }
 
 // The messages raised from the files (a file or a folder, relative to root),
-// following calls into functions of other files.
+// following calls into other functions.  A call from file F finds the
+// definitions of its name in F if there are any (a file's own helpers
+// shadow same-named ones elsewhere, as its anonymous namespace does),
+// otherwise every definition outside F but named lambdas, which belong to
+// their files.
 std::set<std::pair<int, long>> raised_by(const std::vector<std::string> &sources,
                                          const std::multimap<std::string, Body> &bodies,
                                          const std::set<std::string> &public_names) {
@@ -370,23 +389,23 @@ std::set<std::pair<int, long>> raised_by(const std::vector<std::string> &sources
         return false;
     };
     std::set<std::pair<int, long>> out;
-    std::set<std::string> seen;
-    std::vector<std::string> todo;
-    for (const auto &[name, b] : bodies) {
-        if (!in_sources(b.file)) continue;
+    std::set<std::pair<std::string, std::string>> seen;  // (name, calling file)
+    std::vector<std::pair<std::string, std::string>> todo;
+    auto follow = [&](const Body &b) {
         out.insert(b.raised.begin(), b.raised.end());
-        todo.insert(todo.end(), b.calls.begin(), b.calls.end());
-    }
+        for (const auto &c : b.calls) todo.emplace_back(c, b.file);
+    };
+    for (const auto &[name, b] : bodies)
+        if (in_sources(b.file)) follow(b);
     while (!todo.empty()) {
-        std::string name = todo.back();
+        auto call = todo.back();
         todo.pop_back();
-        if (seen.count(name) || public_names.count(name)) continue;
-        seen.insert(name);
-        auto [lo, hi] = bodies.equal_range(name);
-        for (auto it = lo; it != hi; ++it) {
-            out.insert(it->second.raised.begin(), it->second.raised.end());
-            todo.insert(todo.end(), it->second.calls.begin(), it->second.calls.end());
-        }
+        if (public_names.count(call.first) || !seen.insert(call).second) continue;
+        auto [lo, hi] = bodies.equal_range(call.first);
+        bool own = false;
+        for (auto it = lo; it != hi; ++it) own = own || it->second.file == call.second;
+        for (auto it = lo; it != hi; ++it)
+            if (own ? it->second.file == call.second : !it->second.lambda) follow(it->second);
     }
     return out;
 }
