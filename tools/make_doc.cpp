@@ -31,8 +31,9 @@
 // literal (type, code) pairs of zorvs_ermes(...) and raise...(...) and the
 // names that it calls.  The messages of a page are those its own files raise
 // plus, transitively, those of every library function they call by name,
-// except the public routines of the header: a public routine called inside
-// another one reports on its own page.  A name defined in several files
+// except the public routines of the header (a public routine called inside
+// another one reports on its own page) and the error system's services of
+// lib/frame/services.h.  A name defined in several files
 // counts all its definitions, so a list may hold a message that one of the
 // same-named helpers raises and the other does not; none is left out.
 #include <algorithm>
@@ -472,7 +473,16 @@ struct Manual {
         bodies = scan_sources(root);
         pages = read_pages(root);
         for (const auto &p : header.prototypes) declared.insert(p.name);
+        // Calls not followed: the public routines (their messages are on
+        // their own pages) and the error system's services, whose own
+        // messages (a broken error stack, a bad unit) concern the library's
+        // state rather than the call; they are on the pages of
+        // zorvs_error_options and zorvs_output_file.
         public_names = declared;
+        static const std::regex service(R"(\b(zorvs_\w+)\s*\()");
+        const std::string services = code_only(read_file(root / "lib/frame/services.h"));
+        for (std::sregex_iterator it(services.begin(), services.end(), service), end; it != end; ++it)
+            public_names.insert((*it)[1]);
         for (const auto &p : pages) raised[&p] = raised_by(p.sources, bodies, public_names);
     }
 
