@@ -302,6 +302,7 @@ std::multimap<std::string, Body> scan_sources(const fs::path &root) {
     std::map<std::string, std::pair<int, size_t>> forwarders;  // name -> type, index of the code parameter
     // A named lambda, `auto check = [&](int code) {`, counts as a function
     // of that name.
+    static const std::regex macro(R"(#define\s+(\w+)\(([^\n]*\\\n)*[^\n]*)");
     static const std::regex lambda(R"(\b([A-Za-z_]\w*)\s*=\s*\[[^\]]*\]\s*\([^()]*\)[^{;]*\{)");
     for (const auto &[rel, text] : texts) {
         struct Head {
@@ -314,6 +315,15 @@ std::multimap<std::string, Body> scan_sources(const fs::path &root) {
             for (std::sregex_iterator it(text.begin(), text.end(), *re), end; it != end; ++it)
                 heads.push_back({(*it)[1], static_cast<size_t>(it->position(1)),
                                  static_cast<size_t>(it->position(0) + it->length(0) - 1), re == &lambda});
+        // A function-like macro (the call frame's entry macros) is a body of
+        // its own: the lines of its definition.
+        for (std::sregex_iterator it(text.begin(), text.end(), macro), end; it != end; ++it) {
+            const std::string body = (*it)[0];
+            Body b{rel, {}, {}, body, false};
+            for (std::sregex_iterator c(body.begin(), body.end(), call); c != end; ++c)
+                if (!not_functions.count((*c)[1])) b.calls.insert((*c)[1]);
+            bodies.emplace((*it)[1], std::move(b));
+        }
         for (const Head &h : heads) {
             const std::string &name = h.name;
             const std::sregex_iterator end;
