@@ -3,6 +3,12 @@
 // names it mentions and its text.  Every word of the query must occur in a
 // page; a word that is a name on the page, or in its title, counts more.
 (function () {
+  // The sidebar marks the page on show.
+  var here = window.location.pathname.split("/").pop() || "index.html";
+  var links = document.querySelectorAll("#sidebar a");
+  for (var n = 0; n < links.length; n++)
+    if (links[n].getAttribute("href") === here) links[n].className = "current";
+
   var box = document.getElementById("search");
   var list = document.getElementById("results");
   if (!box || !list || typeof ZORVS_INDEX === "undefined") return;
