@@ -1,7 +1,9 @@
 // make_doc.cpp - fills the reference manual's Markdown pages with the parts
 // that must follow the sources, and checks that the manual is complete.
 //
-//   zorvs_make_doc expand ROOT OUT    expand doc/*.md of ROOT into OUT
+//   zorvs_make_doc expand ROOT OUT [HELP]
+//                                     expand doc/*.md of ROOT into OUT, with
+//                                     HELP the program's --help output
 //   zorvs_make_doc check ROOT SYMS    check the pages against the exported
 //                                     symbols listed one a line in SYMS
 //
@@ -22,6 +24,8 @@
 //   @@error_types@@  the error types of the header
 //   @@internals@@    the exported workers that the public header leaves out
 //   @@catalogue@@    every message of the catalogue with the pages raising it
+//   @@file PATH@@    a Markdown file of the tree, headings one level down
+//   @@help@@         the zorvstat program's --help output
 //
 // A base name NAME stands for zorvs_f_NAME, zorvs_d_NAME, zorvs_i_NAME,
 // zorvs_NAME and zorvs_dNAME.
@@ -469,7 +473,7 @@ const char *type_name(int type) {
 }
 
 struct Manual {
-    fs::path root;
+    fs::path root, help_file;
     Header header;
     std::map<long, Message> catalogue;
     std::multimap<std::string, Body> bodies;
@@ -583,6 +587,30 @@ struct Manual {
         return out;
     }
 
+    // A Markdown file of the source tree, its title dropped and its headings
+    // one level down, so that it becomes a part of the page.
+    std::string included(const std::string &path) const {
+        if (!fs::exists(root / path)) return "(`" + path + "` is not part of this source tree.)\n";
+        std::istringstream in(read_file(root / path));
+        std::string out;
+        bool title = true;
+        for (std::string line; std::getline(in, line);) {
+            if (title && line.rfind("# ", 0) == 0) {
+                title = false;
+                continue;
+            }
+            if (!line.empty() && line[0] == '#') line = "#" + line;
+            out += line + "\n";
+        }
+        return out;
+    }
+
+    // The program's own --help, captured by the build into help_file.
+    std::string help_text() const {
+        if (help_file.empty() || !fs::exists(help_file)) return "(The program is not part of this build.)\n";
+        return "```\n" + read_file(help_file) + "```\n";
+    }
+
     std::string all_messages() const {
         std::map<long, std::set<std::string>> pages_of;
         for (const auto &p : pages)
@@ -599,7 +627,7 @@ struct Manual {
     std::string expand(const Page &p) const {
         std::istringstream in(p.text);
         std::string out;
-        static const std::regex directive(R"(^@@(\w+)(?:\s+(\w+))?@@\s*$)");
+        static const std::regex directive(R"(^@@(\w+)(?:\s+([\w./-]+))?@@\s*$)");
         for (std::string line; std::getline(in, line);) {
             std::smatch m;
             if (!std::regex_match(line, m, directive)) {
@@ -614,6 +642,8 @@ struct Manual {
             else if (d == "error_types") out += error_types();
             else if (d == "internals") out += internals();
             else if (d == "catalogue") out += all_messages();
+            else if (d == "file") out += included(m[2]);
+            else if (d == "help") out += help_text();
             else throw std::runtime_error(p.path.string() + ": unknown directive " + d);
         }
         return out;
@@ -630,8 +660,9 @@ std::string json_string(const std::string &s) {
     return out + "\"";
 }
 
-int expand(const fs::path &root, const fs::path &out) {
+int expand(const fs::path &root, const fs::path &out, const fs::path &help) {
     Manual manual(root);
+    manual.help_file = help;
     fs::create_directories(out / "md");
     std::string index = "var ZORVS_INDEX = [\n", pages_list;
     for (const auto &p : manual.pages) {
@@ -740,9 +771,10 @@ int check(const fs::path &root, const fs::path &symbols) {
 
 int main(int argc, char **argv) {
     try {
-        if (argc == 4 && std::string(argv[1]) == "expand") return expand(argv[2], argv[3]);
+        if ((argc == 4 || argc == 5) && std::string(argv[1]) == "expand")
+            return expand(argv[2], argv[3], argc == 5 ? argv[4] : "");
         if (argc == 4 && std::string(argv[1]) == "check") return check(argv[2], argv[3]);
-        std::cerr << "usage: zorvs_make_doc expand ROOT OUT | check ROOT SYMBOLS\n";
+        std::cerr << "usage: zorvs_make_doc expand ROOT OUT [HELP] | check ROOT SYMBOLS\n";
         return 2;
     } catch (const std::exception &e) {
         std::cerr << "zorvs_make_doc: " << e.what() << "\n";
