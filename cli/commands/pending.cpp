@@ -1,0 +1,42 @@
+// pending.cpp - commands named in the help whose analysis is not built yet.
+// Each one answers "not yet built" with the usage status.  A command that is
+// built moves out of here into cli/commands/<name>.cpp with its descriptor.
+#include "command.hpp"
+
+namespace zcli {
+namespace {
+
+int not_yet_built(Context &ctx) {
+    usage_error(std::string("'") + ctx.command.name + "' is not yet built");
+}
+
+}  // namespace
+
+const Command regress_command{"regress", "linear regression with its summary and coefficient tests",
+                              "[COLUMN...]", "", "stackloss.csv", {}, not_yet_built};
+const Command predict_command{"predict", "predictions and their limits from a linear regression",
+                              "[COLUMN...]", "", "cars.csv", {}, not_yet_built};
+const Command anova_command{"anova", "one-way analysis of variance", "[COLUMN...]", "", "plantgrowth.csv", {},
+                            not_yet_built};
+const Command compare_command{"compare", "multiple comparisons of group means", "[COLUMN...]", "",
+                              "plantgrowth.csv", {}, not_yet_built};
+const Command crosstab_command{"crosstab", "contingency table and its chi-squared tests", "[COLUMN...]", "",
+                               "haireyecolor.csv", {}, not_yet_built};
+const Command gof_command{"gof", "chi-squared goodness of fit", "[COLUMN...]", "", "faithful.csv", {},
+                          not_yet_built};
+const Command signtest_command{"signtest", "sign test of a median", "[COLUMN...]", "", "sleep.csv", {},
+                               not_yet_built};
+const Command ranksum_command{"ranksum", "Wilcoxon rank-sum test of two samples", "[COLUMN...]", "",
+                              "sleep.csv", {}, not_yet_built};
+const Command normality_command{"normality", "Shapiro-Wilk and Lilliefors tests of normality", "[COLUMN...]",
+                                "", "women.csv", {}, not_yet_built};
+const Command diff_command{"diff", "differences of a series", "[COLUMN...]", "", "lynx.csv", {},
+                           not_yet_built};
+const Command arma_command{"arma", "ARMA model of a series", "[COLUMN...]", "", "lynx.csv", {}, not_yet_built};
+const Command forecast_command{"forecast", "forecasts of an ARMA model with their limits", "[COLUMN...]", "",
+                               "lynx.csv", {}, not_yet_built};
+const Command kmeans_command{"kmeans", "k-means clustering", "[COLUMN...]", "", "iris.csv", {},
+                             not_yet_built};
+const Command pca_command{"pca", "principal components", "[COLUMN...]", "", "iris.csv", {}, not_yet_built};
+
+}  // namespace zcli
