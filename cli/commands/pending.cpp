@@ -12,16 +12,6 @@ int not_yet_built(Context &ctx) {
 
 }  // namespace
 
-const Command regress_command{"regress", "linear regression with its summary and coefficient tests",
-                              "[COLUMN...]", "", "stackloss.csv", {}, not_yet_built};
-const Command predict_command{"predict", "predictions and their limits from a linear regression",
-                              "[COLUMN...]", "", "cars.csv", {}, not_yet_built};
-const Command anova_command{"anova", "one-way analysis of variance", "[COLUMN...]", "", "plantgrowth.csv", {},
-                            not_yet_built};
-const Command compare_command{"compare", "multiple comparisons of group means", "[COLUMN...]", "",
-                              "plantgrowth.csv", {}, not_yet_built};
-const Command crosstab_command{"crosstab", "contingency table and its chi-squared tests", "[COLUMN...]", "",
-                               "haireyecolor.csv", {}, not_yet_built};
 const Command gof_command{"gof", "chi-squared goodness of fit", "[COLUMN...]", "", "faithful.csv", {},
                           not_yet_built};
 const Command signtest_command{"signtest", "sign test of a median", "[COLUMN...]", "", "sleep.csv", {},

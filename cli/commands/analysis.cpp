@@ -1,0 +1,304 @@
+// analysis.cpp - pieces shared by the analysis commands; see analysis.hpp.
+#include "analysis.hpp"
+
+#include <algorithm>
+#include <cfloat>
+#include <climits>
+#include <cmath>
+#include <map>
+#include <numeric>
+
+namespace zcli {
+
+std::vector<std::string> option_list(const Arguments &args, std::string_view name) {
+    std::vector<std::string> out;
+    auto v = args.value(name);
+    if (!v) return out;
+    std::size_t start = 0;
+    for (;;) {
+        std::size_t comma = v->find(',', start);
+        out.push_back(v->substr(start, comma == std::string::npos ? std::string::npos : comma - start));
+        if (comma == std::string::npos) break;
+        start = comma + 1;
+    }
+    return out;
+}
+
+std::vector<int> integer_list(const Arguments &args, std::string_view name, std::vector<int> fallback) {
+    std::vector<std::string> words = option_list(args, name);
+    if (words.empty()) return fallback;
+    std::vector<int> out;
+    for (const std::string &w : words) out.push_back(Arguments::integer_operand(w, "--" + std::string(name)));
+    return out;
+}
+
+int choice(const Arguments &args, std::string_view name, const std::vector<std::string> &words, int fallback) {
+    auto v = args.value(name);
+    if (!v) return fallback;
+    std::string list;
+    for (std::size_t k = 0; k < words.size(); ++k) {
+        if (*v == words[k]) return static_cast<int>(k);
+        list += (k ? ", " : "") + words[k];
+    }
+    usage_error("--" + std::string(name) + " must be one of " + list + ", not '" + *v + "'");
+}
+
+Matrix result(std::string title, std::size_t rows, std::size_t columns) {
+    Matrix m(std::move(title), rows, columns);
+    m.format = "%12.5g";
+    return m;
+}
+
+int row_count(const Data &data, std::size_t rows) {
+    if (rows > static_cast<std::size_t>(INT_MAX)) data_error(data.source() + " has too many rows");
+    return static_cast<int>(rows);
+}
+
+void refuse_freq_weight(const Context &ctx) {
+    if (!ctx.common.freq_column.empty() || !ctx.common.weight_column.empty())
+        usage_error(std::string("'") + ctx.command.name + "' takes no frequencies or weights");
+}
+
+std::size_t first_numeric(const Context &ctx) {
+    std::vector<std::size_t> numeric = ctx.select({});
+    return numeric.front();
+}
+
+std::size_t first_text(const Context &ctx) {
+    for (std::size_t j = 0; j < ctx.data.columns(); ++j)
+        if (!ctx.data.column(j).numeric) return j;
+    data_error(ctx.data.source() + " has no text column to take the groups from: name the group column");
+}
+
+Levels levels(const Data &data, std::size_t column, bool sorted) {
+    std::vector<std::string> labels = data.labels(column);
+    const Column &c = data.column(column);
+    Levels out;
+    std::map<std::string, int> seen;
+    for (const std::string &l : labels) {
+        if (l.empty()) continue;
+        if (seen.emplace(l, static_cast<int>(out.names.size())).second) out.names.push_back(l);
+    }
+    if (sorted) {
+        if (c.numeric) {
+            std::sort(out.names.begin(), out.names.end(), [&](const std::string &a, const std::string &b) {
+                return std::strtod(a.c_str(), nullptr) < std::strtod(b.c_str(), nullptr);
+            });
+        } else {
+            std::sort(out.names.begin(), out.names.end());
+        }
+        for (std::size_t k = 0; k < out.names.size(); ++k) seen[out.names[k]] = static_cast<int>(k);
+    }
+    out.of_row.reserve(labels.size());
+    for (const std::string &l : labels) out.of_row.push_back(l.empty() ? -1 : seen[l]);
+    return out;
+}
+
+Groups grouped(const Context &ctx, std::size_t response, std::size_t group) {
+    const double *y = ctx.data.numbers(response);
+    Levels lv = levels(ctx.data, group, false);
+    Groups g;
+    g.names = lv.names;
+    g.sizes.assign(lv.names.size(), 0);
+    std::vector<std::vector<double>> by(lv.names.size());
+    for (std::size_t i = 0; i < ctx.data.rows(); ++i) {
+        int k = lv.of_row[i];
+        if (k < 0 || (ctx.common.listwise && std::isnan(y[i]))) continue;
+        by[k].push_back(y[i]);
+    }
+    for (std::size_t k = 0; k < by.size(); ++k) {
+        g.sizes[k] = row_count(ctx.data, by[k].size());
+        g.y.insert(g.y.end(), by[k].begin(), by[k].end());
+    }
+    if (g.names.empty()) data_error(ctx.data.source() + ": the group column '" + ctx.data.column(group).name + "' is empty");
+    return g;
+}
+
+void anova_output(Output &out, const double table[15], const std::string &title, const std::string &between) {
+    const double nan = std::nan("");
+    Matrix sources = result(title, 3, 5);
+    sources.row_labels = {between, "error", "total"};
+    sources.column_labels = {"df", "sum of sq.", "mean sq.", "F", "p-value"};
+    sources.row_head = "source";
+    const double cells[15] = {table[0], table[3], table[6], table[8], table[9],
+                              table[1], table[4], table[7], nan,      nan,
+                              table[2], table[5], nan,      nan,      nan};
+    sources.values.assign(cells, cells + 15);
+    out.matrix(sources);
+    Matrix fit = result("Summary of the fit", 5, 1);
+    fit.row_labels = {"R-squared (%)", "adjusted R-squared (%)", "std. dev. of error", "mean of response",
+                      "coef. of variation (%)"};
+    fit.column_labels = {"value"};
+    fit.values.assign(table + 10, table + 15);
+    out.matrix(fit);
+}
+
+namespace {
+
+// The labels of the regressor columns of one column of an effect: a class
+// variable's dummies under the scheme (1 all levels, 2 and 3 all but the
+// last), a continuous column's name.
+std::vector<std::string> column_block(const std::string &name, const std::vector<std::string> *levels, int dummy) {
+    if (!levels) return {name};
+    std::vector<std::string> out;
+    std::size_t used = dummy == 1 ? levels->size() : (levels->empty() ? 0 : levels->size() - 1);
+    for (std::size_t k = 0; k < used; ++k) out.push_back(name + "=" + (*levels)[k]);
+    return out;
+}
+
+// The labels of one effect's block: the Kronecker order of the library,
+// the effect's last column varying fastest.
+std::vector<std::string> effect_block(const std::vector<std::vector<std::string>> &parts) {
+    std::vector<std::string> out = {""};
+    for (const auto &part : parts) {
+        std::vector<std::string> next;
+        for (const std::string &head : out)
+            for (const std::string &p : part) next.push_back(head.empty() ? p : head + "*" + p);
+        out = next;
+    }
+    return out;
+}
+
+}  // namespace
+
+Design regression_design(const Context &ctx, const Data *extra) {
+    const Data &data = ctx.data;
+    const auto &ops = ctx.args.operands();
+    Design d;
+    std::vector<std::size_t> except;
+    if (!ctx.common.freq_column.empty()) except.push_back(data.find(ctx.common.freq_column));
+    if (!ctx.common.weight_column.empty()) except.push_back(data.find(ctx.common.weight_column));
+    if (ops.empty()) {
+        std::vector<std::size_t> numeric = data.numeric_columns(except);
+        if (numeric.size() < 2) data_error(data.source() + " needs a response and a regressor: name them");
+        d.response = numeric.back();
+        d.columns.assign(numeric.begin(), numeric.end() - 1);
+    } else {
+        d.response = data.find(ops[0]);
+        if (ops.size() == 1) {
+            for (std::size_t j : data.numeric_columns(except))
+                if (j != d.response) d.columns.push_back(j);
+        } else {
+            for (std::size_t k = 1; k < ops.size(); ++k) d.columns.push_back(data.find(ops[k]));
+        }
+    }
+    // Class columns: among the regressors, or added after them.
+    std::vector<char> is_class(d.columns.size(), 0);
+    for (const std::string &name : option_list(ctx.args, "class")) {
+        std::size_t c = data.find(name);
+        auto it = std::find(d.columns.begin(), d.columns.end(), c);
+        if (it == d.columns.end()) {
+            d.columns.push_back(c);
+            is_class.push_back(1);
+        } else {
+            is_class[static_cast<std::size_t>(it - d.columns.begin())] = 1;
+        }
+    }
+    for (std::size_t j : d.columns)
+        if (j == d.response) usage_error("the response '" + data.column(j).name + "' is also a regressor");
+    if (d.columns.empty()) data_error(data.source() + " has no regressor for '" + data.column(d.response).name + "'");
+    d.response_name = data.column(d.response).name;
+    d.intercept = !ctx.args.has("no-intercept");
+    const int order = ctx.args.integer("order", 1);
+    if (order != 1 && order != 2) usage_error("--order must be 1 or 2");
+    const int dummy = 1 + choice(ctx.args, "dummy", {"all", "leave-last", "sum-zero"}, d.intercept ? 1 : 0);
+
+    const double *response = data.numbers(d.response);
+    d.n_rows = row_count(data, data.rows());
+    d.n_extra = extra ? row_count(*extra, extra->rows()) : 0;
+    d.y.assign(response, response + data.rows());
+    const std::size_t m = d.columns.size(), n_all = data.rows() + static_cast<std::size_t>(d.n_extra);
+    std::vector<double> x(n_all * m);
+    std::vector<std::vector<std::string>> class_levels(m);
+    std::vector<int> class_positions;
+    for (std::size_t j = 0; j < m; ++j) {
+        const std::size_t c = d.columns[j];
+        const std::string &name = data.column(c).name;
+        const std::size_t extra_c = extra ? extra->find(name) : 0;
+        if (is_class[j]) {
+            // Codes 0, 1, ... in the sorted order of the data's levels.
+            Levels lv = levels(data, c, true);
+            class_levels[j] = lv.names;
+            class_positions.push_back(static_cast<int>(j));
+            for (std::size_t i = 0; i < data.rows(); ++i)
+                x[i * m + j] = lv.of_row[i] < 0 ? std::nan("") : lv.of_row[i];
+            if (extra) {
+                std::vector<std::string> labels = extra->labels(extra_c);
+                for (std::size_t i = 0; i < labels.size(); ++i) {
+                    double code = std::nan("");
+                    if (!labels[i].empty()) {
+                        auto it = std::find(lv.names.begin(), lv.names.end(), labels[i]);
+                        if (it == lv.names.end())
+                            data_error(extra->source() + ": level '" + labels[i] + "' of '" + name + "' is not in " +
+                                       data.source());
+                        code = static_cast<double>(it - lv.names.begin());
+                    }
+                    x[(data.rows() + i) * m + j] = code;
+                }
+            }
+        } else {
+            const double *v = data.numbers(c);
+            for (std::size_t i = 0; i < data.rows(); ++i) x[i * m + j] = v[i];
+            if (extra) {
+                const double *e = extra->numbers(extra_c);
+                for (std::size_t i = 0; i < extra->rows(); ++i) x[(data.rows() + i) * m + j] = e[i];
+            }
+        }
+    }
+    if (class_positions.empty() && order == 1) {
+        d.x = std::move(x);
+        d.n_regressors = static_cast<int>(m);
+        for (std::size_t c : d.columns) d.labels.push_back(data.column(c).name);
+        return d;
+    }
+
+    // Effects in the library's order: the columns; with order 2 then the
+    // square of each continuous column, then each pair i < j.
+    std::vector<std::vector<std::size_t>> effects;
+    for (std::size_t j = 0; j < m; ++j) effects.push_back({j});
+    if (order == 2) {
+        for (std::size_t j = 0; j < m; ++j)
+            if (!is_class[j]) effects.push_back({j, j});
+        for (std::size_t i = 0; i < m; ++i)
+            for (std::size_t j = i + 1; j < m; ++j) effects.push_back({i, j});
+    }
+    for (const auto &e : effects) {
+        std::vector<std::vector<std::string>> parts;
+        for (std::size_t j : e)
+            parts.push_back(column_block(data.column(d.columns[j]).name, is_class[j] ? &class_levels[j] : nullptr, dummy));
+        if (e.size() == 2 && e[0] == e[1]) parts = {{data.column(d.columns[e[0]]).name + "^2"}};
+        for (std::string &l : effect_block(parts)) d.labels.push_back(std::move(l));
+    }
+
+    const int n_class = static_cast<int>(class_positions.size()), n_cont = static_cast<int>(m) - n_class;
+    int no_class = 0;
+    double *regressors = nullptr;
+    int count = zorvs_d_regressors_for_glm(static_cast<int>(n_all), x.data(), n_class, n_cont, ZORVS_X_CLASS_COLUMNS,
+                                           n_class ? class_positions.data() : &no_class, ZORVS_MODEL_ORDER, order,
+                                           ZORVS_DUMMY, dummy, ZORVS_REGRESSORS, &regressors, 0);
+    Owned<double> owned(regressors);
+    library_check();
+    if (count != static_cast<int>(d.labels.size()))
+        throw Failure(status_software, "regressor labels do not match the design");
+    d.n_regressors = count;
+    d.x.assign(regressors, regressors + n_all * static_cast<std::size_t>(count));
+    return d;
+}
+
+void regression_fit(const Context &ctx, Design &d, double *coef, double *anova, double *residuals,
+                    zorvs_d_regression_info **info) {
+    // The library's own default tolerance, 100 eps, unless given.
+    const double tolerance = ctx.args.real("tolerance", 100 * DBL_EPSILON);
+    double *f = const_cast<double *>(ctx.frequencies()), *w = const_cast<double *>(ctx.weights());
+    if (d.intercept)
+        zorvs_d_regression(d.n_rows, d.n_regressors, d.x.data(), d.y.data(), ZORVS_TOLERANCE, tolerance,
+                           ZORVS_FREQUENCIES, f, ZORVS_WEIGHTS, w, ZORVS_REGRESSION_INFO, info,
+                           ZORVS_ANOVA_TABLE_USER, anova, ZORVS_RESIDUAL_USER, residuals, ZORVS_RETURN_USER, coef, 0);
+    else
+        zorvs_d_regression(d.n_rows, d.n_regressors, d.x.data(), d.y.data(), ZORVS_NO_INTERCEPT, ZORVS_TOLERANCE,
+                           tolerance, ZORVS_FREQUENCIES, f, ZORVS_WEIGHTS, w, ZORVS_REGRESSION_INFO, info,
+                           ZORVS_ANOVA_TABLE_USER, anova, ZORVS_RESIDUAL_USER, residuals, ZORVS_RETURN_USER, coef, 0);
+    library_check();
+}
+
+}  // namespace zcli

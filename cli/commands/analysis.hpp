@@ -1,0 +1,95 @@
+// analysis.hpp - pieces shared by the analysis commands (regress, predict,
+// anova, compare, crosstab, gof, signtest, ranksum, normality, diff, arma,
+// forecast, kmeans, pca): option lists, groups of a response, and the
+// layout of an analysis of variance table.
+#ifndef ZORVSTAT_CLI_ANALYSIS_HPP
+#define ZORVSTAT_CLI_ANALYSIS_HPP
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "command.hpp"
+#include "zorvstat.h"
+
+namespace zcli {
+
+// A comma-separated option value ("1,12") as its pieces; absent: empty.
+std::vector<std::string> option_list(const Arguments &args, std::string_view name);
+// The same read as whole numbers (usage error naming the option otherwise).
+std::vector<int> integer_list(const Arguments &args, std::string_view name, std::vector<int> fallback);
+// One of a few words ("tukey", "scheffe", ...): its index, `fallback` when
+// absent; another word is a usage error listing the choices.
+int choice(const Arguments &args, std::string_view name, const std::vector<std::string> &words, int fallback);
+
+// A titled matrix for results, printed with five significant digits
+// (small p-values keep theirs) in the text output.
+Matrix result(std::string title, std::size_t rows, std::size_t columns);
+
+// The row count as the library's int (a data error beyond INT_MAX).
+int row_count(const Data &data, std::size_t rows);
+// For a routine without frequencies or weights: --freq and --weight are
+// refused rather than silently ignored.
+void refuse_freq_weight(const Context &ctx);
+// The first numeric column and the first text column other than `skip`
+// (data error naming what is missing).
+std::size_t first_numeric(const Context &ctx);
+std::size_t first_text(const Context &ctx);
+// The operand at `index`, found, or `fallback()` when there are fewer.
+template <class F>
+std::size_t operand_column(const Context &ctx, std::size_t index, F fallback) {
+    const auto &ops = ctx.args.operands();
+    return index < ops.size() ? ctx.data.find(ops[index]) : fallback();
+}
+
+// The distinct labels of a column (text, or numbers in their shortest
+// form), missing ones left out, with each row's level: -1 for missing.
+struct Levels {
+    std::vector<std::string> names;   // in order of first appearance, or sorted
+    std::vector<int> of_row;
+};
+// `sorted`: names in ascending order (numerically for a numeric column),
+// the order in which the library codes class values; else as they appear.
+Levels levels(const Data &data, std::size_t column, bool sorted);
+
+// The responses of `response` grouped by the levels of `group` (in order of
+// first appearance), group after group, rows in file order; rows with no
+// group are left out.  With --listwise rows with a missing response too.
+struct Groups {
+    std::vector<std::string> names;
+    std::vector<int> sizes;
+    std::vector<double> y;
+};
+Groups grouped(const Context &ctx, std::size_t response, std::size_t group);
+
+// The 15 entries of an analysis of variance table as two matrices: the
+// sources (between / error / total by degrees of freedom, sums of squares,
+// mean squares, F, p-value) and the summary of the fit.
+void anova_output(Output &out, const double table[15], const std::string &title, const std::string &between);
+
+// ---------------------------------------------------------------- regression
+// The regressors of `regress` and `predict` from the operands and --class,
+// --dummy, --order, --no-intercept: the response and regressor columns of
+// the data, and the design matrix of the data's rows followed by the rows
+// of `extra` (new rows to predict, read by column name; null for none).
+struct Design {
+    std::string response_name;
+    std::size_t response = 0;
+    std::vector<std::size_t> columns;        // the regressor columns, in operand order
+    std::vector<std::string> labels;         // one per regressor
+    std::vector<double> x;                   // (rows + extra rows) x n_regressors, row-major
+    std::vector<double> y;                   // the data's rows
+    int n_rows = 0, n_extra = 0, n_regressors = 0;
+    bool intercept = true;
+};
+Design regression_design(const Context &ctx, const Data *extra = nullptr);
+// The fit of the data's rows: coefficients (intercept first), the analysis
+// of variance table (15), residuals (n_rows) and the record, with --freq,
+// --weight and --tolerance.
+void regression_fit(const Context &ctx, Design &d, double *coef, double *anova, double *residuals,
+                    zorvs_d_regression_info **info);
+
+}  // namespace zcli
+
+#endif
