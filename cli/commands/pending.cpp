@@ -12,14 +12,6 @@ int not_yet_built(Context &ctx) {
 
 }  // namespace
 
-const Command gof_command{"gof", "chi-squared goodness of fit", "[COLUMN...]", "", "faithful.csv", {},
-                          not_yet_built};
-const Command signtest_command{"signtest", "sign test of a median", "[COLUMN...]", "", "sleep.csv", {},
-                               not_yet_built};
-const Command ranksum_command{"ranksum", "Wilcoxon rank-sum test of two samples", "[COLUMN...]", "",
-                              "sleep.csv", {}, not_yet_built};
-const Command normality_command{"normality", "Shapiro-Wilk and Lilliefors tests of normality", "[COLUMN...]",
-                                "", "women.csv", {}, not_yet_built};
 const Command diff_command{"diff", "differences of a series", "[COLUMN...]", "", "lynx.csv", {},
                            not_yet_built};
 const Command arma_command{"arma", "ARMA model of a series", "[COLUMN...]", "", "lynx.csv", {}, not_yet_built};
