@@ -301,4 +301,58 @@ void regression_fit(const Context &ctx, Design &d, double *coef, double *anova, 
     library_check();
 }
 
+std::size_t series_column(const Context &ctx) {
+    return operand_column(ctx, 0, [&] { return ctx.select({}).back(); });
+}
+
+void arma_fit(const Context &ctx, bool least_squares, ArmaFit &fit) {
+    refuse_freq_weight(ctx);
+    const std::size_t column = series_column(ctx);
+    fit.name = ctx.data.column(column).name;
+    const int n = row_count(ctx.data, ctx.data.rows());
+    std::vector<double> z(ctx.data.numbers(column), ctx.data.numbers(column) + n);
+    fit.p = ctx.args.integer("p", 1);
+    fit.q = ctx.args.integer("q", 1);
+    fit.least_squares = least_squares || ctx.args.has("least-squares");
+    const bool constant = !ctx.args.has("no-constant");
+    if (!fit.least_squares)
+        for (const char *o : {"no-constant", "ar-lags", "ma-lags", "backcast", "tolerance", "max-iterations"})
+            if (ctx.args.has(o)) usage_error(std::string("--") + o + " serves the least-squares fit: add --least-squares");
+    std::vector<int> ar_default, ma_default;
+    for (int i = 1; i <= fit.p; ++i) ar_default.push_back(i);
+    for (int j = 1; j <= fit.q; ++j) ma_default.push_back(j);
+    fit.ar_lags = integer_list(ctx.args, "ar-lags", ar_default);
+    fit.ma_lags = integer_list(ctx.args, "ma-lags", ma_default);
+    if (fit.p >= 0 && fit.ar_lags.size() != static_cast<std::size_t>(fit.p)) usage_error("--ar-lags must list p lags");
+    if (fit.q >= 0 && fit.ma_lags.size() != static_cast<std::size_t>(fit.q)) usage_error("--ma-lags must list q lags");
+    const std::size_t np = static_cast<std::size_t>(std::max(fit.p, 0) + std::max(fit.q, 0) + 1);
+    fit.parameters.assign(np, std::nan(""));
+    fit.autocov.assign(np + 1, std::nan(""));
+    fit.k = static_cast<int>(np) - (constant ? 0 : 1);
+    fit.covariances.assign(static_cast<std::size_t>(fit.k) * static_cast<std::size_t>(fit.k), std::nan(""));
+    void *info = nullptr;
+    int lag_none = 0;
+    double *ar = fit.parameters.data() + 1, *ma = ar + std::max(fit.p, 0);
+    if (!fit.least_squares) {
+        zorvs_d_arma(n, z.data(), fit.p, fit.q, ZORVS_AUTOCOV_USER, fit.autocov.data(), ZORVS_ARMA_INFO, &info,
+                     ZORVS_RETURN_USER, fit.parameters.data(), ar, ma, 0);
+    } else {
+        // The library's defaults, given explicitly: 10 backcasts with
+        // threshold 0, tolerance max(1e-9, eps^(2/3)), 200 iterations.
+        const double tolerance = ctx.args.real("tolerance", std::max(1.0e-9, std::cbrt(DBL_EPSILON * DBL_EPSILON)));
+        zorvs_d_arma(n, z.data(), fit.p, fit.q, ZORVS_LEAST_SQUARES, constant ? ZORVS_CONSTANT : ZORVS_NO_CONSTANT,
+                     ZORVS_AR_LAGS, fit.p > 0 ? fit.ar_lags.data() : &lag_none, ZORVS_MA_LAGS,
+                     fit.q > 0 ? fit.ma_lags.data() : &lag_none, ZORVS_BACKCASTING, ctx.args.integer("backcast", 10),
+                     0.0, ZORVS_CONVERGENCE_TOLERANCE, tolerance, ZORVS_MAX_ITERATIONS,
+                     ctx.args.integer("max-iterations", 200), ZORVS_PARAM_EST_COV_USER, fit.covariances.data(),
+                     ZORVS_SS_RESIDUAL, &fit.ss_residual, ZORVS_AUTOCOV_USER, fit.autocov.data(), ZORVS_ARMA_INFO,
+                     &info, ZORVS_RETURN_USER, fit.parameters.data(), ar, ma, 0);
+    }
+    fit.info.p = static_cast<zorvs_arma_info *>(info);
+    library_check();
+    fit.labels = {"constant"};
+    for (int i = 0; i < fit.p; ++i) fit.labels.push_back("AR(" + std::to_string(fit.ar_lags[static_cast<std::size_t>(i)]) + ")");
+    for (int j = 0; j < fit.q; ++j) fit.labels.push_back("MA(" + std::to_string(fit.ma_lags[static_cast<std::size_t>(j)]) + ")");
+}
+
 }  // namespace zcli

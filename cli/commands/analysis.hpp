@@ -90,6 +90,28 @@ Design regression_design(const Context &ctx, const Data *extra = nullptr);
 void regression_fit(const Context &ctx, Design &d, double *coef, double *anova, double *residuals,
                     zorvs_d_regression_info **info);
 
+// ---------------------------------------------------------------- series
+// The series of a time-series command: the operand, or the last numeric
+// column (series files hold a time column first).
+std::size_t series_column(const Context &ctx);
+
+// An ARMA fit by zorvs_d_arma with the options --p, --q, and for least
+// squares (`least_squares`, or --least-squares) --no-constant, --ar-lags,
+// --ma-lags, --backcast, --tolerance, --max-iterations.
+struct ArmaFit {
+    std::string name;                 // the series' column
+    int p = 0, q = 0, k = 0;          // k: the parameters estimated (least squares)
+    bool least_squares = false;
+    std::vector<int> ar_lags, ma_lags;
+    std::vector<double> parameters;   // constant, phi, theta
+    std::vector<double> covariances;  // k x k (least squares)
+    std::vector<double> autocov;      // lags 0 to p + q + 1
+    double ss_residual = 0;
+    Owned<zorvs_arma_info> info;
+    std::vector<std::string> labels;  // of the parameters
+};
+void arma_fit(const Context &ctx, bool least_squares, ArmaFit &fit);
+
 }  // namespace zcli
 
 #endif

@@ -12,11 +12,6 @@ int not_yet_built(Context &ctx) {
 
 }  // namespace
 
-const Command diff_command{"diff", "differences of a series", "[COLUMN...]", "", "lynx.csv", {},
-                           not_yet_built};
-const Command arma_command{"arma", "ARMA model of a series", "[COLUMN...]", "", "lynx.csv", {}, not_yet_built};
-const Command forecast_command{"forecast", "forecasts of an ARMA model with their limits", "[COLUMN...]", "",
-                               "lynx.csv", {}, not_yet_built};
 const Command kmeans_command{"kmeans", "k-means clustering", "[COLUMN...]", "", "iris.csv", {},
                              not_yet_built};
 const Command pca_command{"pca", "principal components", "[COLUMN...]", "", "iris.csv", {}, not_yet_built};
