@@ -53,7 +53,7 @@ int run(Context &ctx) {
     int n = static_cast<int>(compact ? kept.size() : data.rows());
 
     Matrix table(ctx.title("Summary of " + data.source()), n_stats + 1, columns.size());
-    table.format = "%12.6w";   // six significant digits of each column's largest value
+    table.format = "%12.6g";   // the rows differ in scale: six significant digits in each cell
     for (std::size_t s = 0; s < n_stats; ++s) table.row_labels.push_back(statistic_names[s]);
     table.row_labels.push_back("missing");
     for (std::size_t k = 0; k < columns.size(); ++k) {

@@ -7,6 +7,7 @@
 // appearance).  Missing values are left out by the routines themselves,
 // sample by sample, with their warning.
 #include <cmath>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -42,10 +43,10 @@ int run(Context &ctx) {
         if (columns.size() != 1) usage_error("--by splits one column");
         std::size_t g = data.find(*by);
         std::vector<std::string> groups = data.labels(g);
-        std::vector<std::string> levels;
+        std::vector<std::string> levels;   // in order of first appearance
+        std::set<std::string> seen;
         for (const std::string &label : groups)
-            if (!label.empty() && (levels.empty() || (label != levels[0] && (levels.size() < 2 || label != levels[1]))))
-                levels.push_back(label);
+            if (!label.empty() && seen.insert(label).second) levels.push_back(label);
         if (levels.size() != 2)
             data_error("--by column '" + data.column(g).name + "' must hold two groups, not " +
                        std::to_string(levels.size()));
