@@ -121,6 +121,8 @@ public:
     Data &operator=(const Data &) = delete;
 
     std::size_t rows() const { return rows_; }
+    // The row count as the int a library routine takes (data error beyond).
+    int int_rows() const;
     std::size_t columns() const { return columns_.size(); }
     const Column &column(std::size_t index) const { return columns_[index]; }
     const std::string &source() const { return source_; }   // file name as given, or the sample's
@@ -188,6 +190,10 @@ public:
     // A line of text for people (text format), a note (json).
     virtual void note(const std::string &line) = 0;
 };
+
+// The shortest text that reads back to the same double ("" for NaN): for
+// numbers in labels and notes.
+std::string shortest(double v);
 
 // ---------------------------------------------------------------- the library
 // After a library call: pass its messages on to standard error (the library

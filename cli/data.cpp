@@ -316,13 +316,22 @@ void Data::read_stream(int fd, const std::string &name, char separator, bool pro
 
 void Data::read_file(const std::string &path, char separator, bool progress, const std::string &shown_as) {
     int fd = ::open(path.c_str(), O_RDONLY);
-    if (fd < 0) throw Failure(status_no_input, "cannot open '" + path + "': " + std::strerror(errno));
+    if (fd < 0) {
+        std::string hint = errno == ENOENT ? " (a command's first word is its file; --sample keeps the sample)" : "";
+        throw Failure(status_no_input, "cannot open '" + path + "': " + std::strerror(errno) + hint);
+    }
     struct Closer {
         int fd;
         ~Closer() { ::close(fd); }
     } closer{fd};
     read_stream(fd, "'" + path + "'", separator, progress);
     source_ = shown_as.empty() ? path : shown_as;
+}
+
+int Data::int_rows() const {
+    if (rows_ > static_cast<std::size_t>(std::numeric_limits<int>::max()))
+        data_error(source_ + " has " + std::to_string(rows_) + " rows, more than a library routine takes");
+    return static_cast<int>(rows_);
 }
 
 std::size_t Data::find(std::string_view selection) const {

@@ -27,9 +27,6 @@ void library_flush();
 // The message texts passed on so far (for the json output).
 const std::vector<std::string> &library_messages();
 
-// Shortest text that reads back to the same double ("" for NaN).
-std::string shortest(double v);
-
 }  // namespace zcli
 
 #endif

@@ -33,10 +33,12 @@ void library_flush() {
         std::size_t from = text.find_first_not_of('\n');
         if (from == std::string::npos) return;
         text.erase(0, from);
-        if (text.back() != '\n') text += '\n';
-        std::fputs(text.c_str(), stderr);
+        while (!text.empty() && text.back() == '\n') text.pop_back();
+        // The same message from the same routine again (one call per column,
+        // say) is said once.
+        if (!lv_messages.empty() && lv_messages.back() == text) return;
+        std::fprintf(stderr, "%s\n", text.c_str());
         std::fflush(stderr);
-        text.pop_back();
         lv_messages.push_back(text);
     }
 }

@@ -2,6 +2,7 @@
 // run the command, and write its output only when it succeeded.
 #include <unistd.h>
 
+#include <cerrno>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -213,7 +214,9 @@ int run(int argc, char **argv) {
         ctx.out = out.get();
         int status = command->run(ctx);
         if (status != status_ok) return status;
-        return out->finish(stdout) ? status_ok : status_output;
+        if (out->finish(stdout)) return status_ok;
+        std::fprintf(stderr, "zorvstat %s: cannot write the output: %s\n", command->name, std::strerror(errno));
+        return status_output;
     } catch (const Failure &f) {
         library_flush();
         if (*f.what()) std::fprintf(stderr, "zorvstat %s: %s\n", command->name, f.what());

@@ -51,6 +51,8 @@ public:
         stream_ = open_memstream(&buffer_, &size_);
         if (!stream_) throw Failure(status_software, "cannot open an output buffer");
         zorvs_output_file(ZORVS_SET_OUTPUT_FILE, stream_, 0);
+        int blank = 1;   // a missing value prints as blanks
+        zorvs_write_options(-4, &blank);
     }
     ~TextOutput() override {
         zorvs_output_file(ZORVS_SET_OUTPUT_FILE, stdout, 0);
@@ -82,6 +84,8 @@ public:
     }
     void note(const std::string &line) override { std::fprintf(stream_, "\n%s\n", line.c_str()); }
     bool finish(FILE *f) override {
+        // The printer starts each line with its line feed: end the last one.
+        if (size_ == 0 || buffer_[size_ - 1] != '\n') std::fputc('\n', stream_);
         std::fflush(stream_);
         return std::fwrite(buffer_, 1, size_, f) == size_ && std::fflush(f) == 0;
     }

@@ -7,7 +7,6 @@
 // weight) are left out of every column; then the columns are compacted one
 // at a time, so the memory beyond the data is one column.  The columns are
 // read where they lie: no row-major copy of the whole data is made.
-#include <climits>
 #include <cmath>
 #include <string>
 #include <vector>
@@ -30,7 +29,7 @@ int run(Context &ctx) {
     double confidence = ctx.args.real("confidence", 95.0);
     bool median = ctx.args.has("median");
     const std::size_t n_stats = median ? 17 : 14;
-    if (data.rows() > static_cast<std::size_t>(INT_MAX)) data_error(data.source() + " has too many rows");
+    data.int_rows();
     for (std::size_t j : columns) data.numbers(j);   // a text column is an error before any work
 
     // The rows kept by --listwise.
@@ -54,7 +53,7 @@ int run(Context &ctx) {
     int n = static_cast<int>(compact ? kept.size() : data.rows());
 
     Matrix table(ctx.title("Summary of " + data.source()), n_stats + 1, columns.size());
-    table.format = "%12.6w";   // six significant digits of each column's largest value
+    table.format = "%12.6g";   // the rows differ in scale: six significant digits in each cell
     for (std::size_t s = 0; s < n_stats; ++s) table.row_labels.push_back(statistic_names[s]);
     table.row_labels.push_back("missing");
     for (std::size_t k = 0; k < columns.size(); ++k) {
