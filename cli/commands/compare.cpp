@@ -39,7 +39,7 @@ int run(Context &ctx) {
         reciprocal += 1.0 / c;
         equal = equal && c == counts[0];
     }
-    const double n_mean = static_cast<double>(groups) / reciprocal;
+    const double n_mean = equal ? counts[0] : static_cast<double>(groups) / reciprocal;
     const double std_error = std::sqrt(table[7] / n_mean);
     const int df = static_cast<int>(table[1]);
     const double alpha = ctx.args.real("alpha", 0.01);

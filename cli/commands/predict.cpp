@@ -22,7 +22,14 @@ namespace {
 int run(Context &ctx) {
     Data fresh;
     const bool new_rows = ctx.args.has("new");
-    if (new_rows) fresh.read_file(*ctx.args.value("new"), ctx.common.separator, false);
+    if (new_rows) {
+        // The separator as for the data: given, else by the file's name.
+        const std::string path = *ctx.args.value("new");
+        char sep = ctx.common.separator;
+        auto ends = [&](const char *e) { return path.size() >= 4 && path.compare(path.size() - 4, 4, e) == 0; };
+        if (!sep) sep = ends(".tsv") || ends(".tab") ? '\t' : ',';
+        fresh.read_file(path, sep, false);
+    }
     Design d = regression_design(ctx, new_rows ? &fresh : nullptr);
     const int p = d.n_regressors + (d.intercept ? 1 : 0);
     std::vector<double> anova(15), coef(static_cast<std::size_t>(p)), residuals(static_cast<std::size_t>(d.n_rows));

@@ -5,35 +5,10 @@
 // the exit status and message of every kind of error.
 #include <sys/wait.h>
 
-#include "support/tables.hpp"
+#include "support/cli.hpp"
 
 namespace zorvs_test {
 namespace {
-
-const std::string data_dir = std::string(ZORVS_TEST_DATA_DIR) + "/cli";
-
-struct Outcome {
-    int status;
-    std::string out, err;
-};
-
-// The program with `args` ("@/" stands for the samples' folder), in the
-// folder of the test files, standard input from `input` (a file there) or
-// empty, standard output to `out_to` or captured.
-Outcome zorvstat(std::string args, const std::string &input = "", const std::string &out_to = "") {
-    for (std::size_t at; (at = args.find("@/")) != std::string::npos;)
-        args.replace(at, 2, std::string(ZORVSTAT_SAMPLES) + "/");
-    std::string scratch = ::testing::TempDir() + "zorvstat_" + std::to_string(::getpid());
-    std::string command = "cd '" + data_dir + "' && env -u ZORVSTAT_DATA -u ZORVSERRPATH '" ZORVSTAT_PROGRAM "' " +
-                          args + " < " + (input.empty() ? "/dev/null" : "'" + input + "'") + " > " +
-                          (out_to.empty() ? scratch + ".out" : out_to) + " 2> " + scratch + ".err";
-    int rc = std::system(command.c_str());
-    Outcome r{WIFEXITED(rc) ? WEXITSTATUS(rc) : -1, out_to.empty() ? read_all(scratch + ".out") : "",
-          read_all(scratch + ".err")};
-    std::remove((scratch + ".out").c_str());
-    std::remove((scratch + ".err").c_str());
-    return r;
-}
 
 // ---------------------------------------------------------------- printer
 // The text output of a command line, against tests/data/cli/NAME.txt.
@@ -61,47 +36,6 @@ TEST(CliText, PrintsThroughTheMatrixPrinter) {
 }
 
 // ---------------------------------------------------------------- exact values
-// A cell of --format csv output: (table, row, column) -> value text.
-using Cells = std::map<std::array<std::string, 3>, std::string>;
-
-Cells parse_csv(const std::string &text) {
-    Cells cells;
-    std::vector<std::string> fields(1);
-    bool quoted = false, header = true;
-    for (std::size_t k = 0; k < text.size(); ++k) {
-        char c = text[k];
-        if (quoted) {
-            if (c != '"') fields.back() += c;
-            else if (k + 1 < text.size() && text[k + 1] == '"') fields.back() += text[++k];
-            else quoted = false;
-        } else if (c == '"') {
-            quoted = true;
-        } else if (c == ',') {
-            fields.emplace_back();
-        } else if (c == '\n') {
-            EXPECT_EQ(fields.size(), 4u);
-            if (!header && fields.size() == 4) cells[{fields[0], fields[1], fields[2]}] = fields[3];
-            header = false;
-            fields.assign(1, "");
-        } else {
-            fields.back() += c;
-        }
-    }
-    return cells;
-}
-
-// The cells the library gives: a table of `rows` x `columns` values.
-void add_table(Cells &cells, const std::string &title, const std::vector<std::string> &row_labels,
-               const std::vector<std::string> &column_labels, const double *values) {
-    for (std::size_t i = 0; i < row_labels.size(); ++i)
-        for (std::size_t j = 0; j < column_labels.size(); ++j) {
-            double v = values[i * column_labels.size() + j];
-            char text[40] = "";
-            if (!std::isnan(v)) std::snprintf(text, sizeof text, "%.17g", v);
-            cells[{title, row_labels[i], column_labels[j]}] = text;
-        }
-}
-
 const std::vector<std::string> statistic_rows = {
     "mean",     "variance",      "std. dev.",     "skewness",      "kurtosis",      "minimum",
     "maximum",  "range",         "coef. var.",    "count",         "lower CL mean", "upper CL mean",
@@ -123,15 +57,6 @@ void describe_cells(Cells &cells, const std::string &title, const std::vector<st
 // The values of the test files, as the reader must see them.
 const std::vector<double> reader_a = {1.5, -2, NaN, NaN, 1e-3}, reader_b = {2, 7, 1e3, 4.25, NaN},
                           reader_c = {3, NaN, NaN, -0.5, 6};
-std::vector<double> sample_column(const std::string &file, int column) {
-    std::istringstream in(read_all(std::string(ZORVSTAT_SAMPLES) + "/" + file));
-    std::string line;
-    std::getline(in, line);
-    std::vector<double> v;
-    while (std::getline(in, line)) v.push_back(std::strtod(split(line, ',')[column].c_str(), nullptr));
-    return v;
-}
-
 TEST(CliCsv, EqualsTheLibraryRoutineBitForBit) {
     Quiet quiet;
     const struct {
