@@ -285,6 +285,16 @@ Design regression_design(const Context &ctx, const Data *extra) {
     return d;
 }
 
+std::vector<OptionSpec> design_options() {
+    return {
+        {"class", "COLS", "regressors that are class variables, comma-separated"},
+        {"dummy", "SCHEME", "dummies of a class: all, leave-last (default with intercept), sum-zero"},
+        {"order", "N", "1: main effects (default); 2: also squares and products of pairs"},
+        {"no-intercept", "", "fit no intercept"},
+        {"tolerance", "T", "rank tolerance (default 100 eps)"},
+    };
+}
+
 void regression_fit(const Context &ctx, Design &d, double *coef, double *anova, double *residuals,
                     zorvs_d_regression_info **info) {
     // The library's own default tolerance, 100 eps, unless given.
@@ -353,6 +363,22 @@ void arma_fit(const Context &ctx, bool least_squares, ArmaFit &fit) {
     fit.labels = {"constant"};
     for (int i = 0; i < fit.p; ++i) fit.labels.push_back("AR(" + std::to_string(fit.ar_lags[static_cast<std::size_t>(i)]) + ")");
     for (int j = 0; j < fit.q; ++j) fit.labels.push_back("MA(" + std::to_string(fit.ma_lags[static_cast<std::size_t>(j)]) + ")");
+}
+
+std::vector<OptionSpec> arma_options(bool forecast) {
+    const std::string ls = forecast ? "" : " (least squares)";
+    std::vector<OptionSpec> o = {
+        {"p", "P", "autoregressive order (default 1)"},
+        {"q", "Q", "moving-average order (default 1)"},
+        {"no-constant", "", "fit no constant" + ls},
+        {"ar-lags", "LIST", "lags of the autoregressive parameters, default 1..p" + ls},
+        {"ma-lags", "LIST", "lags of the moving-average parameters, default 1..q" + ls},
+        {"backcast", "L", "backcast length, default 10" + ls},
+        {"tolerance", "T", "convergence tolerance of the search" + ls},
+        {"max-iterations", "N", "limit of the search, default 200" + ls},
+    };
+    if (!forecast) o.insert(o.begin() + 2, {"least-squares", "", "least squares started from the moments estimate"});
+    return o;
 }
 
 }  // namespace zcli

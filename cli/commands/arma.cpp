@@ -70,17 +70,7 @@ const Command arma_command{
     "autocovariances of the series.  The moving-average parameters have Box\n"
     "and Jenkins' sign: z(t) = c + sum phi z(t-i) + a(t) - sum theta a(t-j).",
     "lakehuron.csv",
-    {
-        {"p", "P", "autoregressive order (default 1)"},
-        {"q", "Q", "moving-average order (default 1)"},
-        {"least-squares", "", "least squares started from the moments estimate"},
-        {"no-constant", "", "least squares without a constant"},
-        {"ar-lags", "LIST", "lags of the autoregressive parameters (least squares; default 1..p)"},
-        {"ma-lags", "LIST", "lags of the moving-average parameters (least squares; default 1..q)"},
-        {"backcast", "L", "backcast length (least squares; default 10)"},
-        {"tolerance", "T", "convergence tolerance of the search (least squares)"},
-        {"max-iterations", "N", "limit of the search (least squares; default 200)"},
-    },
+    arma_options(false),
     run,
 };
 

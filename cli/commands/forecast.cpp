@@ -53,18 +53,14 @@ const Command forecast_command{
     "least squares and forecasts it --leads steps past its end, with\n"
     "probability limits and the psi weights of the model.",
     "lakehuron.csv",
-    {
-        {"leads", "H", "number of forecasts (default 10)"},
-        {"confidence", "P", "confidence level of the limits, per cent (default 95)"},
-        {"p", "P", "autoregressive order (default 1)"},
-        {"q", "Q", "moving-average order (default 1)"},
-        {"no-constant", "", "fit no constant"},
-        {"ar-lags", "LIST", "lags of the autoregressive parameters (default 1..p)"},
-        {"ma-lags", "LIST", "lags of the moving-average parameters (default 1..q)"},
-        {"backcast", "L", "backcast length (default 10)"},
-        {"tolerance", "T", "convergence tolerance of the search"},
-        {"max-iterations", "N", "limit of the search (default 200)"},
-    },
+    [] {
+        std::vector<OptionSpec> o = {
+            {"leads", "H", "number of forecasts (default 10)"},
+            {"confidence", "P", "confidence level of the limits, per cent (default 95)"},
+        };
+        for (OptionSpec &a : arma_options(true)) o.push_back(a);
+        return o;
+    }(),
     run,
 };
 

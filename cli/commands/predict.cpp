@@ -108,15 +108,14 @@ const Command predict_command{
     "residuals, Cook's distance, DFFITS).  With --new FILE the rows of FILE\n"
     "are predicted instead (columns by the regressors' names).",
     "cars.csv",
-    {
-        {"new", "FILE", "predict the rows of FILE (CSV or TSV with the regressors' columns)"},
-        {"confidence", "P", "confidence level of the limits, per cent (default 95)"},
-        {"class", "COLS", "regressors that are class variables, comma-separated"},
-        {"dummy", "SCHEME", "dummies of a class: all, leave-last (default with intercept), sum-zero"},
-        {"order", "N", "1: main effects (default); 2: also squares and products of pairs"},
-        {"no-intercept", "", "fit no intercept"},
-        {"tolerance", "T", "rank tolerance (default 100 eps)"},
-    },
+    [] {
+        std::vector<OptionSpec> o = {
+            {"new", "FILE", "predict the rows of FILE (CSV or TSV with the regressors' columns)"},
+            {"confidence", "P", "confidence level of the limits, per cent (default 95)"},
+        };
+        for (OptionSpec &d : design_options()) o.push_back(d);
+        return o;
+    }(),
     run,
 };
 

@@ -67,14 +67,11 @@ const Command regress_command{
     "variables of their levels in ascending order; rows with a missing value\n"
     "are left out of the fit.",
     "stackloss.csv",
-    {
-        {"class", "COLS", "regressors that are class variables, comma-separated"},
-        {"dummy", "SCHEME", "dummies of a class: all, leave-last (default with intercept), sum-zero"},
-        {"order", "N", "1: main effects (default); 2: also squares and products of pairs"},
-        {"no-intercept", "", "fit no intercept"},
-        {"tolerance", "T", "rank tolerance (default 100 eps)"},
-        {"residuals", "", "also print the residual of each row"},
-    },
+    [] {
+        std::vector<OptionSpec> o = design_options();
+        o.push_back({"residuals", "", "also print the residual of each row"});
+        return o;
+    }(),
     run,
 };
 

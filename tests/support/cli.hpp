@@ -98,6 +98,16 @@ inline std::vector<std::vector<std::string>> sample_fields(const std::string &fi
     }
     return rows;
 }
+// Every cell of `expected` in the csv output `text`, with the same value text.
+inline void expect_cells(const std::string &text, const Cells &expected) {
+    Cells got = parse_csv(text);
+    for (const auto &[key, value] : expected) {
+        auto it = got.find(key);
+        ASSERT_NE(it, got.end()) << key[0] << " / " << key[1] << " / " << key[2];
+        EXPECT_EQ(it->second, value) << key[0] << " / " << key[1] << " / " << key[2];
+    }
+}
+
 // A sample's column as numbers.
 inline std::vector<double> sample_column(const std::string &file, int column) {
     std::istringstream in(read_all(std::string(ZORVSTAT_SAMPLES) + "/" + file));
