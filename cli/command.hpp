@@ -233,9 +233,11 @@ struct Context {
     Output *out = nullptr;
 
     // The --freq and --weight columns (null when not given), as numeric
-    // columns of the data.
+    // columns of the data.  A command that never asks for them refuses
+    // them: the run ends with a usage error instead of ignoring them.
     const double *frequencies() const;
     const double *weights() const;
+    mutable bool asked_frequencies = false, asked_weights = false;
     // The columns named by `selections` (the operands, usually); none named:
     // every numeric column but the frequency and weight columns.
     std::vector<std::size_t> select(const std::vector<std::string> &selections) const;

@@ -239,6 +239,7 @@ TEST(CliErrors, ExitStatusAndMessage) {
         {"describe empty.csv", "", 65, "is empty: a header line is needed", false},
         {"describe -", "", 65, "standard input is empty", false},
         {"describe --weight nothing --sample", "", 65, "no column 'nothing'", false},
+        {"rank --sample --freq dist speed", "", 64, "rank takes no --freq", false},
         {"describe --sample --confidence 100", "", 5, "The confidence level for", false},
         {"table --sample --intervals 0", "", 5, "TERMINAL Error from zorvs_d_table_oneway", false},
         {"cor negative_freq.csv x --freq f", "", 4, "FATAL    Error NEGATIVE_FREQUENCY from zorvs_d_covariances", false},
