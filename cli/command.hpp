@@ -136,6 +136,14 @@ public:
     // The fields of any column as labels: a text column's own texts, a
     // numeric column's values in their shortest exact form ("" for missing).
     std::vector<std::string> labels(std::size_t index) const;
+    // The distinct labels of a column in order of first appearance, and
+    // each row's place among them (-1 for a missing field): the groups of a
+    // class column, for splitting samples or building a table.
+    struct Groups {
+        std::vector<std::string> levels;
+        std::vector<int> of_row;
+    };
+    Groups groups(std::size_t index) const;
     // The numeric columns, in file order, less those named in `except`
     // (the frequency and weight columns, say): the default selection.
     std::vector<std::size_t> numeric_columns(const std::vector<std::size_t> &except = {}) const;

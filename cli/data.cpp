@@ -24,6 +24,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <map>
 #include <new>
 #include <string>
 #include <vector>
@@ -361,6 +362,23 @@ std::vector<std::string> Data::labels(std::size_t index) const {
     std::vector<std::string> out(rows_);
     for (std::size_t i = 0; i < rows_; ++i) out[i] = shortest(c.values[i]);
     return out;
+}
+
+Data::Groups Data::groups(std::size_t index) const {
+    Groups g;
+    std::vector<std::string> labels = this->labels(index);
+    std::map<std::string, int> place;
+    g.of_row.reserve(labels.size());
+    for (const std::string &label : labels) {
+        if (label.empty()) {
+            g.of_row.push_back(-1);
+            continue;
+        }
+        auto [it, fresh] = place.emplace(label, static_cast<int>(g.levels.size()));
+        if (fresh) g.levels.push_back(label);
+        g.of_row.push_back(it->second);
+    }
+    return g;
 }
 
 std::vector<std::size_t> Data::numeric_columns(const std::vector<std::size_t> &except) const {
