@@ -55,6 +55,19 @@ struct Failure : std::runtime_error {
 [[noreturn]] void usage_error(const std::string &message);   // status_usage
 [[noreturn]] void data_error(const std::string &message);    // status_data
 
+// The entry of `table` (entries with a `name`) named `given`; otherwise a
+// usage error listing the names, each followed by detail(entry) if given.
+template <class Entry, std::size_t N>
+const Entry &choose(const Entry (&table)[N], const std::string &given, const std::string &what,
+                    std::string (*detail)(const Entry &) = nullptr) {
+    std::string names;
+    for (const Entry &e : table) {
+        if (given == e.name) return e;
+        names += std::string("\n  ") + e.name + (detail ? " " + detail(e) : std::string());
+    }
+    usage_error((given.empty() ? "name a " + what : "no " + what + " '" + given + "'") + "; one of:" + names);
+}
+
 // ---------------------------------------------------------------- options
 // One option of a command, beyond the common ones.  Written `--name VALUE`,
 // `--name=VALUE`, or `--name` for a flag.
