@@ -23,8 +23,13 @@ struct Outcome {
 Outcome zorvstat(std::string args, const std::string &input = "", const std::string &out_to = "") {
     for (std::size_t at; (at = args.find("@/")) != std::string::npos;)
         args.replace(at, 2, std::string(ZORVSTAT_SAMPLES) + "/");
+    std::string environment;   // leading NAME=VALUE words
+    while (args.find('=') < args.find(' ') && args.find('=') != std::string::npos) {
+        environment += args.substr(0, args.find(' ') + 1);
+        args.erase(0, args.find(' ') + 1);
+    }
     std::string scratch = ::testing::TempDir() + "zorvstat_" + std::to_string(::getpid());
-    std::string command = "cd '" + data_dir + "' && env -u ZORVSTAT_DATA -u ZORVSERRPATH '" ZORVSTAT_PROGRAM "' " +
+    std::string command = "cd '" + data_dir + "' && env -u ZORVSTAT_DATA -u ZORVSERRPATH " + environment + "'" ZORVSTAT_PROGRAM "' " +
                           args + " < " + (input.empty() ? "/dev/null" : "'" + input + "'") + " > " +
                           (out_to.empty() ? scratch + ".out" : out_to) + " 2> " + scratch + ".err";
     int rc = std::system(command.c_str());
@@ -45,6 +50,7 @@ TEST(CliText, PrintsThroughTheMatrixPrinter) {
         {"describe_airquality_median", "describe @/airquality.csv --median Ozone Solar.R --title Airquality"},
         {"table_faithful", "table"},
         {"table_labels", "table reader.csv label"},
+        {"table_labels", "ZORVSTAT_BLOCK=5 table reader.csv label"},
         {"ttest_sleep_groups", "ttest --sample extra --by group --title 'Sleep by drug'"},
         {"cor_stackloss", "cor"},
         {"rank_women_blom", "rank @/women.csv --scores blom height --title Women"},
@@ -139,6 +145,8 @@ TEST(CliCsv, EqualsTheLibraryRoutineBitForBit) {
         std::function<void(Cells &)> expected;
     } rows[] = {
         {"describe reader.csv a 'b b' 4", "",
+         [](Cells &c) { describe_cells(c, "Summary of reader.csv", {"a", "b b", "c"}, {reader_a, reader_b, reader_c}); }},
+        {"ZORVSTAT_BLOCK=3 describe reader.csv a 'b b' 4", "",
          [](Cells &c) { describe_cells(c, "Summary of reader.csv", {"a", "b b", "c"}, {reader_a, reader_b, reader_c}); }},
         {"describe --tsv - 1 2 c", "reader.tsv",
          [](Cells &c) {
