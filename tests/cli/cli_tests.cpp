@@ -121,7 +121,6 @@ void describe_cells(Cells &cells, const std::string &title, const std::vector<st
         zorvs_d_simple_statistics(static_cast<int>(columns[k].size()), 1, columns[k].data(),
                                   ZORVS_MISSING_ELEMENTWISE, ZORVS_RETURN_USER, s.data(), 0);
         s[14] = static_cast<double>(std::count_if(columns[k].begin(), columns[k].end(), [](double v) { return std::isnan(v); }));
-        std::vector<double> column_k(15);
         add_table(cells, title, statistic_rows, {names[k]}, s.data());
     }
 }
@@ -154,6 +153,13 @@ TEST(CliCsv, EqualsTheLibraryRoutineBitForBit) {
          }},
         {"describe reader.csv --listwise a c", "",
          [](Cells &c) { describe_cells(c, "Summary of reader.csv", {"a", "c"}, {{1.5, 1e-3}, {3, 6}}); }},
+        {"describe weighted.csv --freq f --weight w", "",
+         [](Cells &c) {
+             double x[5] = {1.5, 2.25, NaN, 4, -1}, f[5] = {2, 1, 3, 1, 2}, w[5] = {0.5, 1, 1, 2, 1.5}, s[15];
+             zorvs_d_simple_statistics(5, 1, x, ZORVS_FREQUENCIES, f, ZORVS_WEIGHTS, w, ZORVS_RETURN_USER, s, 0);
+             s[14] = 1;
+             add_table(c, "Summary of weighted.csv", statistic_rows, {"x"}, s);
+         }},
         {"cor @/cars.csv --covariance speed dist", "",
          [](Cells &c) {
              std::vector<double> speed = sample_column("cars.csv", 0), dist = sample_column("cars.csv", 1), x;
