@@ -55,6 +55,19 @@ struct Failure : std::runtime_error {
 [[noreturn]] void usage_error(const std::string &message);   // status_usage
 [[noreturn]] void data_error(const std::string &message);    // status_data
 
+// The entry of `table` (entries with a `name`) named `given`; otherwise a
+// usage error listing the names, each followed by detail(entry) if given.
+template <class Entry, std::size_t N>
+const Entry &choose(const Entry (&table)[N], const std::string &given, const std::string &what,
+                    std::string (*detail)(const Entry &) = nullptr) {
+    std::string names;
+    for (const Entry &e : table) {
+        if (given == e.name) return e;
+        names += std::string("\n  ") + e.name + (detail ? " " + detail(e) : std::string());
+    }
+    usage_error((given.empty() ? "name a " + what : "no " + what + " '" + given + "'") + "; one of:" + names);
+}
+
 // ---------------------------------------------------------------- options
 // One option of a command, beyond the common ones.  Written `--name VALUE`,
 // `--name=VALUE`, or `--name` for a flag.
@@ -136,6 +149,14 @@ public:
     // The fields of any column as labels: a text column's own texts, a
     // numeric column's values in their shortest exact form ("" for missing).
     std::vector<std::string> labels(std::size_t index) const;
+    // The distinct labels of a column in order of first appearance, and
+    // each row's place among them (-1 for a missing field): the groups of a
+    // class column, for splitting samples or building a table.
+    struct Groups {
+        std::vector<std::string> levels;
+        std::vector<int> of_row;
+    };
+    Groups groups(std::size_t index) const;
     // The numeric columns, in file order, less those named in `except`
     // (the frequency and weight columns, say): the default selection.
     std::vector<std::size_t> numeric_columns(const std::vector<std::size_t> &except = {}) const;
@@ -233,9 +254,11 @@ struct Context {
     Output *out = nullptr;
 
     // The --freq and --weight columns (null when not given), as numeric
-    // columns of the data.
+    // columns of the data.  A command that never asks for them refuses
+    // them: the run ends with a usage error instead of ignoring them.
     const double *frequencies() const;
     const double *weights() const;
+    mutable bool asked_frequencies = false, asked_weights = false;
     // The columns named by `selections` (the operands, usually); none named:
     // every numeric column but the frequency and weight columns.
     std::vector<std::size_t> select(const std::vector<std::string> &selections) const;

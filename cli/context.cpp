@@ -51,10 +51,12 @@ int Arguments::integer(std::string_view name, int fallback) const {
 }
 
 const double *Context::frequencies() const {
+    asked_frequencies = true;
     return common.freq_column.empty() ? nullptr : data.numbers(data.find(common.freq_column));
 }
 
 const double *Context::weights() const {
+    asked_weights = true;
     return common.weight_column.empty() ? nullptr : data.numbers(data.find(common.weight_column));
 }
 

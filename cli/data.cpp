@@ -24,6 +24,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <map>
 #include <new>
 #include <string>
 #include <vector>
@@ -103,6 +104,14 @@ struct Field {
 
 }  // namespace
 
+// The size of the read buffer: 4 MB, or ZORVSTAT_BLOCK bytes, which the
+// tests set small so that records and fields cross its end everywhere.
+std::size_t block_size() {
+    const char *s = std::getenv("ZORVSTAT_BLOCK");
+    long n = s ? std::atol(s) : 0;
+    return n > 0 ? static_cast<std::size_t>(n) : std::size_t(1) << 22;
+}
+
 struct DataReader {
     Data &data;
     char sep;
@@ -113,7 +122,7 @@ struct DataReader {
     off_t done = 0;               // bytes read
     int shown = -1;               // progress shown so far (per cent or 64 MB steps)
 
-    std::vector<char> buffer = std::vector<char>(std::size_t(1) << 22);
+    std::vector<char> buffer = std::vector<char>(block_size());
     std::size_t begin = 0, end = 0;
     bool eof = false;
     std::size_t line = 0;         // lines consumed
@@ -198,6 +207,7 @@ struct DataReader {
                     break;
                 }
                 if (p < e && *p == '\r' && (p + 1 == e || p[1] == '\n')) ++p;
+                if (p == e && !eof) return nullptr;   // what follows the quote is still to come
                 if (p < e && *p != sep && *p != '\n')
                     malformed("a character follows a closing quote", line + 1 + lines);
                 fields.push_back({nullptr, k});
@@ -361,6 +371,23 @@ std::vector<std::string> Data::labels(std::size_t index) const {
     std::vector<std::string> out(rows_);
     for (std::size_t i = 0; i < rows_; ++i) out[i] = shortest(c.values[i]);
     return out;
+}
+
+Data::Groups Data::groups(std::size_t index) const {
+    Groups g;
+    std::vector<std::string> labels = this->labels(index);
+    std::map<std::string, int> place;
+    g.of_row.reserve(labels.size());
+    for (const std::string &label : labels) {
+        if (label.empty()) {
+            g.of_row.push_back(-1);
+            continue;
+        }
+        auto [it, fresh] = place.emplace(label, static_cast<int>(g.levels.size()));
+        if (fresh) g.levels.push_back(label);
+        g.of_row.push_back(it->second);
+    }
+    return g;
 }
 
 std::vector<std::size_t> Data::numeric_columns(const std::vector<std::size_t> &except) const {

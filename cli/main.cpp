@@ -214,6 +214,10 @@ int run(int argc, char **argv) {
         ctx.out = out.get();
         int status = command->run(ctx);
         if (status != status_ok) return status;
+        if (!ctx.common.freq_column.empty() && !ctx.asked_frequencies)
+            usage_error(std::string(command->name) + " takes no --freq");
+        if (!ctx.common.weight_column.empty() && !ctx.asked_weights)
+            usage_error(std::string(command->name) + " takes no --weight");
         if (out->finish(stdout)) return status_ok;
         std::fprintf(stderr, "zorvstat %s: cannot write the output: %s\n", command->name, std::strerror(errno));
         return status_output;

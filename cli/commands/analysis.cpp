@@ -32,31 +32,10 @@ std::vector<int> integer_list(const Arguments &args, std::string_view name, std:
     return out;
 }
 
-int choice(const Arguments &args, std::string_view name, const std::vector<std::string> &words, int fallback) {
-    auto v = args.value(name);
-    if (!v) return fallback;
-    std::string list;
-    for (std::size_t k = 0; k < words.size(); ++k) {
-        if (*v == words[k]) return static_cast<int>(k);
-        list += (k ? ", " : "") + words[k];
-    }
-    usage_error("--" + std::string(name) + " must be one of " + list + ", not '" + *v + "'");
-}
-
 Matrix result(std::string title, std::size_t rows, std::size_t columns) {
     Matrix m(std::move(title), rows, columns);
     m.format = "%12.5g";
     return m;
-}
-
-int row_count(const Data &data, std::size_t rows) {
-    if (rows > static_cast<std::size_t>(INT_MAX)) data_error(data.source() + " has too many rows");
-    return static_cast<int>(rows);
-}
-
-void refuse_freq_weight(const Context &ctx) {
-    if (!ctx.common.freq_column.empty() || !ctx.common.weight_column.empty())
-        usage_error(std::string("'") + ctx.command.name + "' takes no frequencies or weights");
 }
 
 std::size_t first_numeric(const Context &ctx) {
@@ -70,44 +49,40 @@ std::size_t first_text(const Context &ctx) {
     data_error(ctx.data.source() + " has no text column to take the groups from: name the group column");
 }
 
-Levels levels(const Data &data, std::size_t column, bool sorted) {
-    std::vector<std::string> labels = data.labels(column);
-    const Column &c = data.column(column);
-    Levels out;
-    std::map<std::string, int> seen;
-    for (const std::string &l : labels) {
-        if (l.empty()) continue;
-        if (seen.emplace(l, static_cast<int>(out.names.size())).second) out.names.push_back(l);
-    }
-    if (sorted) {
-        if (c.numeric) {
-            std::sort(out.names.begin(), out.names.end(), [&](const std::string &a, const std::string &b) {
-                return std::strtod(a.c_str(), nullptr) < std::strtod(b.c_str(), nullptr);
-            });
-        } else {
-            std::sort(out.names.begin(), out.names.end());
-        }
-        for (std::size_t k = 0; k < out.names.size(); ++k) seen[out.names[k]] = static_cast<int>(k);
-    }
-    out.of_row.reserve(labels.size());
-    for (const std::string &l : labels) out.of_row.push_back(l.empty() ? -1 : seen[l]);
-    return out;
+Data::Groups sorted_groups(const Data &data, std::size_t column) {
+    Data::Groups g = data.groups(column);
+    std::vector<std::string> order = g.levels;
+    if (data.column(column).numeric)
+        std::sort(order.begin(), order.end(), [](const std::string &a, const std::string &b) {
+            return std::strtod(a.c_str(), nullptr) < std::strtod(b.c_str(), nullptr);
+        });
+    else
+        std::sort(order.begin(), order.end());
+    std::vector<int> place(order.size());
+    for (std::size_t k = 0; k < order.size(); ++k)
+        place[static_cast<std::size_t>(std::find(g.levels.begin(), g.levels.end(), order[k]) - g.levels.begin())] =
+            static_cast<int>(k);
+    for (int &r : g.of_row)
+        if (r >= 0) r = place[static_cast<std::size_t>(r)];
+    g.levels = order;
+    return g;
 }
 
 Groups grouped(const Context &ctx, std::size_t response, std::size_t group) {
     const double *y = ctx.data.numbers(response);
-    Levels lv = levels(ctx.data, group, false);
+    ctx.data.int_rows();
+    Data::Groups lv = ctx.data.groups(group);
     Groups g;
-    g.names = lv.names;
-    g.sizes.assign(lv.names.size(), 0);
-    std::vector<std::vector<double>> by(lv.names.size());
+    g.names = lv.levels;
+    g.sizes.assign(lv.levels.size(), 0);
+    std::vector<std::vector<double>> by(lv.levels.size());
     for (std::size_t i = 0; i < ctx.data.rows(); ++i) {
         int k = lv.of_row[i];
         if (k < 0 || (ctx.common.listwise && std::isnan(y[i]))) continue;
         by[k].push_back(y[i]);
     }
     for (std::size_t k = 0; k < by.size(); ++k) {
-        g.sizes[k] = row_count(ctx.data, by[k].size());
+        g.sizes[k] = static_cast<int>(by[k].size());
         g.y.insert(g.y.end(), by[k].begin(), by[k].end());
     }
     if (g.names.empty()) data_error(ctx.data.source() + ": the group column '" + ctx.data.column(group).name + "' is empty");
@@ -201,11 +176,16 @@ Design regression_design(const Context &ctx, const Data *extra) {
     d.intercept = !ctx.args.has("no-intercept");
     const int order = ctx.args.integer("order", 1);
     if (order != 1 && order != 2) usage_error("--order must be 1 or 2");
-    const int dummy = 1 + choice(ctx.args, "dummy", {"all", "leave-last", "sum-zero"}, d.intercept ? 1 : 0);
+    static const struct {
+        const char *name;
+        int scheme;
+    } schemes[] = {{"all", 1}, {"leave-last", 2}, {"sum-zero", 3}};
+    auto given = ctx.args.value("dummy");
+    const int dummy = given ? choose(schemes, *given, "dummy scheme").scheme : d.intercept ? 2 : 1;
 
     const double *response = data.numbers(d.response);
-    d.n_rows = row_count(data, data.rows());
-    d.n_extra = extra ? row_count(*extra, extra->rows()) : 0;
+    d.n_rows = data.int_rows();
+    d.n_extra = extra ? extra->int_rows() : 0;
     d.y.assign(response, response + data.rows());
     const std::size_t m = d.columns.size(), n_all = data.rows() + static_cast<std::size_t>(d.n_extra);
     std::vector<double> x(n_all * m);
@@ -217,8 +197,8 @@ Design regression_design(const Context &ctx, const Data *extra) {
         const std::size_t extra_c = extra ? extra->find(name) : 0;
         if (is_class[j]) {
             // Codes 0, 1, ... in the sorted order of the data's levels.
-            Levels lv = levels(data, c, true);
-            class_levels[j] = lv.names;
+            Data::Groups lv = sorted_groups(data, c);
+            class_levels[j] = lv.levels;
             class_positions.push_back(static_cast<int>(j));
             for (std::size_t i = 0; i < data.rows(); ++i)
                 x[i * m + j] = lv.of_row[i] < 0 ? std::nan("") : lv.of_row[i];
@@ -227,11 +207,11 @@ Design regression_design(const Context &ctx, const Data *extra) {
                 for (std::size_t i = 0; i < labels.size(); ++i) {
                     double code = std::nan("");
                     if (!labels[i].empty()) {
-                        auto it = std::find(lv.names.begin(), lv.names.end(), labels[i]);
-                        if (it == lv.names.end())
+                        auto it = std::find(lv.levels.begin(), lv.levels.end(), labels[i]);
+                        if (it == lv.levels.end())
                             data_error(extra->source() + ": level '" + labels[i] + "' of '" + name + "' is not in " +
                                        data.source());
-                        code = static_cast<double>(it - lv.names.begin());
+                        code = static_cast<double>(it - lv.levels.begin());
                     }
                     x[(data.rows() + i) * m + j] = code;
                 }
@@ -316,10 +296,9 @@ std::size_t series_column(const Context &ctx) {
 }
 
 void arma_fit(const Context &ctx, bool least_squares, ArmaFit &fit) {
-    refuse_freq_weight(ctx);
     const std::size_t column = series_column(ctx);
     fit.name = ctx.data.column(column).name;
-    const int n = row_count(ctx.data, ctx.data.rows());
+    const int n = ctx.data.int_rows();
     std::vector<double> z(ctx.data.numbers(column), ctx.data.numbers(column) + n);
     fit.p = ctx.args.integer("p", 1);
     fit.q = ctx.args.integer("q", 1);

@@ -19,19 +19,11 @@ namespace zcli {
 std::vector<std::string> option_list(const Arguments &args, std::string_view name);
 // The same read as whole numbers (usage error naming the option otherwise).
 std::vector<int> integer_list(const Arguments &args, std::string_view name, std::vector<int> fallback);
-// One of a few words ("tukey", "scheffe", ...): its index, `fallback` when
-// absent; another word is a usage error listing the choices.
-int choice(const Arguments &args, std::string_view name, const std::vector<std::string> &words, int fallback);
 
 // A titled matrix for results, printed with five significant digits
 // (small p-values keep theirs) in the text output.
 Matrix result(std::string title, std::size_t rows, std::size_t columns);
 
-// The row count as the library's int (a data error beyond INT_MAX).
-int row_count(const Data &data, std::size_t rows);
-// For a routine without frequencies or weights: --freq and --weight are
-// refused rather than silently ignored.
-void refuse_freq_weight(const Context &ctx);
 // The first numeric column and the first text column other than `skip`
 // (data error naming what is missing).
 std::size_t first_numeric(const Context &ctx);
@@ -43,15 +35,10 @@ std::size_t operand_column(const Context &ctx, std::size_t index, F fallback) {
     return index < ops.size() ? ctx.data.find(ops[index]) : fallback();
 }
 
-// The distinct labels of a column (text, or numbers in their shortest
-// form), missing ones left out, with each row's level: -1 for missing.
-struct Levels {
-    std::vector<std::string> names;   // in order of first appearance, or sorted
-    std::vector<int> of_row;
-};
-// `sorted`: names in ascending order (numerically for a numeric column),
-// the order in which the library codes class values; else as they appear.
-Levels levels(const Data &data, std::size_t column, bool sorted);
+// The groups of a class column with its levels in ascending order
+// (numerically for a numeric column): the order in which the library codes
+// class values.
+Data::Groups sorted_groups(const Data &data, std::size_t column);
 
 // The responses of `response` grouped by the levels of `group` (in order of
 // first appearance), group after group, rows in file order; rows with no

@@ -17,31 +17,38 @@
 namespace zcli {
 namespace {
 
-const std::vector<std::string> methods = {"tukey", "dunn-sidak", "bonferroni", "scheffe", "one-at-a-time"};
-const char *const method_titles[] = {"Tukey", "Dunn-Sidak", "Bonferroni", "Scheffe", "one-at-a-time"};
+const struct Method {
+    const char *name;
+    int keyword;   // the _USER form of the method's keyword
+    const char *title;
+} methods[] = {
+    {"tukey", ZORVS_TUKEY_USER, "Tukey"},
+    {"dunn-sidak", ZORVS_DUNN_SIDAK_USER, "Dunn-Sidak"},
+    {"bonferroni", ZORVS_BONFERRONI_USER, "Bonferroni"},
+    {"scheffe", ZORVS_SCHEFFE_USER, "Scheffe"},
+    {"one-at-a-time", ZORVS_ONE_AT_A_TIME_USER, "one-at-a-time"},
+};
 
 int run(Context &ctx) {
-    refuse_freq_weight(ctx);
     const std::size_t response = operand_column(ctx, 0, [&] { return first_numeric(ctx); });
     const std::size_t group = operand_column(ctx, 1, [&] { return first_text(ctx); });
     Groups g = grouped(ctx, response, group);
     const int k = static_cast<int>(g.names.size());
     const std::size_t groups = g.names.size(), pairs = groups * (groups - 1) / 2;
-    const int method = choice(ctx.args, "method", methods, -1);
+    auto given = ctx.args.value("method");
+    const Method *method = given ? &choose(methods, *given, "method") : nullptr;
     const double confidence = ctx.args.real("confidence", 95.0);
 
     std::vector<double> table(15), means(groups), sds(groups), intervals(pairs * 5 + 1);
     std::vector<int> counts(groups);
-    const int keys[] = {ZORVS_TUKEY_USER, ZORVS_DUNN_SIDAK_USER, ZORVS_BONFERRONI_USER, ZORVS_SCHEFFE_USER,
-                        ZORVS_ONE_AT_A_TIME_USER};
-    if (method < 0)
+    if (!method)
         zorvs_d_anova_oneway(k, g.sizes.data(), g.y.data(), ZORVS_ANOVA_TABLE_USER, table.data(),
                              ZORVS_GROUP_COUNTS_USER, counts.data(), ZORVS_GROUP_MEANS_USER, means.data(),
                              ZORVS_GROUP_STD_DEVS_USER, sds.data(), 0);
     else
         zorvs_d_anova_oneway(k, g.sizes.data(), g.y.data(), ZORVS_ANOVA_TABLE_USER, table.data(),
                              ZORVS_GROUP_COUNTS_USER, counts.data(), ZORVS_GROUP_MEANS_USER, means.data(),
-                             ZORVS_GROUP_STD_DEVS_USER, sds.data(), ZORVS_CONFIDENCE, confidence, keys[method],
+                             ZORVS_GROUP_STD_DEVS_USER, sds.data(), ZORVS_CONFIDENCE, confidence, method->keyword,
                              intervals.data(), 0);
     library_check();
 
@@ -57,10 +64,10 @@ int run(Context &ctx) {
         stats.at(i, 2) = sds[i];
     }
     ctx.out->matrix(stats);
-    if (method >= 0) {
+    if (method) {
         char level[32];
         std::snprintf(level, sizeof level, "%g", confidence);
-        Matrix c = result(std::string(method_titles[method]) + " intervals (" + level + " per cent)", pairs, 3);
+        Matrix c = result(std::string(method->title) + " intervals (" + level + " per cent)", pairs, 3);
         c.row_head = "difference";
         c.column_labels = {"estimate", "lower", "upper"};
         for (std::size_t r = 0; r < pairs; ++r) {

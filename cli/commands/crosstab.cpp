@@ -47,12 +47,12 @@ Table long_table(Context &ctx) {
     } else {
         usage_error("name the row and the column class columns (or use --wide)");
     }
-    Levels lr = levels(data, r, false), lc = levels(data, c, false);
+    Data::Groups lr = data.groups(r), lc = data.groups(c);
     const double *f = ctx.frequencies();
-    Table t{lr.names, lc.names, std::vector<double>(lr.names.size() * lc.names.size(), 0.0)};
+    Table t{lr.levels, lc.levels, std::vector<double>(lr.levels.size() * lc.levels.size(), 0.0)};
     for (std::size_t i = 0; i < data.rows(); ++i) {
         if (lr.of_row[i] < 0 || lc.of_row[i] < 0 || (f && std::isnan(f[i]))) continue;
-        t.counts[static_cast<std::size_t>(lr.of_row[i]) * lc.names.size() + static_cast<std::size_t>(lc.of_row[i])] +=
+        t.counts[static_cast<std::size_t>(lr.of_row[i]) * lc.levels.size() + static_cast<std::size_t>(lc.of_row[i])] +=
             f ? f[i] : 1.0;
     }
     return t;
@@ -86,7 +86,6 @@ Matrix labelled(const std::string &title, const Table &t, const double *values, 
 }
 
 int run(Context &ctx) {
-    if (!ctx.common.weight_column.empty()) usage_error("'crosstab' takes frequencies (--freq), not weights");
     Table t = ctx.args.has("wide") ? wide_table(ctx) : long_table(ctx);
     const int nr = static_cast<int>(t.rows.size()), nc = static_cast<int>(t.columns.size());
     const std::size_t cells = static_cast<std::size_t>(nr + 1) * static_cast<std::size_t>(nc + 1);

@@ -14,9 +14,8 @@ namespace zcli {
 namespace {
 
 int run(Context &ctx) {
-    refuse_freq_weight(ctx);
     const std::size_t column = series_column(ctx);
-    const int n = row_count(ctx.data, ctx.data.rows());
+    const int n = ctx.data.int_rows();
     std::vector<int> periods = integer_list(ctx.args, "periods", {1});
     std::vector<int> orders = integer_list(ctx.args, "orders", std::vector<int>(periods.size(), 1));
     if (orders.size() != periods.size()) usage_error("--orders must give one order per period");

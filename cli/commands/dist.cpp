@@ -58,19 +58,10 @@ const Function functions[] = {
     {"beta_incomplete", "x a b", 3, 0, [](const double *a) { return zorvs_d_beta_incomplete(a[0], a[1], a[2]); }},
 };
 
-std::string function_list() {
-    std::string s;
-    for (const Function &f : functions) s += std::string("\n  ") + f.name + " " + f.arguments;
-    return s;
-}
-
 int run(Context &ctx) {
     const auto &operands = ctx.args.operands();
-    if (operands.empty()) usage_error("name a function:" + function_list());
-    const Function *f = nullptr;
-    for (const Function &g : functions)
-        if (operands[0] == g.name) f = &g;
-    if (!f) usage_error("no function '" + operands[0] + "'; the functions are:" + function_list());
+    const Function *f = &choose(functions, operands.empty() ? "" : operands[0], "function",
+                                +[](const Function &e) { return std::string(e.arguments); });
     if (static_cast<int>(operands.size()) != f->arity + 1)
         usage_error(std::string(f->name) + " takes " + std::to_string(f->arity) + " arguments: " + f->arguments);
 

@@ -32,15 +32,17 @@ double exponential_cdf(double x) { return x <= 0 ? 0.0 : -std::expm1(-x / lv_a);
 double uniform_cdf(double x) { return x <= lv_a ? 0.0 : x >= lv_b ? 1.0 : (x - lv_a) / (lv_b - lv_a); }
 double poisson_cdf(double x) { return x < 0 ? 0.0 : zorvs_d_poisson_cdf(static_cast<int>(std::min(std::floor(x), 1e9)), lv_a); }
 
-const std::vector<std::string> distributions = {"normal", "exponential", "uniform", "poisson"};
+const struct Distribution {
+    const char *name;
+} distributions[] = {{"normal"}, {"exponential"}, {"uniform"}, {"poisson"}};
 
 int run(Context &ctx) {
-    if (!ctx.common.weight_column.empty()) usage_error("'gof' takes frequencies (--freq), not weights");
     const std::size_t column = operand_column(ctx, 0, [&] { return first_numeric(ctx); });
     const double *x = ctx.data.numbers(column);
     const double *f = ctx.frequencies();
-    const int n = row_count(ctx.data, ctx.data.rows());
-    const int dist = choice(ctx.args, "dist", distributions, 0);
+    const int n = ctx.data.int_rows();
+    auto given = ctx.args.value("dist");
+    const int dist = given ? static_cast<int>(&choose(distributions, *given, "distribution") - distributions) : 0;
 
     // Moments of the present values, with their frequencies.
     double count = 0, sum = 0, lo = INFINITY, hi = -INFINITY;
@@ -122,7 +124,7 @@ int run(Context &ctx) {
     library_check();
 
     const std::string &name = ctx.data.column(column).name;
-    Matrix t = result(ctx.title("Chi-squared test of fit of " + name + " to the " + distributions[dist] + " distribution"), 1, 3);
+    Matrix t = result(ctx.title("Chi-squared test of fit of " + name + " to the " + distributions[dist].name + " distribution"), 1, 3);
     t.row_labels = {name};
     t.column_labels = {"df", "chi-squared", "p-value"};
     t.values = {static_cast<double>(df), chi2, p};

@@ -19,7 +19,8 @@ int run(Context &ctx) {
     std::vector<std::size_t> columns = ctx.select(ctx.args.operands());
     const std::vector<double> x = ctx.matrix(columns);
     const std::size_t nv = columns.size(), rows = x.size() / nv;
-    const int n = row_count(ctx.data, rows);
+    ctx.data.int_rows();   // the rows fit an int, so do those kept
+    const int n = static_cast<int>(rows);
     const int k = ctx.args.integer("k", 3);
     std::vector<int> defaults;
     for (int i = 0; i < k; ++i) defaults.push_back(1 + static_cast<int>(static_cast<long>(i) * n / k));

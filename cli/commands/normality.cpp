@@ -11,10 +11,9 @@ namespace zcli {
 namespace {
 
 int run(Context &ctx) {
-    refuse_freq_weight(ctx);
     std::vector<std::size_t> columns = ctx.select(ctx.args.operands());
     const bool lilliefors = ctx.args.has("lilliefors");
-    const int n = row_count(ctx.data, ctx.data.rows());
+    const int n = ctx.data.int_rows();
     Matrix m = result(ctx.title(lilliefors ? "Lilliefors test of normality" : "Shapiro-Wilk test of normality"),
                       columns.size(), 2);
     m.column_labels = {lilliefors ? "D" : "W", "p-value"};

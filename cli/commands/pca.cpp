@@ -21,7 +21,8 @@ int run(Context &ctx) {
     std::vector<std::size_t> columns = ctx.select(ctx.args.operands());
     std::vector<double> x = ctx.matrix(columns);
     const std::size_t nv = columns.size(), rows = x.size() / nv;
-    const int n = row_count(ctx.data, rows), p = static_cast<int>(nv);
+    ctx.data.int_rows();   // the rows fit an int, so do those kept
+    const int n = static_cast<int>(rows), p = static_cast<int>(nv);
     const bool covariance = ctx.args.has("covariance");
     std::vector<double> matrix(nv * nv), counts(nv * nv);
     double *f = const_cast<double *>(ctx.frequencies()), *w = const_cast<double *>(ctx.weights());

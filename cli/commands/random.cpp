@@ -22,19 +22,10 @@ const Generator generators[] = {
     {"gamma", "a", 1},  {"beta", "p q", 2},        {"poisson", "theta", 1},
 };
 
-std::string generator_list() {
-    std::string s;
-    for (const Generator &g : generators) s += std::string("\n  ") + g.name + " N " + g.parameters;
-    return s;
-}
-
 int run(Context &ctx) {
     const auto &operands = ctx.args.operands();
-    if (operands.empty()) usage_error("name a generator:" + generator_list());
-    const Generator *g = nullptr;
-    for (const Generator &h : generators)
-        if (operands[0] == h.name) g = &h;
-    if (!g) usage_error("no generator '" + operands[0] + "'; the generators are:" + generator_list());
+    const Generator *g = &choose(generators, operands.empty() ? "" : operands[0], "generator",
+                                 +[](const Generator &e) { return std::string("N ") + e.parameters; });
     if (static_cast<int>(operands.size()) != g->arity + 2)
         usage_error(std::string(g->name) + " takes N" + (g->arity ? std::string(" ") + g->parameters : "") +
                     " as operands");

@@ -25,21 +25,11 @@ const Choice score_kinds[] = {{"ranks", ZORVS_RANKS},
                               {"vdw", ZORVS_VAN_DER_WAERDEN_SCORES},
                               {"savage", ZORVS_SAVAGE_SCORES}};
 
-template <std::size_t N>
-int choose(const Choice (&choices)[N], const std::string &option, const std::string &given) {
-    std::string names;
-    for (const Choice &c : choices) {
-        if (given == c.name) return c.keyword;
-        names += std::string(names.empty() ? "" : ", ") + c.name;
-    }
-    usage_error("--" + option + " takes one of " + names + ", not '" + given + "'");
-}
-
 int run(Context &ctx) {
     const Data &data = ctx.data;
     std::vector<std::size_t> columns = ctx.select(ctx.args.operands());
-    int ties = choose(tie_rules, "ties", ctx.args.value("ties").value_or("average"));
-    int scores = choose(score_kinds, "scores", ctx.args.value("scores").value_or("ranks"));
+    int ties = choose(tie_rules, ctx.args.value("ties").value_or("average"), "tie rule").keyword;
+    int scores = choose(score_kinds, ctx.args.value("scores").value_or("ranks"), "kind of score").keyword;
     double fuzz = ctx.args.real("fuzz", 0.0);
     if (ctx.args.has("seed")) zorvs_random_seed_set(ctx.args.integer("seed", 0));
     library_check();

@@ -20,7 +20,6 @@ const char *const stat_names[10] = {
 };
 
 int run(Context &ctx) {
-    refuse_freq_weight(ctx);
     const std::size_t response = operand_column(ctx, 0, [&] { return first_numeric(ctx); });
     const std::size_t group = operand_column(ctx, 1, [&] { return first_text(ctx); });
     Groups g = grouped(ctx, response, group);

@@ -19,7 +19,6 @@ namespace zcli {
 namespace {
 
 int run(Context &ctx) {
-    refuse_freq_weight(ctx);
     const auto &ops = ctx.args.operands();
     std::vector<std::size_t> columns;
     for (const std::string &o : ops) columns.push_back(ctx.data.find(o));
@@ -29,7 +28,7 @@ int run(Context &ctx) {
         if (columns.size() == 2) std::swap(columns[0], columns[1]);
     }
     if (columns.size() > 2) usage_error("give one column, or two for their paired differences");
-    const int n = row_count(ctx.data, ctx.data.rows());
+    const int n = ctx.data.int_rows();
     const double *a = ctx.data.numbers(columns[0]);
     std::vector<double> x(a, a + n);
     std::string name = ctx.data.column(columns[0]).name;

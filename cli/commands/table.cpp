@@ -4,10 +4,9 @@
 // (default 10), in K intervals with two open ends around --bounds LO,HI, or
 // between given --cutpoints.  A text column is counted by label: the labels
 // become the codes 1..L in order of first appearance, counted with the
-// class marks 1..L.  Missing values are left out (the routine takes none)
+// class marks 1..L (so does a numeric column with --distinct).  Missing values are left out (the routine takes none)
 // and their number shown in a note.
 #include <cmath>
-#include <map>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -36,17 +35,12 @@ int run(Context &ctx) {
     std::vector<double> x;
     Matrix table(ctx.title("Frequencies of " + c.name), 0, 0);
 
-    if (!c.numeric) {
-        std::map<std::string, int> code;
-        std::vector<std::string> levels;
-        for (const std::string &label : c.text) {
-            if (label.empty()) {
-                ++n_missing;
-                continue;
-            }
-            auto [it, fresh] = code.emplace(label, static_cast<int>(levels.size()) + 1);
-            if (fresh) levels.push_back(label);
-            x.push_back(it->second);
+    if (!c.numeric || ctx.args.has("distinct")) {
+        Data::Groups groups = data.groups(column);
+        const std::vector<std::string> &levels = groups.levels;
+        for (int place : groups.of_row) {
+            if (place < 0) ++n_missing;
+            else x.push_back(place + 1);
         }
         if (x.empty()) data_error("column '" + c.name + "' has no values");
         std::vector<double> marks(levels.size()), counts(levels.size());
@@ -126,6 +120,7 @@ const Command table_command{
         {"intervals", "K", "number of cells (default 10; with --bounds, two of them open-ended)"},
         {"bounds", "LO,HI", "K - 2 equal cells between LO and HI, and one below and one above"},
         {"cutpoints", "C1,C2,...", "cells between increasing cutpoints, the first and last open-ended"},
+        {"distinct", "", "count each distinct value, as for a text column"},
     },
     run,
 };

@@ -7,7 +7,6 @@
 // appearance).  Missing values are left out by the routines themselves,
 // sample by sample, with their warning.
 #include <cmath>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -17,14 +16,13 @@
 namespace zcli {
 namespace {
 
-// The column's present and missing values of the rows whose group label is
-// `level` (all rows when `groups` is null).
-std::vector<double> sample_of(const Data &data, std::size_t column, const std::vector<std::string> *groups,
-                              const std::string &level) {
+// The column's values (present and missing) of the rows in group `level`,
+// or of all rows when `groups` is null.
+std::vector<double> sample_of(const Data &data, std::size_t column, const Data::Groups *groups, int level) {
     const double *x = data.numbers(column);
     std::vector<double> out;
     for (std::size_t i = 0; i < data.rows(); ++i)
-        if (!groups || (*groups)[i] == level) out.push_back(x[i]);
+        if (!groups || groups->of_row[i] == level) out.push_back(x[i]);
     return out;
 }
 
@@ -42,21 +40,17 @@ int run(Context &ctx) {
     if (auto by = ctx.args.value("by")) {
         if (columns.size() != 1) usage_error("--by splits one column");
         std::size_t g = data.find(*by);
-        std::vector<std::string> groups = data.labels(g);
-        std::vector<std::string> levels;   // in order of first appearance
-        std::set<std::string> seen;
-        for (const std::string &label : groups)
-            if (!label.empty() && seen.insert(label).second) levels.push_back(label);
-        if (levels.size() != 2)
+        Data::Groups groups = data.groups(g);
+        if (groups.levels.size() != 2)
             data_error("--by column '" + data.column(g).name + "' must hold two groups, not " +
-                       std::to_string(levels.size()));
-        for (const std::string &level : levels) {
+                       std::to_string(groups.levels.size()));
+        for (int level = 0; level < 2; ++level) {
             samples.push_back(sample_of(data, columns[0], &groups, level));
-            names.push_back(data.column(g).name + "=" + level);
+            names.push_back(data.column(g).name + "=" + groups.levels[level]);
         }
     } else {
         for (std::size_t j : columns) {
-            samples.push_back(sample_of(data, j, nullptr, ""));
+            samples.push_back(sample_of(data, j, nullptr, 0));
             names.push_back(data.column(j).name);
         }
     }

@@ -20,6 +20,7 @@ TEST(CliText, PrintsThroughTheMatrixPrinter) {
         {"describe_airquality_median", "describe @/airquality.csv --median Ozone Solar.R --title Airquality"},
         {"table_faithful", "table"},
         {"table_labels", "table reader.csv label"},
+        {"table_labels", "ZORVSTAT_BLOCK=5 table reader.csv label"},
         {"ttest_sleep_groups", "ttest --sample extra --by group --title 'Sleep by drug'"},
         {"cor_stackloss", "cor"},
         {"rank_women_blom", "rank @/women.csv --scores blom height --title Women"},
@@ -49,7 +50,6 @@ void describe_cells(Cells &cells, const std::string &title, const std::vector<st
         zorvs_d_simple_statistics(static_cast<int>(columns[k].size()), 1, columns[k].data(),
                                   ZORVS_MISSING_ELEMENTWISE, ZORVS_RETURN_USER, s.data(), 0);
         s[14] = static_cast<double>(std::count_if(columns[k].begin(), columns[k].end(), [](double v) { return std::isnan(v); }));
-        std::vector<double> column_k(15);
         add_table(cells, title, statistic_rows, {names[k]}, s.data());
     }
 }
@@ -65,12 +65,21 @@ TEST(CliCsv, EqualsTheLibraryRoutineBitForBit) {
     } rows[] = {
         {"describe reader.csv a 'b b' 4", "",
          [](Cells &c) { describe_cells(c, "Summary of reader.csv", {"a", "b b", "c"}, {reader_a, reader_b, reader_c}); }},
+        {"ZORVSTAT_BLOCK=3 describe reader.csv a 'b b' 4", "",
+         [](Cells &c) { describe_cells(c, "Summary of reader.csv", {"a", "b b", "c"}, {reader_a, reader_b, reader_c}); }},
         {"describe --tsv - 1 2 c", "reader.tsv",
          [](Cells &c) {
              describe_cells(c, "Summary of standard input", {"a", "b b", "c"}, {reader_a, reader_b, reader_c});
          }},
         {"describe reader.csv --listwise a c", "",
          [](Cells &c) { describe_cells(c, "Summary of reader.csv", {"a", "c"}, {{1.5, 1e-3}, {3, 6}}); }},
+        {"describe weighted.csv --freq f --weight w", "",
+         [](Cells &c) {
+             double x[5] = {1.5, 2.25, NaN, 4, -1}, f[5] = {2, 1, 3, 1, 2}, w[5] = {0.5, 1, 1, 2, 1.5}, s[15];
+             zorvs_d_simple_statistics(5, 1, x, ZORVS_FREQUENCIES, f, ZORVS_WEIGHTS, w, ZORVS_RETURN_USER, s, 0);
+             s[14] = 1;
+             add_table(c, "Summary of weighted.csv", statistic_rows, {"x"}, s);
+         }},
         {"cor @/cars.csv --covariance speed dist", "",
          [](Cells &c) {
              std::vector<double> speed = sample_column("cars.csv", 0), dist = sample_column("cars.csv", 1), x;
@@ -142,11 +151,11 @@ TEST(CliErrors, ExitStatusAndMessage) {
         {"describe --sep ab", "", 64, "--sep takes one character", false},
         {"table --sample eruptions waiting", "", 64, "one column is counted at a time", false},
         {"ttest --sample extra --by ID", "", 65, "must hold two groups, not 10", false},
-        {"rank --sample --ties middle speed", "", 64, "--ties takes one of average", false},
+        {"rank --sample --ties middle speed", "", 64, "no tie rule 'middle'; one of:\n  average", false},
         {"dist", "", 64, "t_inverse_cdf p df", false},
         {"dist t_cdf 2.1", "", 64, "t_cdf takes 2 arguments: t df", false},
         {"dist poisson_cdf 2.5 3", "", 64, "k must be a whole number, not '2.5'", false},
-        {"random cauchy 3", "", 64, "no generator 'cauchy'", false},
+        {"random cauchy 3", "", 64, "no generator 'cauchy'; one of:\n  uniform N", false},
         {"random normal 0", "", 64, "N must be at least 1", false},
         {"describe no_such_file.csv", "", 66, "cannot open 'no_such_file.csv'", false},
         {"describe .", "", 66, "cannot read '.'", false},
@@ -159,6 +168,7 @@ TEST(CliErrors, ExitStatusAndMessage) {
         {"describe empty.csv", "", 65, "is empty: a header line is needed", false},
         {"describe -", "", 65, "standard input is empty", false},
         {"describe --weight nothing --sample", "", 65, "no column 'nothing'", false},
+        {"rank --sample --freq dist speed", "", 64, "rank takes no --freq", false},
         {"describe --sample --confidence 100", "", 5, "The confidence level for", false},
         {"table --sample --intervals 0", "", 5, "TERMINAL Error from zorvs_d_table_oneway", false},
         {"cor negative_freq.csv x --freq f", "", 4, "FATAL    Error NEGATIVE_FREQUENCY from zorvs_d_covariances", false},

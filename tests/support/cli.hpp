@@ -31,8 +31,13 @@ struct Outcome {
 inline Outcome zorvstat(std::string args, const std::string &input = "", const std::string &out_to = "") {
     for (std::size_t at; (at = args.find("@/")) != std::string::npos;)
         args.replace(at, 2, std::string(ZORVSTAT_SAMPLES) + "/");
+    std::string environment;   // leading NAME=VALUE words
+    while (args.find('=') < args.find(' ') && args.find('=') != std::string::npos) {
+        environment += args.substr(0, args.find(' ') + 1);
+        args.erase(0, args.find(' ') + 1);
+    }
     std::string scratch = ::testing::TempDir() + "zorvstat_" + std::to_string(::getpid());
-    std::string command = "cd '" + data_dir + "' && env -u ZORVSTAT_DATA -u ZORVSERRPATH '" ZORVSTAT_PROGRAM "' " +
+    std::string command = "cd '" + data_dir + "' && env -u ZORVSTAT_DATA -u ZORVSERRPATH " + environment + "'" ZORVSTAT_PROGRAM "' " +
                           args + " < " + (input.empty() ? "/dev/null" : "'" + input + "'") + " > " +
                           (out_to.empty() ? scratch + ".out" : out_to) + " 2> " + scratch + ".err";
     int rc = std::system(command.c_str());
