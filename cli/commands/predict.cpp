@@ -42,10 +42,10 @@ int run(Context &ctx) {
     double *x = d.x.data() + (new_rows ? static_cast<std::size_t>(d.n_rows) * static_cast<std::size_t>(d.n_regressors) : 0);
     const double confidence = ctx.args.real("confidence", 95.0);
     std::vector<double> yhat(rows), lo_mean(rows), hi_mean(rows), lo_new(rows), hi_new(rows), leverage(rows),
-        res(rows), std_res(rows), del_res(rows), cooks(rows), dffits(rows);
+        res(rows), std_res(rows), del_res(rows), cooks(rows), dffits(rows), lo_s(rows), hi_s(rows);
     if (new_rows)
-        zorvs_d_regression_prediction(info.get(), n, x, ZORVS_CONFIDENCE, confidence, ZORVS_CI_POP_MEAN_USER,
-                                      lo_mean.data(), hi_mean.data(), ZORVS_CI_NEW_SAMPLE_USER, lo_new.data(),
+        zorvs_d_regression_prediction(info.get(), n, x, ZORVS_CONFIDENCE, confidence, ZORVS_SCHEFFE_CI_USER,
+                                      lo_s.data(), hi_s.data(), ZORVS_CI_POP_MEAN_USER, lo_mean.data(), hi_mean.data(), ZORVS_CI_NEW_SAMPLE_USER, lo_new.data(),
                                       hi_new.data(), ZORVS_LEVERAGE_USER, leverage.data(), ZORVS_RETURN_USER,
                                       yhat.data(), 0);
     else {
@@ -53,8 +53,8 @@ int run(Context &ctx) {
         std::vector<double> w(rows, 1.0);
         if (const double *given = ctx.weights()) w.assign(given, given + rows);
         zorvs_d_regression_prediction(info.get(), n, x, ZORVS_Y, d.y.data(), ZORVS_WEIGHTS, w.data(),
-                                      ZORVS_CONFIDENCE, confidence, ZORVS_CI_POP_MEAN_USER, lo_mean.data(),
-                                      hi_mean.data(), ZORVS_CI_NEW_SAMPLE_USER, lo_new.data(), hi_new.data(),
+                                      ZORVS_CONFIDENCE, confidence, ZORVS_SCHEFFE_CI_USER, lo_s.data(), hi_s.data(),
+                                      ZORVS_CI_POP_MEAN_USER, lo_mean.data(), hi_mean.data(), ZORVS_CI_NEW_SAMPLE_USER, lo_new.data(), hi_new.data(),
                                       ZORVS_LEVERAGE_USER, leverage.data(), ZORVS_RESIDUAL_USER, res.data(),
                                       ZORVS_STANDARDIZED_RESIDUAL_USER, std_res.data(), ZORVS_DELETED_RESIDUAL_USER,
                                       del_res.data(), ZORVS_COOKSD_USER, cooks.data(), ZORVS_DFFITS_USER,
@@ -66,11 +66,16 @@ int run(Context &ctx) {
     for (std::size_t i = 0; i < rows; ++i) numbers.push_back(std::to_string(i + 1));
     char level[32];
     std::snprintf(level, sizeof level, "%g", confidence);
-    Matrix pred = result(ctx.title("Predictions of " + d.response_name), rows, new_rows ? 5 : 6);
+    const bool scheffe = ctx.args.has("scheffe");
+    Matrix pred = result(ctx.title("Predictions of " + d.response_name), rows, (new_rows ? 5 : 6) + (scheffe ? 2 : 0));
     pred.row_head = "row";
     pred.row_labels = numbers;
     std::vector<const std::vector<double> *> cols = {&yhat, &lo_mean, &hi_mean, &lo_new, &hi_new};
     pred.column_labels = {"predicted", "lower mean", "upper mean", "lower new", "upper new"};
+    if (scheffe) {
+        cols.insert(cols.end(), {&lo_s, &hi_s});
+        pred.column_labels.insert(pred.column_labels.end(), {"lower Scheffe", "upper Scheffe"});
+    }
     if (!new_rows) {
         cols.insert(cols.begin(), &d.y);
         pred.column_labels.insert(pred.column_labels.begin(), d.response_name);
@@ -78,7 +83,8 @@ int run(Context &ctx) {
     for (std::size_t i = 0; i < rows; ++i)
         for (std::size_t j = 0; j < cols.size(); ++j) pred.at(i, j) = (*cols[j])[i];
     ctx.out->matrix(pred);
-    ctx.out->note(std::string("Limits at ") + level + " per cent for the mean and for a new observation.");
+    ctx.out->note(std::string("Limits at ") + level + " per cent for the mean and for a new observation" +
+                  (scheffe ? ", and Scheffe's simultaneous limits for the mean." : "."));
 
     Matrix cases = result(new_rows ? "Leverage" : "Case statistics", rows, new_rows ? 1 : 6);
     cases.row_head = "row";
@@ -112,6 +118,7 @@ const Command predict_command{
         std::vector<OptionSpec> o = {
             {"new", "FILE", "predict the rows of FILE (CSV or TSV with the regressors' columns)"},
             {"confidence", "P", "confidence level of the limits, per cent (default 95)"},
+            {"scheffe", "", "also Scheffe's simultaneous limits for the mean"},
         };
         for (OptionSpec &d : design_options()) o.push_back(d);
         return o;
