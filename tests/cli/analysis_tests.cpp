@@ -304,6 +304,19 @@ TEST(CliAnalysisErrors, ExitStatusAndMessage) {
         {"kmeans --seeds 1,2,151", 64, "--seeds: no row 151"},
         {"kmeans --k 1", 5, "zorvs_d_cluster_k_means"},
         {"pca --sample Species", 65, "column 'Species' of"},
+        {"pca --sample Sepal.Length", 5, "zorvs_d_principal_components"},
+        {"predict --confidence 120", 5, "zorvs_d_regression_prediction"},
+        {"ranksum --fuzz -1", 5, "zorvs_d_wilcoxon_rank_sum"},
+        {"compare --sample count nothing", 65, "no column 'nothing'"},
+        {"crosstab --sample Hair nothing", 65, "no column 'nothing'"},
+        {"gof --sample nothing", 65, "no column 'nothing'"},
+        {"signtest --sample drug2 nothing", 65, "no column 'nothing'"},
+        {"ranksum --sample nothing", 65, "no column 'nothing'"},
+        {"normality --sample nothing", 65, "no column 'nothing'"},
+        {"diff --sample nothing", 65, "no column 'nothing'"},
+        {"arma --sample nothing", 65, "no column 'nothing'"},
+        {"forecast --sample nothing", 65, "no column 'nothing'"},
+        {"kmeans --sample nothing", 65, "no column 'nothing'"},
     };
     for (const auto &row : rows) {
         SCOPED_TRACE(row.args);
