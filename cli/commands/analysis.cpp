@@ -68,11 +68,11 @@ Data::Groups sorted_groups(const Data &data, std::size_t column) {
     return g;
 }
 
-Groups grouped(const Context &ctx, std::size_t response, std::size_t group) {
+GroupedResponses grouped(const Context &ctx, std::size_t response, std::size_t group) {
     const double *y = ctx.data.numbers(response);
     ctx.data.int_rows();
     Data::Groups lv = ctx.data.groups(group);
-    Groups g;
+    GroupedResponses g;
     g.names = lv.levels;
     g.sizes.assign(lv.levels.size(), 0);
     std::vector<std::vector<double>> by(lv.levels.size());

@@ -43,12 +43,12 @@ Data::Groups sorted_groups(const Data &data, std::size_t column);
 // The responses of `response` grouped by the levels of `group` (in order of
 // first appearance), group after group, rows in file order; rows with no
 // group are left out.  With --listwise rows with a missing response too.
-struct Groups {
+struct GroupedResponses {
     std::vector<std::string> names;
     std::vector<int> sizes;
     std::vector<double> y;
 };
-Groups grouped(const Context &ctx, std::size_t response, std::size_t group);
+GroupedResponses grouped(const Context &ctx, std::size_t response, std::size_t group);
 
 // The 15 entries of an analysis of variance table as two matrices: the
 // sources (between / error / total by degrees of freedom, sums of squares,

@@ -32,7 +32,7 @@ const struct Method {
 int run(Context &ctx) {
     const std::size_t response = operand_column(ctx, 0, [&] { return first_numeric(ctx); });
     const std::size_t group = operand_column(ctx, 1, [&] { return first_text(ctx); });
-    Groups g = grouped(ctx, response, group);
+    GroupedResponses g = grouped(ctx, response, group);
     const int k = static_cast<int>(g.names.size());
     const std::size_t groups = g.names.size(), pairs = groups * (groups - 1) / 2;
     auto given = ctx.args.value("method");

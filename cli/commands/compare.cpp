@@ -23,7 +23,7 @@ namespace {
 int run(Context &ctx) {
     const std::size_t response = operand_column(ctx, 0, [&] { return first_numeric(ctx); });
     const std::size_t group = operand_column(ctx, 1, [&] { return first_text(ctx); });
-    Groups g = grouped(ctx, response, group);
+    GroupedResponses g = grouped(ctx, response, group);
     const std::size_t groups = g.names.size();
     const int k = static_cast<int>(groups);
     std::vector<double> table(15), means(groups);

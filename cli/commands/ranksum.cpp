@@ -22,7 +22,7 @@ const char *const stat_names[10] = {
 int run(Context &ctx) {
     const std::size_t response = operand_column(ctx, 0, [&] { return first_numeric(ctx); });
     const std::size_t group = operand_column(ctx, 1, [&] { return first_text(ctx); });
-    Groups g = grouped(ctx, response, group);
+    GroupedResponses g = grouped(ctx, response, group);
     if (g.names.size() != 2)
         data_error("the group column '" + ctx.data.column(group).name + "' must hold two groups, not " +
                    std::to_string(g.names.size()));
