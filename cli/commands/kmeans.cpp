@@ -32,6 +32,7 @@ int run(Context &ctx) {
         seeds.insert(seeds.end(), x.begin() + static_cast<long>((static_cast<std::size_t>(r) - 1) * nv),
                      x.begin() + static_cast<long>(static_cast<std::size_t>(r) * nv));
     }
+    seeds.push_back(0.0);   // never null, so that a k out of range meets the routine's own check
     std::vector<double> f, w;
     if (const double *p = ctx.frequencies()) f.assign(p, p + rows);
     if (const double *p = ctx.weights()) w.assign(p, p + rows);

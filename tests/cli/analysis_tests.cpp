@@ -303,6 +303,7 @@ TEST(CliAnalysisErrors, ExitStatusAndMessage) {
         {"forecast --leads 0", 5, "zorvs_d_arma_forecast"},
         {"kmeans --seeds 1,2,151", 64, "--seeds: no row 151"},
         {"kmeans --k 1", 5, "zorvs_d_cluster_k_means"},
+        {"kmeans --k 0", 5, "zorvs_d_cluster_k_means"},
         {"pca --sample Species", 65, "column 'Species' of"},
         {"pca --sample Sepal.Length", 5, "zorvs_d_principal_components"},
         {"predict --confidence 120", 5, "zorvs_d_regression_prediction"},
