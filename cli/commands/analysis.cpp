@@ -3,9 +3,7 @@
 
 #include <algorithm>
 #include <cfloat>
-#include <climits>
 #include <cmath>
-#include <map>
 #include <numeric>
 
 namespace zcli {
@@ -51,20 +49,23 @@ std::size_t first_text(const Context &ctx) {
 
 Data::Groups sorted_groups(const Data &data, std::size_t column) {
     Data::Groups g = data.groups(column);
-    std::vector<std::string> order = g.levels;
-    if (data.column(column).numeric)
-        std::sort(order.begin(), order.end(), [](const std::string &a, const std::string &b) {
-            return std::strtod(a.c_str(), nullptr) < std::strtod(b.c_str(), nullptr);
-        });
-    else
-        std::sort(order.begin(), order.end());
+    const bool numeric = data.column(column).numeric;
+    std::vector<double> value(g.levels.size());
+    for (std::size_t k = 0; k < g.levels.size(); ++k) value[k] = std::strtod(g.levels[k].c_str(), nullptr);
+    std::vector<std::size_t> order(g.levels.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
+        return numeric ? value[a] < value[b] : g.levels[a] < g.levels[b];
+    });
     std::vector<int> place(order.size());
-    for (std::size_t k = 0; k < order.size(); ++k)
-        place[static_cast<std::size_t>(std::find(g.levels.begin(), g.levels.end(), order[k]) - g.levels.begin())] =
-            static_cast<int>(k);
+    std::vector<std::string> levels(order.size());
+    for (std::size_t k = 0; k < order.size(); ++k) {
+        place[order[k]] = static_cast<int>(k);
+        levels[k] = g.levels[order[k]];
+    }
     for (int &r : g.of_row)
         if (r >= 0) r = place[static_cast<std::size_t>(r)];
-    g.levels = order;
+    g.levels = std::move(levels);
     return g;
 }
 

@@ -24,8 +24,8 @@ std::vector<int> integer_list(const Arguments &args, std::string_view name, std:
 // (small p-values keep theirs) in the text output.
 Matrix result(std::string title, std::size_t rows, std::size_t columns);
 
-// The first numeric column and the first text column other than `skip`
-// (data error naming what is missing).
+// The defaults of a response and a group: the first numeric column (not
+// --freq or --weight) and the first text column (data error if none).
 std::size_t first_numeric(const Context &ctx);
 std::size_t first_text(const Context &ctx);
 // The operand at `index`, found, or `fallback()` when there are fewer.
