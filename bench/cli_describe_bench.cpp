@@ -1,8 +1,9 @@
 // cli_describe_bench.cpp - `zorvstat describe` of a large CSV file against
 // pandas' read_csv followed by describe on the same file, each run as a
-// child process: wall time (manual time) and the child's peak resident
-// memory (ru_maxrss from wait4) as the counter peak_MB, beside data_MB, the
-// data as doubles.
+// child process: wall time (manual time), the child's processor time (user
+// and system, cpu_s: steadier than the wall time on a loaded machine) and its
+// peak resident memory (ru_maxrss from wait4) as peak_MB, beside data_MB,
+// the data as doubles.
 //
 // The file has ZORVS_CLI_BENCH_ROWS rows (default 10^7) of 10 columns of
 // normal deviates with six decimals, about 1 GB at the default, written
@@ -70,9 +71,14 @@ const std::string &bench_file() {
     return path;
 }
 
-// One run of argv with its output to /dev/null: wall seconds and peak
-// resident memory in MB, or a negative time when it failed.
-std::pair<double, double> run_child(const std::vector<std::string> &args) {
+struct ChildRun {
+    double seconds;   // wall time; negative when the run failed
+    double cpu;       // user and system time of the child
+    double peak_mb;   // its peak resident memory
+};
+
+// One run of argv with its output to /dev/null.
+ChildRun run_child(const std::vector<std::string> &args) {
     std::vector<char *> argv;
     for (const std::string &a : args) argv.push_back(const_cast<char *>(a.c_str()));
     argv.push_back(nullptr);
@@ -83,27 +89,28 @@ std::pair<double, double> run_child(const std::vector<std::string> &args) {
     pid_t pid;
     int rc = posix_spawn(&pid, argv[0], &actions, nullptr, argv.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
-    if (rc != 0) return {-1.0, 0.0};
+    if (rc != 0) return {-1.0, 0.0, 0.0};
     int status = 0;
     struct rusage usage {};
     wait4(pid, &status, 0, &usage);
     double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) return {-1.0, 0.0};
-    return {seconds, usage.ru_maxrss / 1024.0};
+    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) return {-1.0, 0.0, 0.0};
+    double cpu = usage.ru_utime.tv_sec + usage.ru_stime.tv_sec + 1e-6 * (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec);
+    return {seconds, cpu, usage.ru_maxrss / 1024.0};
 }
 
 void time_child(benchmark::State &state, const std::vector<std::string> &args) {
-    double peak = 0;
+    ChildRun last{};
     for (auto _ : state) {
-        auto [seconds, mb] = run_child(args);
-        if (seconds < 0) {
+        last = run_child(args);
+        if (last.seconds < 0) {
             state.SkipWithError((args[0] + " failed").c_str());
             break;
         }
-        state.SetIterationTime(seconds);
-        peak = mb;
+        state.SetIterationTime(last.seconds);
     }
-    state.counters["peak_MB"] = peak;
+    state.counters["cpu_s"] = last.cpu;
+    state.counters["peak_MB"] = last.peak_mb;
     state.counters["data_MB"] = bench_rows() * n_columns * 8.0 / (1024.0 * 1024.0);
 }
 

@@ -114,7 +114,8 @@ struct CommonOptions {
 
 // ---------------------------------------------------------------- data
 // One column of the input.  A column is numeric when every field that is
-// not missing (empty, "NA", "NaN", or "." ) reads as a number; otherwise it is
+// not missing (empty, NA, NaN, nan, N/A, NULL, null or ".") reads as a
+// number; otherwise it is
 // a text column (class labels), and its first field that is not a number is
 // remembered so a numeric use can say where it is.
 struct Column {
