@@ -66,7 +66,7 @@ struct BetaConstants {
     T eps = 0, alneps = 0, sml = 0, alnsml = 0, scale = 0;
 };
 template <class T>
-BetaConstants<T> lv_beta_constants;
+constinit thread_local BetaConstants<T> lv_beta_constants;
 
 template <class T>
 const BetaConstants<T> &constants() {
