@@ -327,8 +327,17 @@ T l_beta_ratio(T x, T cx, T a, T b, bool upper) {
     // methods made for large shapes.  The shorter orientation takes at most
     // max(a, b) + 53 terms (its y is at most 1/2), so below that nothing is
     // measured.
-    if (std::max(a, b) > T(kLargeSums - 64) && std::min(keep(), exchange()) > T(kLargeSums))
-        return static_cast<T>(zc::beta_ratio_large(x, cx, a, b, upper));
+    if (std::max(a, b) > T(kLargeSums - 64) && std::min(keep(), exchange()) > T(kLargeSums)) {
+        // Shapes far apart (one below 1e-15, the other beyond 1e300) can
+        // overflow the continued fraction's b / a: no value, as for a sum
+        // too long.
+        const double v = zc::beta_ratio_large(x, cx, a, b, upper);
+        if (std::isnan(v)) {
+            zorvs::raise(3, 9057, x, a, b);
+            return zorvs::missing<T>();
+        }
+        return static_cast<T>(v);
+    }
     const T n = a + b, d = x * n - a;  // (x - mean)(a + b)
     const bool lower_small = d < 0;
     const T z2 = lower_small == !upper ? T(4.0 / 9.0) : T(4.6);  // squared deviates
