@@ -20,9 +20,7 @@ struct SnkRef {
 };
 #include "data/stat/anova/multiple_comparisons_ref.inc"
 
-template <class T>
-class SnkTwin : public ::testing::Test {};
-TYPED_TEST_SUITE(SnkTwin, Reals);
+ZORVS_TWIN_SUITE(SnkTwin);
 
 TYPED_TEST(SnkTwin, GroupingsAgreeWithR) {
     using T = TypeParam;

@@ -11,9 +11,7 @@ using namespace zorvs_test;
 
 #include "data/stat/describe/ranks_ref.inc"
 
-template <class T>
-class RanksTwin : public ::testing::Test {};
-TYPED_TEST_SUITE(RanksTwin, Reals);
+ZORVS_TWIN_SUITE(RanksTwin);
 
 // Rows of the references: tie rule (average, lowest, highest) by score.
 const int tie_keys[] = {ZORVS_AVERAGE_TIE, ZORVS_LOWEST, ZORVS_HIGHEST};

@@ -11,9 +11,7 @@ using namespace zorvs_test;
 
 #include "data/stat/series/arma_forecast_ref.inc"
 
-template <class T>
-class ArmaForecastTwin : public ::testing::Test {};
-TYPED_TEST_SUITE(ArmaForecastTwin, Reals);
+ZORVS_TWIN_SUITE(ArmaForecastTwin);
 
 // A model of a series: the forecasts, limits and psi weights R gives at
 // the library's estimates, and the innovation variance of the record.

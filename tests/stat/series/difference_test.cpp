@@ -124,16 +124,4 @@ TYPED_TEST(DifferenceTwin, BadInput) {
     });
 }
 
-// Each allocation failing in turn: (5, 200) or (5, 201), a null result, no
-// lost count written; the sanitizer build checks that nothing leaks.
-TEST(DifferenceMemory, AllocationFailures) {
-    double z[4] = {1, 2, 4, 8};
-    int one = 1, lost = -1;
-    EXPECT_EQ(zorvs_test::each_allocation_failing([&] {
-        double *w = zorvs_d_difference(4, z, 1, &one, ZORVS_NUM_LOST, &lost, 0);
-        std::free(w);
-        return !w && lost == -1;
-    }), 3);
-}
-
 }  // namespace
