@@ -282,10 +282,17 @@ TYPED_TEST(RegressionTwin, EdgeCases) {
 
 // Refusals: the message, a null result, nothing written to the caller's
 // pointers, and x as it was; a column of zeros is dropped with a warning.
-TEST(Regression, BadInputIsRefused) {
+// Then extreme weights and frequencies: a subnormal weight gives the fit
+// without its row, a huge one the line through its point; 10^8 degrees of
+// freedom for error by frequencies give the exact F ratio and its upper
+// tail (make_regression_exact.py), whose condition in F is about 0.6.
+TEST(Regression, BadInputIsRefusedAndExtremeWeightsServed) {
     double x[] = {1, 2, 3, 4, 5, 6}, y[] = {1, 3, 2, 5, 4, 6}, negative[] = {1, 1, -1, 1, 1, 1}, zeros[6] = {};
-    double sentinel = 0, *table = &sentinel, *b = nullptr;
+    double sentinel = 0, *table = &sentinel, *b = nullptr, *r = nullptr, ye[] = {2, 3, 7, 8, 9};
+    double we[] = {4e-320, 1, 1, 1, 1}, lx[4], ly[4], lf[4], *aov = nullptr;
+    for (int i = 0; i < 4; ++i) lx[i] = large_df_rows[3 * i], ly[i] = large_df_rows[3 * i + 1], lf[i] = large_df_rows[3 * i + 2];
     zorvs_d_regression_info *info = nullptr;
+    CodeLog log;
     auto refused = [&](double *r) { return r == nullptr && table == &sentinel && !info && x[0] == 1 && x[5] == 6; };
     zorvs_test::expect_rows({
         {ZORVS_CALL(refused(zorvs_d_regression(6, 1, x, y, ZORVS_FREQUENCIES, negative, ZORVS_ANOVA_TABLE, &table,
@@ -304,6 +311,15 @@ TEST(Regression, BadInputIsRefused) {
         {ZORVS_CALL((b = zorvs_d_regression(6, 1, zeros, y, 0))[0]), 3.5, 3, 11047, "", 1e-15},
         {ZORVS_CALL(b[1]), 0, -1},
         {ZORVS_DO(std::free(b)), any, -1},
+        {ZORVS_CALL((b = zorvs_d_regression(5, 1, x, ye, ZORVS_WEIGHTS, we, 0), r = zorvs_d_regression(4, 1, x + 1, ye + 1, 0),
+                     std::fabs(b[0] - r[0]) + std::fabs(b[1] - r[1]))), 0, 0, 0, "", 2e-13},
+        {ZORVS_DO((std::free(b), std::free(r), we[0] = 1e300)), any, -1},
+        {ZORVS_CALL((b = zorvs_d_regression(5, 1, x, ye, ZORVS_WEIGHTS, we, 0), b[0] + b[1])), 2, 0, 0, "", 1e-12},
+        {ZORVS_DO((std::free(b), log.clear())), any, -1},
+        {ZORVS_CALL((b = zorvs_d_regression(4, 1, lx, ly, ZORVS_FREQUENCIES, lf, ZORVS_ANOVA_TABLE, &aov, 0), aov[1])), 1e8},
+        {ZORVS_CALL(relative(aov[8], large_df_F_p[0]) + relative(aov[9], large_df_F_p[1]) + log.has_code(9057)), 0, -1, 0,
+         "", 2e-9},
+        {ZORVS_DO((std::free(b), std::free(aov))), any, -1},
     });
 }
 
@@ -329,49 +345,4 @@ TEST(Regression, PointerFormsOfTheOutputs) {
     for (double *p : {aov, cov, mean, res}) std::free(p);
 }
 
-// Subnormal and huge weights: the fit stays finite and equals the fit
-// without the subnormal row, or with the huge one counted alone.
-TEST(Regression, ExtremeWeights) {
-    double x[] = {1, 2, 3, 4, 5};
-    double y[] = {2, 3, 7, 8, 9};
-    double w[] = {4e-320, 1, 1, 1, 1};
-    double *b = zorvs_d_regression(5, 1, x, y, ZORVS_WEIGHTS, w, 0);
-    double *c = zorvs_d_regression(4, 1, x + 1, y + 1, 0);
-    ASSERT_TRUE(b && c);
-    EXPECT_NEAR(b[0], c[0], 1e-13);
-    EXPECT_NEAR(b[1], c[1], 1e-13);
-    w[0] = 1e300;
-    std::free(b);
-    b = zorvs_d_regression(5, 1, x, y, ZORVS_WEIGHTS, w, 0);
-    ASSERT_NE(b, nullptr);
-    EXPECT_NEAR(b[0] + b[1] * x[0], y[0], 1e-12);  // the line goes through the heavy point
-    std::free(b);
-    std::free(c);
-}
-
 }  // namespace
-
-// The F test of a fit with 10^8 degrees of freedom for error (by
-// frequencies) has its p-value: the exact F ratio and its upper tail from
-// make_regression_exact.py.
-TEST(RegressionLargeDf, FTestHasItsPValue) {
-    Quiet quiet;
-    CodeLog codes;
-    double x[4], y[4], freq[4];
-    for (int i = 0; i < 4; ++i) {
-        x[i] = large_df_rows[3 * i];
-        y[i] = large_df_rows[3 * i + 1];
-        freq[i] = large_df_rows[3 * i + 2];
-    }
-    double *table = nullptr;
-    double *coef = zorvs_d_regression(4, 1, x, y, ZORVS_FREQUENCIES, freq, ZORVS_ANOVA_TABLE, &table, 0);
-    ASSERT_NE(coef, nullptr);
-    ASSERT_NE(table, nullptr);
-    EXPECT_EQ(table[1], 1e8);
-    EXPECT_LE(relative(table[8], large_df_F_p[0]), 1e-9);  // the sums of squares of 10^8 rows
-    // The p-value's condition in F is about 0.6, so it follows F's error.
-    EXPECT_LE(relative(table[9], large_df_F_p[1]), 1e-9);
-    EXPECT_FALSE(codes.has_code(9057));
-    std::free(coef);
-    std::free(table);
-}
