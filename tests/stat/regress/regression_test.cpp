@@ -151,7 +151,7 @@ TYPED_TEST(RegressionTwin, FrequenciesAndWeights) {
     using T = TypeParam;
     const double tol = std::is_same_v<T, float> ? 2e-5 : 1e-12;
     const LmCase &c = lm_cases[1];  // trees
-    std::vector<T> x(c.x, c.x + c.n * c.nv), y(c.y, c.y + c.n), f(c.n), xr, yr;
+    std::vector<T> x(c.x, c.x + c.n * c.nv), y(c.y, c.y + c.n), f(c.n), xr, yr, w(c.n, T(1)), f2(c.n, T(1));
     for (int i = 0; i < c.n; ++i) {
         f[i] = static_cast<T>(i % 3);
         for (int k = 0; k < i % 3; ++k) {
@@ -159,45 +159,35 @@ TYPED_TEST(RegressionTwin, FrequenciesAndWeights) {
             yr.push_back(y[i]);
         }
     }
-    const int nr = static_cast<int>(yr.size());
-    T aov_f[15], aov_r[15], mean_f[2], mean_r[2];
-    T *bf = fit<T>(c.n, c.nv, x.data(), y.data(), ZORVS_FREQUENCIES, f.data(), ZORVS_ANOVA_TABLE_USER, aov_f,
-                   ZORVS_X_MEAN_USER, mean_f, 0);
-    T *br = fit<T>(nr, c.nv, xr.data(), yr.data(), ZORVS_ANOVA_TABLE_USER, aov_r, ZORVS_X_MEAN_USER, mean_r, 0);
-    ASSERT_NE(bf, nullptr);
-    ASSERT_NE(br, nullptr);
-    for (int j = 0; j < 3; ++j) EXPECT_NEAR(bf[j], br[j], tol * (1 + std::fabs(br[j]))) << j;
-    for (int k = 0; k < 15; ++k) EXPECT_LE(relative(aov_f[k], aov_r[k]), 10 * tol) << k;
-    for (int j = 0; j < 2; ++j) EXPECT_NEAR(mean_f[j], mean_r[j], tol * std::fabs(mean_r[j])) << j;
-    std::free(bf);
-    std::free(br);
-
-    // Weights: the same coefficients as the rows with weight 2 given twice;
-    // a row of weight 0.0 still counts in the degrees of freedom.
-    std::vector<T> w(c.n, T(1));
-    w[0] = 2;
-    w[5] = 0;
-    T aov_w[15], mean_w[2];
-    T *bw = fit<T>(c.n, c.nv, x.data(), y.data(), ZORVS_WEIGHTS, w.data(), ZORVS_ANOVA_TABLE_USER, aov_w,
-                   ZORVS_X_MEAN_USER, mean_w, 0);
-    f.assign(c.n, T(1));
-    f[0] = 2;
-    f[5] = 0;
-    T aov_f2[15];
-    T *bf2 = fit<T>(c.n, c.nv, x.data(), y.data(), ZORVS_FREQUENCIES, f.data(), ZORVS_ANOVA_TABLE_USER, aov_f2, 0);
-    ASSERT_NE(bw, nullptr);
-    ASSERT_NE(bf2, nullptr);
-    for (int j = 0; j < 3; ++j) EXPECT_NEAR(bw[j], bf2[j], tol * (1 + std::fabs(bf2[j]))) << j;
-    EXPECT_EQ(aov_w[1], T(c.aov[1]));  // the row of weight 0.0 still counts
-    // The weighted mean: sum(w x) / sum(w).
-    double sw = 0, swx = 0;
-    for (int i = 0; i < c.n; ++i) {
-        sw += w[i];
-        swx += w[i] * c.x[i * c.nv];
+    // weights: the coefficients of the row of weight 2 given twice; a row of
+    // weight 0.0 still counts in the degrees of freedom
+    w[0] = f2[0] = 2;
+    w[5] = f2[5] = 0;
+    struct Fit {
+        std::vector<T> b, aov, mean;
+    };
+    auto run = [&](std::vector<T> &x, std::vector<T> &y, int keyword, T *by) {
+        Fit r{{}, std::vector<T>(15), std::vector<T>(2)};
+        T *b = fit<T>(int(y.size()), c.nv, x.data(), y.data(), keyword, by, ZORVS_ANOVA_TABLE_USER, r.aov.data(),
+                      ZORVS_X_MEAN_USER, r.mean.data(), 0);
+        if (b) r.b.assign(b, b + 3);
+        std::free(b);
+        return r;
+    };
+    const Fit by_f = run(x, y, ZORVS_FREQUENCIES, f.data()), rep = run(xr, yr, ZORVS_FREQUENCIES, nullptr),
+              by_w = run(x, y, ZORVS_WEIGHTS, w.data()), by_f2 = run(x, y, ZORVS_FREQUENCIES, f2.data());
+    ASSERT_TRUE(by_f.b.size() == 3 && rep.b.size() == 3 && by_w.b.size() == 3 && by_f2.b.size() == 3);
+    for (int j = 0; j < 3; ++j) {
+        EXPECT_NEAR(by_f.b[j], rep.b[j], tol * (1 + std::fabs(rep.b[j]))) << j;
+        EXPECT_NEAR(by_w.b[j], by_f2.b[j], tol * (1 + std::fabs(by_f2.b[j]))) << j;
     }
-    EXPECT_NEAR(mean_w[0], swx / sw, tol * std::fabs(swx / sw));
-    std::free(bw);
-    std::free(bf2);
+    for (int k = 0; k < 15; ++k) EXPECT_LE(relative(by_f.aov[k], rep.aov[k]), 10 * tol) << k;
+    for (int j = 0; j < 2; ++j) EXPECT_NEAR(by_f.mean[j], rep.mean[j], tol * std::fabs(rep.mean[j])) << j;
+    EXPECT_EQ(by_w.aov[1], T(c.aov[1]));
+    // the weighted mean: sum(w x) / sum(w)
+    double sw = 0, swx = 0;
+    for (int i = 0; i < c.n; ++i) sw += w[i], swx += w[i] * c.x[i * c.nv];
+    EXPECT_NEAR(by_w.mean[0], swx / sw, tol * std::fabs(swx / sw));
 }
 
 // The record: counts, extremes, means, and R with R'R = X'X.
