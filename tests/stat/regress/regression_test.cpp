@@ -190,39 +190,30 @@ TYPED_TEST(RegressionTwin, FrequenciesAndWeights) {
     EXPECT_NEAR(by_w.mean[0], swx / sw, tol * std::fabs(swx / sw));
 }
 
-// The record: counts, extremes, means, and R with R'R = X'X.
+// The record: counts, extremes (cars' speeds run from 4 to 25), means, and
+// R with R'R = X'X, on cars with one speed missing.
 TEST(Regression, RecordHoldsTheFactorAndTheSummaries) {
     const LmCase &c = lm_cases[0];  // cars
     std::vector<double> x(c.x, c.x + c.n), y(c.y, c.y + c.n);
     x[3] = NAN;
+    double s = 0, s2 = 0, sy = 0;
+    for (int i = 0; i < c.n; ++i)
+        if (i != 3) s += x[i], s2 += x[i] * x[i], sy += y[i];
     zorvs_d_regression_info *info = nullptr;
     double *coef = zorvs_d_regression(c.n, 1, x.data(), y.data(), ZORVS_REGRESSION_INFO, &info, 0);
     ASSERT_NE(info, nullptr);
-    // observations, rows missing, dependent variables, parameters, intercept, rank, df
-    EXPECT_EQ((std::vector<double>{double(info->n_observations), double(info->rows_missing), double(info->n_dependent),
-                                   double(info->n_parameters), double(info->intercept), double(info->rank),
-                                   double(info->df_error)}),
-              (std::vector<double>{50, 1, 1, 2, 1, 2, 47}));
-    EXPECT_EQ(info->coefficients[1], coef[1]);
-    double s = 0, s2 = 0, sy = 0, lo = 1e9, hi = -1e9;
-    for (int i = 0; i < c.n; ++i) {
-        if (i == 3) continue;
-        s += x[i];
-        s2 += x[i] * x[i];
-        sy += y[i];
-        lo = std::min(lo, x[i]);
-        hi = std::max(hi, x[i]);
-    }
-    EXPECT_EQ(*info->x_min, lo);
-    EXPECT_EQ(*info->x_max, hi);
-    EXPECT_NEAR(*info->x_mean, s / 49, 1e-13 * s / 49);
-    EXPECT_NEAR(*info->y_mean, sy / 49, 1e-13 * sy / 49);
     const double *r = info->r_matrix;  // column-major 2 x 2
-    EXPECT_TRUE(r[1] == 0 && r[0] > 0 && r[3] > 0);
-    EXPECT_NEAR(r[0] * r[0], 49, 1e-12 * 49);
-    EXPECT_NEAR(r[0] * r[2], s, 1e-12 * s);
-    EXPECT_NEAR(r[2] * r[2] + r[3] * r[3], s2, 1e-12 * s2);
-    EXPECT_EQ(info->r_scale[0], 1.0);
+    zorvs_test::expect_rows({
+        {ZORVS_CALL(info->n_observations == 50 && info->rows_missing == 1 && info->n_dependent == 1 &&
+                    info->n_parameters == 2 && info->intercept == 1 && info->rank == 2 && info->df_error == 47), 1, -1},
+        {ZORVS_CALL(info->coefficients[1] == coef[1] && *info->x_min == 4 && *info->x_max == 25), 1, -1},
+        {ZORVS_CALL(*info->x_mean), s / 49, -1, 0, "", 1e-13 * s / 49},
+        {ZORVS_CALL(*info->y_mean), sy / 49, -1, 0, "", 1e-13 * sy / 49},
+        {ZORVS_CALL(r[1] == 0 && r[0] > 0 && r[3] > 0 && info->r_scale[0] == 1.0), 1, -1},
+        {ZORVS_CALL(r[0] * r[0]), 49, -1, 0, "", 1e-12 * 49},
+        {ZORVS_CALL(r[0] * r[2]), s, -1, 0, "", 1e-12 * s},
+        {ZORVS_CALL(r[2] * r[2] + r[3] * r[3]), s2, -1, 0, "", 1e-12 * s2},
+    });
     std::free(info);
     std::free(coef);
 }
