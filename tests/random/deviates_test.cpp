@@ -220,9 +220,10 @@ TEST(RandomDeviates, InversionsTakeOneUniformEach) {
         start(1);
         row.draw(r);
         EXPECT_EQ(zorvs_random_seed_get(), random_ref::plain1_seed1[4]) << &row - rows;
-        for (int i = 0; row.deviate && i < 5; ++i)
-            EXPECT_LE(relative_error(r[i], row.deviate(double(random_ref::plain1_seed1[i]) / random_ref::divisor), DBL_MIN), 1e-14)
-                << &row - rows << " " << i;
+        for (int i = 0; row.deviate && i < 5; ++i) {
+            const double u = double(random_ref::plain1_seed1[i]) / random_ref::divisor;
+            EXPECT_LE(relative_error(r[i], row.deviate(u), DBL_MIN), 1e-14) << &row - rows << " " << i;
+        }
     }
 }
 
