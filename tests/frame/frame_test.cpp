@@ -9,10 +9,7 @@ namespace {
 // value (1, or ZORVS_CONFIDENCE's) in a new array or the caller's storage
 // (ZORVS_RETURN_USER); ZORVS_X_COL_DIM a count not below -1, ZORVS_DATA_BOUNDS
 // two reals; ZORVS_MAX_ITERATIONS the type of a message (code 99950) to raise.
-struct Seen {
-    int x_col_dim = -1, bracket_slots = -1;
-    double lower = 0, upper = 0;
-} seen;
+struct Seen { int x_col_dim = -1, bracket_slots = -1; double lower = 0, upper = 0; } seen;
 
 template <class T>
 T *lv_filled = nullptr;

@@ -24,9 +24,7 @@ double *volatile invalid_pointer = reinterpret_cast<double *>(static_cast<std::u
 //   ZORVS_MEDIAN, flag            if 1, a WARNING_IMMEDIATE does not fail the call
 //   ZORVS_LEVERAGE                fault once the blocks are taken
 // n below 1 raises (5, 99961) and gives the result up, caller storage too.
-struct Seen {
-    int blocks_in_body = -1;
-};
+struct Seen { int blocks_in_body = -1; };
 Seen seen;
 double *lv_outputs = nullptr;
 
@@ -79,11 +77,7 @@ double *test_outputs(int n, ...) {
 
 // An outer routine with a work array of its own that calls test_outputs with
 // the arguments given, and notes the blocks it sees around the call.
-struct Outer {
-    double *inner_result = nullptr;
-    int blocks_before = -1, blocks_after = -1;
-    double own_first = 0;
-};
+struct Outer { double *inner_result = nullptr; int blocks_before = -1, blocks_after = -1; double own_first = 0; };
 Outer outer;
 double *lv_outer = nullptr;
 void l_outer(double **address, bool fault) {

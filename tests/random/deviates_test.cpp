@@ -90,9 +90,7 @@ struct Fit {
     bool unit = false;  // values in [0, 1]
 };
 
-struct Moments {
-    double p, q, mean, var, mu4;
-};
+struct Moments { double p, q, mean, var, mu4; };
 const Moments beta_moments[] = {
 #include "data/random/beta_moments.inc"
 };

@@ -79,11 +79,7 @@ TYPED_TEST(PermuteTwin, ExactAndInputsKept) {
 
 // Refusals: (permutation, permute, expected code, i1, i2); the inputs and the
 // caller's storage stay as they were.
-struct Refusal {
-    std::vector<int> permutation;
-    int permute;
-    int code, i1, i2;
-};
+struct Refusal { std::vector<int> permutation; int permute; int code, i1, i2; };
 const Refusal refusals[] = {
     {{0, 3, 1}, ZORVS_FORWARD_PERMUTATION, 20422, 1, 3},
     {{-1, 0, 1}, ZORVS_BACKWARD_PERMUTATION, 20422, 0, 3},
