@@ -165,92 +165,56 @@ double erfc_scaled(double z) {
 
 namespace {
 
-// The coefficients d_n of Temme's uniform expansion below, for h = min/max
-// of the shapes, r0 = 1/(1 + h) and r1 = (max - min)/(the shape that h
-// divides by): from the series a0 of the exponent in h, its powers b0, and
-// c, by the recurrences of DiDonato and Morris, two at a time.
-constexpr int kExpansionTerms = 20;
-struct ExpansionCoefficients {
-    double h, r0, r1, s = 1, hn = 1;
-    double a0[kExpansionTerms + 1] = {}, c[kExpansionTerms + 1] = {}, d[kExpansionTerms + 1] = {};
-    constexpr ExpansionCoefficients(double h_, double r0_, double r1_) : h(h_), r0(r0_), r1(r1_) {
-        a0[0] = r1 * (2.0 / 3.0);
-        c[0] = -0.5 * a0[0];
-        d[0] = -c[0];
-    }
-    // d[n - 1] and d[n], for even n from 2.
-    constexpr void extend(int n) {
-        hn *= h * h;
-        a0[n - 1] = 2 * r0 * (h * hn + 1) / (n + 2);
-        s += hn;
-        a0[n] = 2 * r1 * s / (n + 3);
-        double b0[kExpansionTerms + 1] = {};
-        for (int i = n; i <= n + 1; ++i) {
-            const double r = -0.5 * (i + 1);
-            b0[0] = r * a0[0];
-            for (int m = 2; m <= i; ++m) {
-                // Two partial sums, so that the additions do not wait on
-                // each other.
-                double even = 0, odd = 0;
-                int j = 1;
-                for (; j + 1 < m; j += 2) {
-                    even += (j * (r + 1) - m) * a0[j - 1] * b0[m - j - 1];
-                    odd += ((j + 1) * (r + 1) - m) * a0[j] * b0[m - j - 2];
-                }
-                if (j < m) even += (j * (r + 1) - m) * a0[j - 1] * b0[m - j - 1];
-                b0[m - 1] = r * a0[m - 1] + (even + odd) / m;
-            }
-            c[i - 1] = b0[i - 1] / (i + 1);
-            double dsum = 0;
-            for (int j = 1; j < i; ++j) dsum += d[i - j - 1] * c[j - 1];
-            d[i - 1] = -(dsum + c[i - 1]);
-        }
-    }
-};
+#include "dist/temme_coefficients.inc"
 
-// The gamma limit (h = 0, r0 = 1, and r1 = 1 for the lower tail, where the
-// finite shape is the smaller, -1 for the upper): fixed numbers, worked out
-// at compile time.
-constexpr ExpansionCoefficients gamma_limit_coefficients(double r1) {
-    ExpansionCoefficients k(0, 1, r1);
-    for (int n = 2; n <= kExpansionTerms; n += 2) k.extend(n);
-    return k;
+constexpr int kExpansionTerms = 20;
+
+// The coefficient d_n of Temme's uniform expansion below for h = min/max of
+// the shapes and r1 = (max - min)/(the shape that h divides by), signed by
+// which shape is the smaller: a polynomial in h with coefficients of one sign
+// (times r1 for even n), exact rationals worked out once by
+// tools/make_temme_coefficients.py from the recurrences of DiDonato and
+// Morris, so that a call costs n Horner steps instead of their O(n^2)
+// convolutions.  h = 0 is the gamma limit, where d_n are its constant terms.
+double temme_coefficient(int n, double h, double r1) {
+    const double *c = kTemme + kTemmeStart[n];
+    double v = c[0];
+    if (h != 0) {
+        v = c[kTemmeStart[n + 1] - kTemmeStart[n] - 1];
+        for (int k = kTemmeStart[n + 1] - kTemmeStart[n] - 2; k >= 0; --k) v = v * h + c[k];
+    }
+    return n % 2 == 0 ? r1 * v : v;
 }
-constexpr ExpansionCoefficients kGammaLimitLower = gamma_limit_coefficients(1);
-constexpr ExpansionCoefficients kGammaLimitUpper = gamma_limit_coefficients(-1);
 
 // Temme's uniform expansion for a, b >= 100 and 0 <= lambda small against
 // min(a, b): I_x(a, b) = (2/sqrt(pi)) e^-f u (J_0 + sum_n d_n w0^n J_n),
 // with f = -(a log1pmx(-lambda/a) + b log1pmx(lambda/b)), J_0 = sqrt(pi)/4
 // exp(f) erfc(sqrt f), the J_n by their two-step recurrence in z = sqrt(f/2),
 // w0 = 1/sqrt(min(a, b) (1 + h)), and u the Stirling corrections of B(a, b).
-// The sum takes at most 20 terms; `fixed` gives the coefficients where they
-// do not depend on the shapes (the gamma limit), else they are worked out as
-// far as the sum goes.
-double uniform_expansion(double a, double b, double lambda, const ExpansionCoefficients *fixed = nullptr) {
+// The sum takes at most 20 terms.  `gamma_limit` is the limit of one shape
+// to infinity (h = 0, the Stirling corrections of the finite shape only).
+double uniform_expansion(double a, double b, double lambda, bool gamma_limit = false) {
     constexpr double two_over_sqrtpi = 1.1283791670955126;  // 2/sqrt(pi)
     constexpr double inv_2sqrt2 = 0.35355339059327376;     // 2^-3/2
     const double f = -(scaled_log1pmx(a, -lambda / a, 1 - lambda / a) + scaled_log1pmx(b, lambda / b, 1 + lambda / b));
     const double t = std::exp(-f);
     if (t == 0) return 0;
     const double z0 = std::sqrt(f), z = 0.5 * z0 / inv_2sqrt2, z2 = f + f;
-    const double h = a < b ? a / b : b / a;
+    const double h = gamma_limit ? 0 : a < b ? a / b : b / a;
+    const double r1 = gamma_limit ? (a < b ? 1 : -1) : a < b ? (b - a) / b : (b - a) / a;
     const double w0 = 1 / std::sqrt(std::min(a, b) * (1 + h));
-    ExpansionCoefficients own(h, 1 / (1 + h), a < b ? (b - a) / b : (b - a) / a);
-    const ExpansionCoefficients &k = fixed ? *fixed : own;
     double j0 = 0.5 / two_over_sqrtpi * erfc_scaled(z0), j1 = inv_2sqrt2;
-    double sum = j0 + k.d[0] * w0 * j1;
+    double sum = j0 + temme_coefficient(0, h, r1) * w0 * j1;
     double w = w0, znm1 = z, zn = z2;
     for (int n = 2; n <= kExpansionTerms; n += 2) {
-        if (!fixed) own.extend(n);
         j0 = inv_2sqrt2 * znm1 + (n - 1) * j0;
         j1 = inv_2sqrt2 * zn + n * j1;
         znm1 *= z2;
         zn *= z2;
         w *= w0;
-        const double t0 = k.d[n - 1] * w * j0;
+        const double t0 = temme_coefficient(n - 1, h, r1) * w * j0;
         w *= w0;
-        const double t1 = k.d[n] * w * j1;
+        const double t1 = temme_coefficient(n, h, r1) * w * j1;
         sum += t0 + t1;
         if (std::fabs(t0) + std::fabs(t1) <= kEps * sum) break;
     }
@@ -380,8 +344,7 @@ double gamma_ratio_large(double a, double x, bool upper) {
     double tail;
     bool tail_is_upper = lambda < 0;
     if (std::fabs(lambda) <= 0.03 * a) {
-        tail = tail_is_upper ? uniform_expansion(kHuge, a, -lambda, &kGammaLimitUpper)
-                             : uniform_expansion(a, kHuge, lambda, &kGammaLimitLower);
+        tail = tail_is_upper ? uniform_expansion(kHuge, a, -lambda, true) : uniform_expansion(a, kHuge, lambda, true);
     } else {
         const double lead = scaled_log1pmx(a, -lambda / a, x / a) - stirling(a);
         const double factor = std::exp(lead) / std::sqrt(2 * kPi * a);  // x^a e^-x / gamma(a + 1)
