@@ -326,8 +326,10 @@ T l_beta_ratio(T x, T cx, T a, T b, bool upper) {
     // Where both orientations would take more than kLargeSums terms, the
     // methods made for large shapes.  The shorter orientation takes at most
     // max(a, b) + 53 terms (its y is at most 1/2), so below that nothing is
-    // measured.
-    if (std::max(a, b) > T(kLargeSums - 64) && std::min(keep(), exchange()) > T(kLargeSums))
+    // measured; both shapes beyond kLargeSums make both finite sums that
+    // long, without a logarithm.
+    const bool large_shapes = std::max(a, b) > T(kLargeSums - 64);
+    if (large_shapes && (std::min(a, b) > T(kLargeSums) || std::min(keep(), exchange()) > T(kLargeSums)))
         return static_cast<T>(zc::beta_ratio_large(x, cx, a, b, upper));
     const T n = a + b, d = x * n - a;  // (x - mean)(a + b)
     const bool lower_small = d < 0;
@@ -349,6 +351,12 @@ T l_beta_ratio(T x, T cx, T a, T b, bool upper) {
         }
         if (compare && keep() != exchange()) swapped = exchange() < keep();
     }
+    // The orientation taken may still be the long one (a small shape whole,
+    // so that the other orientation's sums are short, and x beyond 0.8 or
+    // where the tail test chose): at large shapes the large-shape methods
+    // rather than thousands of terms.
+    if (large_shapes && (swapped ? exchange() : keep()) > T(kLargeSums))
+        return static_cast<T>(zc::beta_ratio_large(x, cx, a, b, upper));
     // s is I_x(a, b) unexchanged, its complement exchanged; t the other one.
     bool too_long = false;
     T s = swapped ? l_betai_sums(cx, x, b, a, &too_long) : l_betai_sums(x, cx, a, b, &too_long);
