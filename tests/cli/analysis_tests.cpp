@@ -95,6 +95,24 @@ TEST(CliAnalysisCsv, EqualsTheLibraryRoutineBitForBit) {
              std::free(info);
              add_table(c, "Coefficients of weight", {"intercept", "group=ctrl", "group=trt1"}, est, t.data());
          }},
+        {"regress --sample --weight Water.Temp stack.loss Air.Flow",
+         [&](Cells &c) {
+             Fields f = sample_fields("stackloss.csv");
+             std::vector<double> x = rows_of(f, {0}), w = rows_of(f, {1}), y = rows_of(f, {3}), t(8);
+             zorvs_d_regression_info *info = nullptr;
+             zorvs_d_regression(21, 1, x.data(), y.data(), ZORVS_WEIGHTS, w.data(), ZORVS_REGRESSION_INFO, &info, 0);
+             zorvs_d_regression_summary(info, ZORVS_COEF_T_TESTS_USER, t.data(), 0);
+             std::free(info);
+             add_table(c, "Coefficients of stack.loss", {"intercept", "Air.Flow"}, est, t.data());
+         }},
+        {"crosstab wide.csv --wide",
+         [&](Cells &c) {
+             double t[4] = {3, 4, 5, 1}, s[3];
+             int df;
+             zorvs_d_contingency_table(2, 2, t, ZORVS_CHI_SQUARED, &df, s + 1, s + 2, 0);
+             s[0] = df;
+             add_table(c, "Tests of independence", {"Pearson chi-squared"}, {"df", "statistic", "p-value"}, s);
+         }},
         {"predict",
          [&](Cells &c) {
              Fields f = sample_fields("cars.csv");
