@@ -337,7 +337,13 @@ double beta_ratio_large(double x, double cx, double a, double b, bool upper) {
         const double p = tail_is_upper ? b : a, q = tail_is_upper ? a : b;
         const double xp = tail_is_upper ? cx : x, yp = tail_is_upper ? x : cx;
         lambda = std::fabs(lambda);
-        if (std::min(p, q) >= 100 && lambda <= 0.4 * std::min(p, q)) tail = uniform_expansion(p, q, lambda);
+        // Temme's expansion out to 0.4 min(p, q), but beyond 10 standard
+        // deviations of lambda (sqrt(p q / (p + q))) only within the 3% of
+        // DiDonato and Morris: that far out the fraction ends in a few rounds
+        // and the expansion needs its longer tail of terms.
+        const double m = std::min(p, q);
+        if (m >= 100 && lambda <= 0.4 * m && (lambda <= 0.03 * m || lambda * lambda <= 100 * (p * q / (p + q))))
+            tail = uniform_expansion(p, q, lambda);
         else tail = continued_fraction(p, q, xp, yp, lambda);
     }
     const double v = upper == tail_is_upper ? tail : 1 - tail;
