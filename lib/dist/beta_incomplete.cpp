@@ -71,7 +71,7 @@ struct BetaConstants {
     T eps = 0, alneps = 0, sml = 0, alnsml = 0, scale = 0;
 };
 template <class T>
-BetaConstants<T> lv_beta_constants;
+constinit thread_local BetaConstants<T> lv_beta_constants;
 
 template <class T>
 const BetaConstants<T> &constants() {
@@ -337,8 +337,17 @@ T l_beta_ratio(T x, T cx, T a, T b, bool upper) {
     // measured; both shapes beyond kLargeSums make both finite sums that
     // long, without a logarithm.
     const bool large_shapes = std::max(a, b) > T(kLargeSums - 64);
-    if (large_shapes && (std::min(a, b) > T(kLargeSums) || std::min(keep(), exchange()) > T(kLargeSums)))
-        return static_cast<T>(zc::beta_ratio_large(x, cx, a, b, upper));
+    if (large_shapes && (std::min(a, b) > T(kLargeSums) || std::min(keep(), exchange()) > T(kLargeSums))) {
+        // Shapes far apart (one below 1e-15, the other beyond 1e300) can
+        // overflow the continued fraction's b / a: no value, as for a sum
+        // too long.
+        const double v = zc::beta_ratio_large(x, cx, a, b, upper);
+        if (std::isnan(v)) {
+            zorvs::raise(3, 9057, x, a, b);
+            return zorvs::missing<T>();
+        }
+        return static_cast<T>(v);
+    }
     const T n = a + b, d = x * n - a;  // (x - mean)(a + b)
     const bool lower_small = d < 0;
     const T z2 = lower_small == !upper ? T(4.0 / 9.0) : T(4.6);  // squared deviates

@@ -60,9 +60,10 @@ T l_chi_squared_cdf(T chi2, T df) {
     }
     if (std::isnan(chi2)) return chi2;  // a missing value stays missing
     if (chi2 <= T(1e-12)) return 0;
+    if (std::isinf(chi2)) return 1;  // at any df, an infinite one included (inf/inf in the cube root)
     if (df > 65) {
         if (chi2 < 2) return 0;
-        T h = 2 / (9 * df);
+        T h = (T(2) / 9) / df;  // 9 df overflows a float df near its largest
         T z = (std::cbrt(chi2 / df) - (1 - h)) / std::sqrt(h);
         if (z > 5) return 1;
         if (z < T(-18.8055)) {
@@ -123,7 +124,7 @@ T l_chi_squared_inverse_cdf(T p, T df) {
 
     const T tol = 10 * e;
     T z = zorvs::dist::normal_inverse_cdf(p);
-    T h = 2 / (9 * df);
+    T h = (T(2) / 9) / df;  // 9 df overflows a float df near its largest
     T w = 1 - h + z * std::sqrt(h);
     T x0 = std::max(T(0), df * w * w * w);
     T f0 = cdf(x0, df) - p;

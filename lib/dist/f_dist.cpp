@@ -15,10 +15,16 @@ namespace {
 
 namespace zc = zorvs::continuous;
 
+// Degrees of freedom whose half is positive: the smallest subnormal halves
+// to a shape of 0, where the incomplete beta ratio has no value.
+template <class T>
+bool usable_df(T df) {
+    return T(0.5) * df > 0;  // a NaN df included
+}
 
 template <class T>
 T l_F_cdf(T f, T df1, T df2) {
-    if (!(df1 > 0) || !(df2 > 0)) {
+    if (!usable_df(df1) || !usable_df(df2)) {
         zorvs::raise(5, 9048, df1, df2);
         return zorvs::missing<T>();
     }
@@ -38,7 +44,7 @@ T l_F_inverse_cdf(T p, T df1, T df2) {
         zorvs::raise(5, 9043, p);
         bad = true;
     }
-    if (!(df1 > 0) || !(df2 > 0)) {
+    if (!usable_df(df1) || !usable_df(df2)) {
         zorvs::raise(5, 9048, df1, df2);
         bad = true;
     }

@@ -103,6 +103,10 @@ T l_gamit(T a, T x) {
     if (a >= x) return a * alx - x - std::log(a) - std::log(l_r9lgit(a, x));
     // gamma(a, x) = gamma(a) (1 - Gamma(a, x)/gamma(a)).
     T lga = zorvs::dist::log_gamma(a);
+    // Past the mode (a < x) the integral holds more than a third of
+    // gamma(a): where gamma(a) / 3 overflows, so does the result.  The
+    // difference below would only be rounding there, and could pass 0.
+    if (lga - T(1.1) > std::log(zorvs::largest<T>())) return zorvs::infinity<T>();
     T t = l_r9lgic(a, x, alx) - lga;
     return lga + std::log1p(-std::exp(t));
 }

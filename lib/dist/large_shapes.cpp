@@ -91,7 +91,8 @@ double log_leading_both(double a, double b, double x, double y, double lambda) {
     const double e1 = -lambda / a, e2 = lambda / b;
     const double expo = scaled_log1pmx(a, e1, x * n / a) + scaled_log1pmx(b, e2, y * n / b);
     const double corr = stirling(a) + stirling(b) - stirling(n);
-    return expo + 0.5 * std::log(a * b / n) - 0.5 * std::log(2 * kPi) - corr;
+    // a b / n as (a / n) b: the product a b overflows for shapes beyond 1e154.
+    return expo + 0.5 * std::log(a / n * b) - 0.5 * std::log(2 * kPi) - corr;
 }
 
 // log(gamma(a + b) / gamma(a)) - b log(nu), nu = a + (b - 1)/2, for a >= 10

@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "frame/frame.hpp"
 #include "frame/services.h"
 #include "zorvstat.h"
 
@@ -37,7 +38,7 @@ constexpr const char lv_os_version[] = ZORVS_BUILD_SYSTEM;
 
 char *copy_of(const char *s) {
     std::size_t n = std::strlen(s) + 1;
-    char *p = static_cast<char *>(std::malloc(n));
+    char *p = static_cast<char *>(zorvs::raw_allocate(n));  // the caller frees it
     if (!p) {
         zorvs_ermes(5, 200);
         return nullptr;

@@ -104,9 +104,7 @@ double cdf_at(const QuantileRow &r, double x, bool single) {
 // Allowed relative error of a branch beyond 4 eps kappa, double and single.
 // Full-precision methods: 1e-12 and 1e-4.  The approximations fixed by the
 // method are pinned at their measured largest error (rounded up).
-struct Allowance {
-    double dbl, sgl;
-};
+struct Allowance { double dbl, sgl; };
 Allowance allowance(const std::string &kind, const std::string &branch) {
     if (kind == "gamma_cdf") return {2e-8, 2e-4};
     // Chi-squared: the method returns 0 below its cut-offs (chi2 <= 1e-12;
@@ -173,12 +171,7 @@ TEST(ContinuousCdf, MatchesReferenceOnEveryBranchInBothTwins) {
 // trip carries the 1e-3 of the distribution function's normal form at
 // df 1.5.  With shapes up to 1000 (the wide sweeps) the distribution
 // function itself carries several hundred eps.
-struct QuantileBar {
-    const std::vector<QuantileRow> *rows;
-    const char *kind;
-    bool single, wide;
-    double rt, rel;
-};
+struct QuantileBar { const std::vector<QuantileRow> *rows; const char *kind; bool single, wide; double rt, rel; };
 const QuantileBar quantile_bars[] = {
     {&grid_quantiles, "t", false, false, 6e-3, 1.5e-6},
     {&grid_quantiles, "t", true, false, 6e-3, 1.5e-6},

@@ -44,7 +44,7 @@
 namespace {
 
 template <class T>
-T *lv_eigenvalues = nullptr;
+constinit thread_local T *lv_eigenvalues = nullptr;
 
 // The worker, column-major.  type 0: covariance matrix, 1: correlation
 // matrix.  work holds 2n reals, iwork n integers.
@@ -95,9 +95,17 @@ void l_princ(int df, int n, const T *a, int lda, int type, T *eval, T *cum, T *s
         running += eval[j];
         cum[j] = running / total;
     }
-    const T smallest = eval[n - 1], largest = eval[0];
+    // By magnitude, a negative value can come before a positive one of the
+    // same size: the smallest and the largest are looked for in all.
+    int low = n - 1;
+    T largest = eval[0];
+    for (int j = 0; j < n; ++j) {
+        if (eval[j] < eval[low]) low = j;
+        if (eval[j] > largest) largest = eval[j];
+    }
+    const T smallest = eval[low];
     if (smallest < T(0) && (n == 1 || largest <= T(0) || smallest < T(-1000) * zorvs::epsilon<T>() * largest)) {
-        zorvs_e1sti(1, n - 1);
+        zorvs_e1sti(1, low);
         zorvs_e1std(1, static_cast<double>(smallest));
         zorvs_ermes(3, 20102);
     }

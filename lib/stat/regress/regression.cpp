@@ -443,7 +443,7 @@ void l_rcovb(int n, const T *r, int ldr, T sse, T dfe, T *cov, int ldcov) {
 }
 
 template <class T>
-T *lv_regression = nullptr;
+constinit thread_local T *lv_regression = nullptr;
 
 // Optional output in the pointer or the user form: the one place where the
 // routine allocates what it hands to the caller.
@@ -454,10 +454,21 @@ struct Output {
     bool user_given = false;
     T *storage = nullptr;  // what is filled
     bool wanted() const { return pointer || user_given; }
+    // The two forms exclude each other: the one given last holds, so that
+    // the caller's array is never handed over as a block nor freed.
+    void take_pointer(T **p) {
+        pointer = p;
+        user_given = false;
+    }
+    void take_user(T *p) {
+        user = p;
+        user_given = true;
+        pointer = nullptr;
+    }
     // Hand an allocated result to the caller, or free it if its worker met
     // an error above a warning.
     void deliver(bool ok) {
-        if (!pointer || !storage) return;
+        if (!pointer || !storage || user_given) return;
         if (ok)
             *pointer = storage;
         else
@@ -486,8 +497,7 @@ void l_regression(int n_rows, int n_independent, T *x, T *y, va_list *list) {
     Info<T> **info_out = nullptr;
     Output<T> anova, cov, means, residuals;
     auto user_form = [&](Output<T> &o, const char *short_name, const char *keyword) {
-        o.user = kw.pointer<T>();
-        o.user_given = true;
+        o.take_user(kw.pointer<T>());
         if (!o.user) {
             zorvs_e1stl(1, short_name);
             zorvs_e1stl(2, keyword);
@@ -513,9 +523,9 @@ void l_regression(int n_rows, int n_independent, T *x, T *y, va_list *list) {
         case ZORVS_FREQUENCIES: freq = kw.pointer<T>(); break;
         case ZORVS_WEIGHTS: wt = kw.pointer<T>(); break;
         case ZORVS_RANK: rank_out = kw.pointer<int>(); break;
-        case ZORVS_ANOVA_TABLE: anova.pointer = kw.pointer<T *>(); break;
+        case ZORVS_ANOVA_TABLE: anova.take_pointer(kw.pointer<T *>()); break;
         case ZORVS_ANOVA_TABLE_USER: user_form(anova, "anova_table", "ZORVS_ANOVA_TABLE_USER"); break;
-        case ZORVS_COEF_COVARIANCES: cov.pointer = kw.pointer<T *>(); break;
+        case ZORVS_COEF_COVARIANCES: cov.take_pointer(kw.pointer<T *>()); break;
         case ZORVS_COEF_COVARIANCES_USER:
             user_form(cov, "coef_covariances", "ZORVS_COEF_COVARIANCES_USER");
             break;
@@ -523,9 +533,9 @@ void l_regression(int n_rows, int n_independent, T *x, T *y, va_list *list) {
             cov_col_dim = kw.integer();
             cov_dim_given = true;
             break;
-        case ZORVS_X_MEAN: means.pointer = kw.pointer<T *>(); break;
+        case ZORVS_X_MEAN: means.take_pointer(kw.pointer<T *>()); break;
         case ZORVS_X_MEAN_USER: user_form(means, "x_mean", "ZORVS_X_MEAN_USER"); break;
-        case ZORVS_RESIDUAL: residuals.pointer = kw.pointer<T *>(); break;
+        case ZORVS_RESIDUAL: residuals.take_pointer(kw.pointer<T *>()); break;
         case ZORVS_RESIDUAL_USER: user_form(residuals, "residual", "ZORVS_RESIDUAL_USER"); break;
         case ZORVS_REGRESSION_INFO: info_out = kw.pointer<Info<T> *>(); break;
         case ZORVS_RETURN_USER:
