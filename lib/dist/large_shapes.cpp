@@ -154,12 +154,13 @@ double continued_fraction(double a, double b, double x, double y, double lambda)
     return std::exp(lead) * r;
 }
 
-// exp(z^2) erfc(z) for z >= 0, from the Chebyshev series of erfc, which
-// carry the factor exp(-z^2) outside beyond z = 1.
-double erfc_scaled(double z) {
+// exp(z^2) erfc(z) for z >= 0 given t = exp(-z^2), from the Chebyshev
+// series of erfc, which carry the factor exp(-z^2) outside beyond z = 1 (up
+// to 1, erfc(z) / t).
+double erfc_scaled(double z, double t) {
     if (z <= 1) {
         bool underflow = false;
-        return std::exp(z * z) * zs::erfc_core<double>(z, &underflow);
+        return zs::erfc_core<double>(z, &underflow) / t;
     }
     const double z2 = z * z;
     if (zs::lv_erfc_bounds<double>.nterf == 0) zs::erfc_first_use<double>();
@@ -185,7 +186,7 @@ constexpr int kExpansionTerms = 20;
 // tools/make_temme_coefficients.py from the recurrences of DiDonato and
 // Morris, so that a call costs n Horner steps instead of their O(n^2)
 // convolutions.  h = 0 is the gamma limit, where d_n are its constant terms.
-double temme_coefficient(int n, double h, double r1) {
+[[gnu::always_inline]] inline double temme_coefficient(int n, double h, double r1) {
     const double *c = kTemme + kTemmeStart[n];
     double v = c[0];
     if (h != 0) {
@@ -207,7 +208,7 @@ double temme_sum(double f, double h, double r1, double w0, double u) {
     const double t = std::exp(-f);
     if (t == 0) return 0;
     const double z0 = std::sqrt(f), z = 0.5 * z0 / inv_2sqrt2, z2 = f + f;
-    double j0 = 0.5 / two_over_sqrtpi * erfc_scaled(z0), j1 = inv_2sqrt2;
+    double j0 = 0.5 / two_over_sqrtpi * erfc_scaled(z0, t), j1 = inv_2sqrt2;
     double sum = j0 + temme_coefficient(0, h, r1) * w0 * j1;
     double w = w0, znm1 = z, zn = z2;
     for (int n = 2; n <= kExpansionTerms; n += 2) {
@@ -337,7 +338,13 @@ double beta_ratio_large(double x, double cx, double a, double b, bool upper) {
         const double p = tail_is_upper ? b : a, q = tail_is_upper ? a : b;
         const double xp = tail_is_upper ? cx : x, yp = tail_is_upper ? x : cx;
         lambda = std::fabs(lambda);
-        if (std::min(p, q) >= 100 && lambda <= 0.4 * std::min(p, q)) tail = uniform_expansion(p, q, lambda);
+        // Temme's expansion out to 0.4 min(p, q), but beyond 10 standard
+        // deviations of lambda (sqrt(p q / (p + q))) only within the 3% of
+        // DiDonato and Morris: that far out the fraction ends in a few rounds
+        // and the expansion needs its longer tail of terms.
+        const double m = std::min(p, q);
+        if (m >= 100 && lambda <= 0.4 * m && (lambda <= 0.03 * m || lambda * lambda <= 100 * (p * q / (p + q))))
+            tail = uniform_expansion(p, q, lambda);
         else tail = continued_fraction(p, q, xp, yp, lambda);
     }
     const double v = upper == tail_is_upper ? tail : 1 - tail;
