@@ -2,7 +2,7 @@
 # code_share.sh - lines of test code against lines of library code:
 # non-blank lines that are not only a comment, in C, C++ and CMake sources.
 # Tests are tests/ without the generated reference data in tests/data/; the
-# library is include/, lib/, tools/ and examples/.
+# library is include/, lib/, tools/, examples/ and cli/.
 #   tools/code_share.sh            the two counts and the share
 #   tools/code_share.sh tests/stat the count of one folder
 set -euo pipefail
@@ -23,5 +23,5 @@ if [ $# -gt 0 ]; then
     exit 0
 fi
 tests=$(count tests)
-library=$(count include lib tools examples)
+library=$(count include lib tools examples cli)
 echo "tests $tests, library $library, share $((100 * tests / library))%"

@@ -27,9 +27,9 @@ struct AlnrelBounds {
     T xrel;
 };
 template <class T>
-AlnrelBounds<T> lv_alnrel_bounds{};       // zorvs_alnrel, zorvs_dalnrel
+constinit thread_local AlnrelBounds<T> lv_alnrel_bounds{};       // zorvs_alnrel, zorvs_dalnrel
 template <class T>
-AlnrelBounds<T> lv_l_alnrel_bounds{};     // l_alnrel beside log_beta
+constinit thread_local AlnrelBounds<T> lv_l_alnrel_bounds{};     // l_alnrel beside log_beta
 
 template <class T>
 struct BetaBounds {
@@ -37,7 +37,7 @@ struct BetaBounds {
     T alneps;      // log of the smallest number: the underflow test
 };
 template <class T>
-BetaBounds<T> lv_beta_bounds{};
+constinit thread_local BetaBounds<T> lv_beta_bounds{};
 
 template <class T>
 constexpr int alnrel_terms = zorvs::by_type<T>(23, 43);

@@ -143,55 +143,67 @@ T l_betin(T p, T pin, T qin, T *complement = nullptr) {
         y = std::exp(log_tail);
         if (!(y > ylo && y < yhi)) y = ylo > 0 || yhi < 1 ? (ylo + yhi) / 2 : T(0.5);
     }
+    // A start above 1/2 puts the root where 1 - y is the smaller side: the
+    // iteration runs on v = 1 - y, toward the same target a, so that 1 - y
+    // keeps its relative accuracy (at (5e7, 1.5) y near 1 resolves 1 - y,
+    // about 3e-8, only to 1e-10 of its size).  u below is the variable the
+    // iteration runs on, y or v.
+    const bool on_v = y > T(0.5);
+    T u = on_v ? 1 - y : y;
+    T ulo = on_v ? 1 - yhi : ylo, uhi = on_v ? 1 - ylo : yhi;
 
-    // Newton's method in u = log y, where dI/du = y f(y) = y^pp (1-y)^(qq-1)
+    // Newton's method in log y, where dI/dlog y = y f(y) = y^pp (1-y)^(qq-1)
     // / B(pp, qq), with Halley's second-order correction from
-    // d(y f)/du / (y f) = pp - (qq - 1) y / (1 - y).  A step is limited to
-    // [-0.99, 0.7] in u and kept inside the bracket of the residual's signs;
-    // the iteration stops when the error left after the step, about
-    // (1 + h^2) |step|^3, is below the epsilon.
+    // d(y f)/dlog y / (y f) = pp - (qq - 1) y / (1 - y); on v = 1 - y in
+    // log v, where dI/dlog v = -v f(y) and the correction is qq - (pp - 1)
+    // v / (1 - v).  A step is limited to [-0.99, 0.7] in log u and kept
+    // inside the bracket of the residual's signs; the iteration stops when the
+    // error left after the step, about (1 + h^2) |step|^3, is below the
+    // epsilon.
     bool converged = false;
     for (int k = 0; k < 100; ++k) {
-        const T cy = 1 - y;
-        const T g = zc::beta_ratio<T>(y, cy, pp, qq, false) - a;
+        const T cu = 1 - u;
+        const T g = (on_v ? zc::beta_ratio<T>(cu, u, pp, qq, false) : zc::beta_ratio<T>(u, cu, pp, qq, false)) - a;
         if (std::isnan(g)) return cx = g;  // the ratio could not be summed (warned)
         if (g == 0) {
             converged = true;
             break;
         }
-        if (g < 0) ylo = std::max(ylo, y);
-        else yhi = std::min(yhi, y);
-        if (yhi <= zorvs::smallest<T>()) {  // the root is below the normal range
-            y = 0;
+        if ((g < 0) != on_v) ulo = std::max(ulo, u);  // I falls as v grows
+        else uhi = std::min(uhi, u);
+        if (uhi <= zorvs::smallest<T>()) {  // the root is below the normal range
+            u = 0;
             break;
         }
-        const T yf = std::exp(pp * std::log(y) + (qq - 1) * std::log1p(-y) - lbeta);
+        // y f(y), or v f(y) on v, with the power of the variable one higher.
+        const T uf = on_v ? std::exp((pp - 1) * std::log1p(-u) + qq * std::log(u) - lbeta)
+                          : std::exp(pp * std::log(u) + (qq - 1) * std::log1p(-u) - lbeta);
         T delta, h = 0;
         bool clean = false;
-        if (yf > 0 && std::isfinite(yf)) {
-            delta = -g / yf;
-            h = pp - (qq - 1) * y / cy;
+        if (uf > 0 && std::isfinite(uf)) {
+            delta = on_v ? g / uf : -g / uf;
+            h = on_v ? qq - (pp - 1) * u / cu : pp - (qq - 1) * u / cu;
             const T corr = 1 + T(0.5) * delta * h;
             if (corr > T(0.5) && corr < 2) delta /= corr;
             clean = delta >= T(-0.99) && delta <= T(0.7);
             delta = std::clamp(delta, T(-0.99), T(0.7));
         } else {
-            delta = g < 0 ? T(0.7) : T(-0.99);
+            delta = (g < 0) != on_v ? T(0.7) : T(-0.99);
         }
-        T next = y + y * std::expm1(delta);
-        if (next == y) {  // a step below the spacing of y
+        T next = u + u * std::expm1(delta);
+        if (next == u) {  // a step below the spacing of u
             converged = true;
             break;
         }
-        if (!(next > ylo && next < yhi)) {
-            if (yhi - ylo <= 4 * e * yhi) {  // the bracket has closed
+        if (!(next > ulo && next < uhi)) {
+            if (uhi - ulo <= 4 * e * uhi) {  // the bracket has closed
                 converged = true;
                 break;
             }
-            next = (ylo + yhi) / 2;
+            next = (ulo + uhi) / 2;
             clean = false;
         }
-        y = next;
+        u = next;
         const T ad = std::fabs(delta);
         if (clean && (ad <= 4 * e || (1 + h * h) * ad * ad * ad <= e / 32)) {
             converged = true;
@@ -199,8 +211,10 @@ T l_betin(T p, T pin, T qin, T *complement = nullptr) {
         }
     }
     if (!converged) zorvs::raise(3, 9047, p);
-    cx = is_complement ? y : 1 - y;
-    return is_complement ? 1 - y : y;
+    // y and 1 - y: one of them is u itself, the other 1 - u.
+    const T y_out = on_v ? 1 - u : u, cy_out = on_v ? u : 1 - u;
+    cx = is_complement ? y_out : cy_out;
+    return is_complement ? cy_out : y_out;
 }
 
 }  // namespace

@@ -46,8 +46,13 @@
 // Large shapes: where both orientations' sums would pass 1200 terms, and
 // for a small tail whose own sums would be that long, the methods made for
 // large shapes (large_shapes.cpp: Temme's uniform expansions and the
-// continued fraction after DiDonato and Morris) take over; everywhere else
-// the values are those of the sums.
+// continued fraction after DiDonato and Morris) take over.  So they do for
+// a shape beyond 1136 where the orientation taken would sum more than 1200
+// terms, or the smaller shape is 10 or more: there the sums, short as they
+// may be, carry the rounding of a leading factor whose logarithm is in the
+// hundreds (against mpmath, F(f; 300, 1e5) off by 2.3e-12 and F(f; 2000,
+// 5000) by 2.6e-12 beyond the argument's rounding; 5e-17 by the large-shape
+// methods).  Everywhere else the values are those of the sums.
 // The single twin sums in double precision and rounds the result.
 #include "dist/beta_incomplete.hpp"
 
@@ -66,7 +71,7 @@ struct BetaConstants {
     T eps = 0, alneps = 0, sml = 0, alnsml = 0, scale = 0;
 };
 template <class T>
-BetaConstants<T> lv_beta_constants;
+constinit thread_local BetaConstants<T> lv_beta_constants;
 
 template <class T>
 const BetaConstants<T> &constants() {
@@ -94,6 +99,9 @@ constexpr double kLowTail = 1.0 / 64;
 // by at most 4e-15, at a fraction of the time; shorter sums keep their
 // values.
 constexpr double kLargeSums = 1200;
+// Smaller shape from which, at a larger one beyond kLargeSums - 64, the
+// large-shape methods serve whatever the sum lengths.
+constexpr double kSmallShapeSums = 10;
 // The most terms either sum may take, some hundredths of a second.  Beyond,
 // the ratio is not summed (a warning, NaN) rather than tying the caller up
 // for seconds or for ever: the sums grow with shapes beyond 10^6 in both
@@ -326,8 +334,10 @@ T l_beta_ratio(T x, T cx, T a, T b, bool upper) {
     // Where both orientations would take more than kLargeSums terms, the
     // methods made for large shapes.  The shorter orientation takes at most
     // max(a, b) + 53 terms (its y is at most 1/2), so below that nothing is
-    // measured.
-    if (std::max(a, b) > T(kLargeSums - 64) && std::min(keep(), exchange()) > T(kLargeSums)) {
+    // measured; both shapes beyond kLargeSums make both finite sums that
+    // long, without a logarithm.
+    const bool large_shapes = std::max(a, b) > T(kLargeSums - 64);
+    if (large_shapes && (std::min(a, b) > T(kLargeSums) || std::min(keep(), exchange()) > T(kLargeSums))) {
         // Shapes far apart (one below 1e-15, the other beyond 1e300) can
         // overflow the continued fraction's b / a: no value, as for a sum
         // too long.
@@ -358,6 +368,13 @@ T l_beta_ratio(T x, T cx, T a, T b, bool upper) {
         }
         if (compare && keep() != exchange()) swapped = exchange() < keep();
     }
+    // The orientation taken may still be the long one (a small shape whole,
+    // so that the other orientation's sums are short, and x beyond 0.8 or
+    // where the tail test chose): at large shapes the large-shape methods
+    // rather than thousands of terms; and with the smaller shape from 10 on,
+    // rather than sums whose leading factor rounds at 1e-13 and worse.
+    if (large_shapes && (std::min(a, b) >= T(kSmallShapeSums) || (swapped ? exchange() : keep()) > T(kLargeSums)))
+        return static_cast<T>(zc::beta_ratio_large(x, cx, a, b, upper));
     // s is I_x(a, b) unexchanged, its complement exchanged; t the other one.
     bool too_long = false;
     T s = swapped ? l_betai_sums(cx, x, b, a, &too_long) : l_betai_sums(x, cx, a, b, &too_long);

@@ -26,7 +26,7 @@ struct OwenConstants {
     T bigbylog;  // big / log(big): above it a counts as infinite
 };
 template <class T>
-OwenConstants<T> lv_owen{};
+constinit thread_local OwenConstants<T> lv_owen{};
 
 // Owen's T(h, a) for pointers to h and a.
 template <class T>

@@ -38,7 +38,7 @@ struct ErfBounds {
     T sqeps;  // below it erf is 2x/sqrt(pi)
 };
 template <class T>
-ErfBounds<T> lv_erf_bounds{};
+constinit thread_local ErfBounds<T> lv_erf_bounds{};
 
 template <class T>
 T l_erf(T x) {

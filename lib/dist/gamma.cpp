@@ -37,7 +37,7 @@ struct GammaBounds {
     T xmin, xmax;  // arguments at which gamma underflows, overflows
 };
 template <class T>
-GammaBounds<T> lv_gamma_bounds{};
+constinit thread_local GammaBounds<T> lv_gamma_bounds{};
 
 template <class T>
 struct LgmcBounds {
@@ -46,7 +46,7 @@ struct LgmcBounds {
     T xmax;     // above it the correction underflows
 };
 template <class T>
-LgmcBounds<T> lv_lgmc_bounds{};
+constinit thread_local LgmcBounds<T> lv_lgmc_bounds{};
 
 template <class T>
 struct LogGammaBounds {
@@ -54,7 +54,7 @@ struct LogGammaBounds {
     T dxrel;
 };
 template <class T>
-LogGammaBounds<T> lv_log_gamma_bounds{};
+constinit thread_local LogGammaBounds<T> lv_log_gamma_bounds{};
 
 // Underflow and overflow arguments of gamma, one pair per twin, shared by
 // gamma and beta; filled by l_r9gaml at the first use.
@@ -63,7 +63,7 @@ struct GammaLimits {
     T xmin, xmax;
 };
 template <class T>
-GammaLimits<T> lv_gamma_limits{};
+constinit thread_local GammaLimits<T> lv_gamma_limits{};
 
 // Limits of gamma by Newton's method on the log of Stirling's form, for
 // the twin's smallest and largest numbers.

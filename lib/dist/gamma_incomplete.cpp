@@ -149,6 +149,9 @@ constexpr T gamma_cdf_shape_limit() {
     return T(1e3);
 }
 
+template <class T>
+constexpr T kFourthRootLargest = sizeof(T) == sizeof(float) ? T(4.2e9) : T(1.1e77);
+
 // Rounds of either sum at most: the longest needed up to the shape limit is
 // about 6 sqrt(a), 60000 at 1e8.  A sum that has not ended by then will not.
 constexpr int kGammaCdfRounds = 1000000;
@@ -187,7 +190,9 @@ T l_gamma_cdf(T x, T a) {
     // A missing x stays missing (the loops below would not end on a NaN).
     if (std::isnan(x)) return x;
     if (std::isinf(a)) return 0;  // all the mass beyond any finite x
-    if (std::log(x) >= std::log(zorvs::largest<T>()) / 3) {
+    // x beyond the cube root of the largest number; the logarithm only where
+    // x passes its fourth root.
+    if (x > kFourthRootLargest<T> && std::log(x) >= std::log(zorvs::largest<T>()) / 3) {
         if (a >= T(0.5) * x) {
             zorvs::raise(4, 9010, x, a);
             return zorvs::missing<T>();

@@ -181,7 +181,7 @@ struct ErfcBounds {
     T sqeps;
 };
 template <class T>
-inline ErfcBounds<T> lv_erfc_bounds{};
+inline constinit thread_local ErfcBounds<T> lv_erfc_bounds{};
 
 // Fills lv_erfc_bounds<T>; in erf.cpp.
 template <class T>

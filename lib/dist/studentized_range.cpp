@@ -60,33 +60,31 @@ struct InnerRule {
     double above[inner_nodes];  // 1 - Phi(z)
 };
 
-// The tables depend on nothing but the rule; filled on first use.
-struct {
-    bool ready = false;
-    InnerRule rule;
-} lv_studentized_range;
-
-const InnerRule &inner_rule() {
-    InnerRule &r = lv_studentized_range.rule;
-    if (!lv_studentized_range.ready) {
-        const double h = (inner_high - inner_low) / inner_panels;
-        int n = 0;
-        for (int p = 0; p < inner_panels; ++p) {
-            double mid = inner_low + (p + 0.5) * h;
-            for (int i = 0; i < gl_half; ++i) {
-                for (int sign = -1; sign <= 1; sign += 2) {
-                    double z = mid + sign * 0.5 * h * gl_node[i];
-                    r.z[n] = z;
-                    r.wphi[n] = 0.5 * h * gl_weight[i] * std::exp(-0.5 * z * z - ln_sqrt_2pi);
-                    r.below[n] = upper_tail(-z);
-                    r.above[n] = upper_tail(z);
-                    ++n;
-                }
+// The tables depend on nothing but the rule: worked out once per process, at
+// the first use in any thread, under the guard of a function-local static.
+InnerRule make_inner_rule() {
+    InnerRule r;
+    const double h = (inner_high - inner_low) / inner_panels;
+    int n = 0;
+    for (int p = 0; p < inner_panels; ++p) {
+        double mid = inner_low + (p + 0.5) * h;
+        for (int i = 0; i < gl_half; ++i) {
+            for (int sign = -1; sign <= 1; sign += 2) {
+                double z = mid + sign * 0.5 * h * gl_node[i];
+                r.z[n] = z;
+                r.wphi[n] = 0.5 * h * gl_weight[i] * std::exp(-0.5 * z * z - ln_sqrt_2pi);
+                r.below[n] = upper_tail(-z);
+                r.above[n] = upper_tail(z);
+                ++n;
             }
         }
-        lv_studentized_range.ready = true;
     }
     return r;
+}
+
+const InnerRule &inner_rule() {
+    static const InnerRule rule = make_inner_rule();
+    return rule;
 }
 
 // W(w) = P(range of k standard normals <= w).

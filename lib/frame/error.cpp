@@ -21,13 +21,14 @@
 #include "zorvstat.h"
 
 extern "C" {
-struct zorvs_error_param_t zorvs_error_param;
-int zorvs_error_n1rty[2];
+ZORVS_THREAD_LOCAL struct zorvs_error_param_t zorvs_error_param;
+ZORVS_THREAD_LOCAL int zorvs_error_n1rty[2];
 }
 
-// Constant-initialised, so that it is ready before any constructor runs.
-zorvs::ErrorStack zorvs::error_stack = {
-    {{0, 1, 0, "USER"}}, &zorvs::error_stack.frames[0], {0, 0}, 0, 0, nullptr, 0, nullptr, nullptr};
+// Constant-initialised, so that it is ready before any constructor runs, in
+// every thread.
+constinit thread_local zorvs::ErrorStack zorvs::error_stack = {
+    {{0, 1, 0, "USER"}}, 0, {0, 0}, 0, 0, nullptr, 0, nullptr, nullptr};
 
 namespace {
 
@@ -51,8 +52,8 @@ struct ErrorState {
     char *owned_name = nullptr;
 };
 
-ErrorState lv_error;
-constexpr zorvs::ErrorStack &lv_stack = zorvs::error_stack;
+constinit thread_local ErrorState lv_error;
+using zorvs::error_stack;
 
 constexpr unsigned char lv_immead_status[9] = {0, 0, 0, 0, 0, 1, 1, 1, 1};
 constexpr const char *lv_type_name[9] = {
@@ -63,19 +64,44 @@ constexpr const char lv_filler[] = "***         ";
 constexpr int lv_filler_len = 12;
 constexpr int lv_line_limit = 78;
 
-ErrorFrame *base() { return &lv_stack.frames[0]; }
+ErrorFrame *base() { return &error_stack.frames[0]; }
 
 void empty_message() {
-    lv_stack.end_message = 0;
-    if (lv_stack.message) lv_stack.message[0] = '\0';
+    error_stack.end_message = 0;
+    if (error_stack.message) error_stack.message[0] = '\0';
 }
 
-const char *message_text() { return lv_stack.message ? lv_stack.message : ""; }
+const char *message_text() { return error_stack.message ? error_stack.message : ""; }
+
+// The end of a thread that used the error system: the blocks it holds for
+// its thread go back, and its state is as before its first call, so that a
+// call from a later destructor of the same thread starts it again.
+struct ThreadEnd {
+    ~ThreadEnd() {
+        std::free(error_stack.message);
+        error_stack.message = nullptr;
+        error_stack.end_message = 0;
+        std::free(error_stack.work);
+        error_stack.work = nullptr;
+        error_stack.work_capacity = error_stack.work_count = 0;
+        if (zorvs_error_param.path == lv_error.owned_path) zorvs_error_param.path = nullptr;
+        if (zorvs_error_param.name == lv_error.owned_name) zorvs_error_param.name = nullptr;
+        std::free(lv_error.owned_path);
+        std::free(lv_error.owned_name);
+        lv_error.owned_path = lv_error.owned_name = nullptr;
+        lv_error.max_message_len = 256;
+        lv_error.error_init = 0;
+    }
+};
 
 void initialise() {
+    // Registered at the thread's first call; its destructor runs when the
+    // thread ends (for the main thread, at exit).
+    thread_local ThreadEnd end;
+    (void)end;
     zorvs_signal();
-    lv_stack.message = static_cast<char *>(std::malloc(lv_error.max_message_len));
-    if (lv_stack.message) lv_stack.message[0] = '\0';
+    error_stack.message = static_cast<char *>(std::malloc(lv_error.max_message_len));
+    if (error_stack.message) error_stack.message[0] = '\0';
     zorvs_error_param.path = nullptr;
     zorvs_error_param.name = nullptr;
     lv_error.error_init = 1;
@@ -96,7 +122,7 @@ void print_traceback() {
                  "  Error Type        Error Code              Routine",
                  "  ----------        ----------              -------");
     const ErrorFrame *err = nullptr;
-    for (ErrorFrame *f = lv_stack.top; f >= base(); --f) {
+    for (ErrorFrame *f = error_stack.top(); f >= base(); --f) {
         if (f->type != 0) err = f;
         if (f != base() && (f - 1)->user == 0 && lv_error.full_traceback == 0) continue;
         const char *name = f->name ? f->name : "";
@@ -113,32 +139,32 @@ void print_traceback() {
 // Print a message through the print procedure, then the traceback if the
 // trace table asks for it.
 void print_message(int type, int code, const char *text) {
-    lv_error.error_print(type, code, lv_stack.top->name, text);
+    lv_error.error_print(type, code, error_stack.top()->name, text);
     if (lv_error.trace_status[type]) print_traceback();
 }
 
 [[noreturn]] void out_of_memory() {
-    static char fixed[] = "Out of memory in error handler.";
+    static const char fixed[] = "Out of memory in error handler.";
     print_message(8, 200, fixed);
-    std::exit(lv_stack.top->type);
+    std::exit(error_stack.top()->type);
 }
 
 // Make sure at least `room` bytes are free behind the write position.
 void reserve(std::size_t room) {
-    while (lv_error.max_message_len - lv_stack.end_message < room) {
+    while (lv_error.max_message_len - error_stack.end_message < room) {
         std::size_t len = lv_error.max_message_len * 2;
-        char *p = static_cast<char *>(std::realloc(lv_stack.message, len));
+        char *p = static_cast<char *>(std::realloc(error_stack.message, len));
         if (!p) out_of_memory();
-        lv_stack.message = p;
+        error_stack.message = p;
         lv_error.max_message_len = len;
     }
 }
 
 void append(const char *s, std::size_t n) {
     reserve(n + 1);
-    std::memcpy(lv_stack.message + lv_stack.end_message, s, n);
-    lv_stack.end_message += n;
-    lv_stack.message[lv_stack.end_message] = '\0';
+    std::memcpy(error_stack.message + error_stack.end_message, s, n);
+    error_stack.end_message += n;
+    error_stack.message[error_stack.end_message] = '\0';
 }
 
 enum class SlotKind { integer, real, string, other };
@@ -201,7 +227,7 @@ void expand_slot(char letter, int digit, const char *fmt, char *out, std::size_t
 // Copy the template into the message buffer, expanding %(xN), %(xN%fmt) and %/.
 void l_parse_message(const char *text) {
     empty_message();
-    if (!lv_stack.message) out_of_memory();
+    if (!error_stack.message) out_of_memory();
     char temp[512];
     char fmt[128];
     const char *p = text;
@@ -247,9 +273,9 @@ void l_parse_message(const char *text) {
 // set and takes the frame directly above it.
 void l_error_print(int type, int code, const char * /*routine*/, const char *message) {
     if (!message || !*message) return;
-    ErrorFrame *f = lv_stack.top;
+    ErrorFrame *f = error_stack.top();
     while (f > base() && !f->user) --f;
-    const char *routine = (f == lv_stack.top) ? lv_stack.top->name : (f + 1)->name;
+    const char *routine = (f == error_stack.top()) ? error_stack.top()->name : (f + 1)->name;
     if (!routine) routine = "";
     if (type < 0 || type > 8) type = 8;
 
@@ -326,9 +352,9 @@ void l_error_print(int type, int code, const char * /*routine*/, const char *mes
 
 // Release of messages at the return to user level.
 void release() {
-    ErrorFrame *t = lv_stack.top;
+    ErrorFrame *t = error_stack.top();
     const char *text = message_text();
-    if (lv_stack.at_checksum) lv_stack.at_checksum(t->type, t->code, text);
+    if (error_stack.at_checksum) error_stack.at_checksum(t->type, t->code, text);
     if (*text && lv_error.print_status[t->type]) print_message(t->type, t->code, text);
     if (lv_error.stop_status[t->type]) std::exit(t->type);
 }
@@ -431,12 +457,12 @@ extern "C" {
 
 void zorvs_e1psh(const char *name) {
     if (!lv_error.error_init) initialise();
-    if (lv_stack.top == base()) empty_message();
-    ++lv_stack.top;
-    ErrorFrame *t = lv_stack.top;
+    if (error_stack.top() == base()) empty_message();
+    ++error_stack.depth;
+    ErrorFrame *t = error_stack.top();
     *t = ErrorFrame{0, 0, 0, name};
     zorvs_error_n1rty[0] = zorvs_error_n1rty[1] = 0;
-    lv_stack.n1rcd[0] = lv_stack.n1rcd[1] = 0;
+    error_stack.n1rcd[0] = error_stack.n1rcd[1] = 0;
     if (t - base() >= ZORVS_STACK_FRAMES) {
         zorvs_e1sti(1, ZORVS_STACK_FRAMES - 1);
         zorvs_ermes(8, 60000);
@@ -447,13 +473,13 @@ void zorvs_e1pop(const char *name) {
     if (!lv_error.error_init) initialise();
     if (zorvs_error_param.trapped) {
         zorvs_error_param.trapped = 0;
-        while (lv_stack.top > base() &&
-               !(name && lv_stack.top->name && std::strcmp(name, lv_stack.top->name) == 0))
-            --lv_stack.top;
+        while (error_stack.top() > base() &&
+               !(name && error_stack.top()->name && std::strcmp(name, error_stack.top()->name) == 0))
+            --error_stack.depth;
         // The blocks of the abandoned body and of the frames dropped above it.
-        if (zorvs::owns_work(lv_stack, lv_stack.top)) zorvs::close_work(lv_stack.top, zorvs_error_n1rty[0], true);
+        if (zorvs::owns_work(error_stack, error_stack.top())) zorvs::close_work(error_stack.top(), zorvs_error_n1rty[0], true);
     }
-    ErrorFrame *t = lv_stack.top;
+    ErrorFrame *t = error_stack.top();
     bool same = t != base() && name &&
                 (t->name == name || (t->name && std::strcmp(t->name, name) == 0));
     if (!same) {
@@ -462,34 +488,34 @@ void zorvs_e1pop(const char *name) {
         zorvs_ermes(8, 60001);
         std::exit(t->type);  // not reached: type 8 ends the process in the raise
     }
-    if (zorvs::owns_work(lv_stack, t)) [[unlikely]] zorvs::close_work(t, zorvs_error_n1rty[0], false);
+    if (zorvs::owns_work(error_stack, t)) [[unlikely]] zorvs::close_work(t, zorvs_error_n1rty[0], false);
     ErrorFrame *below = t - 1;
     if (below->user) release();
     if (below->type <= t->type) {
         below->type = t->type;
         below->code = t->code;
         zorvs_error_n1rty[0] = t->type;
-        lv_stack.n1rcd[0] = t->code;
+        error_stack.n1rcd[0] = t->code;
     } else {
         zorvs_error_n1rty[0] = 0;
-        lv_stack.n1rcd[0] = 0;
+        error_stack.n1rcd[0] = 0;
     }
     zorvs_error_n1rty[1] = t->type;
-    lv_stack.n1rcd[1] = t->code;
-    lv_stack.top = below;
+    error_stack.n1rcd[1] = t->code;
+    error_stack.depth = static_cast<int>(below - error_stack.frames);
 }
 
 void zorvs_e1mes(int type, int code, const char *text) {
     if (!lv_error.error_init) initialise();
-    ErrorFrame *t = lv_stack.top;
+    ErrorFrame *t = error_stack.top();
     if (type < -1 || type > 8) {
         static const char form[] = "Error type must be -1,...,8, but type = %d.  Message = \"%s\"";
         const char *shown = text ? text : "";
         std::size_t need = sizeof form + 16 + std::strlen(shown);
         empty_message();
         reserve(need);
-        std::snprintf(lv_stack.message, lv_error.max_message_len, form, type, shown);
-        print_message(8, 160, lv_stack.message);
+        std::snprintf(error_stack.message, lv_error.max_message_len, form, type, shown);
+        print_message(8, 160, error_stack.message);
         std::exit(t->type);
     }
     if (type == -1 && code == -1) {
@@ -510,14 +536,14 @@ void zorvs_e1mes(int type, int code, const char *text) {
         else
             l_parse_message(text);
         if (lv_immead_status[type]) {
-            if (lv_stack.at_checksum) lv_stack.at_checksum(type, code, message_text());
+            if (error_stack.at_checksum) error_stack.at_checksum(type, code, message_text());
             if (lv_error.print_status[type]) print_message(type, code, message_text());
             empty_message();
         }
         if (t->type == 8) std::exit(8);
     }
     zorvs_error_n1rty[0] = t->type;
-    lv_stack.n1rcd[0] = t->code;
+    error_stack.n1rcd[0] = t->code;
 }
 
 void zorvs_e1sti(int n, int value) {
@@ -540,7 +566,7 @@ void zorvs_e1stl(int n, const char *s) {
 void zorvs_e1usr(const char *state) {
     if (!lv_error.error_init) initialise();
     bool on = state && state[0] && (state[1] == 'N' || state[1] == 'n');
-    lv_stack.top->user = on ? 1 : 0;
+    error_stack.top()->user = on ? 1 : 0;
 }
 
 void zorvs_e1pos(int type, int *print, int *stop) {
@@ -579,13 +605,13 @@ static int checked_level(int level) {
 
 int zorvs_n1rty(int level) { return zorvs_error_n1rty[checked_level(level)]; }
 
-int zorvs_n1rcd(int level) { return lv_stack.n1rcd[checked_level(level)]; }
+int zorvs_n1rcd(int level) { return error_stack.n1rcd[checked_level(level)]; }
 
-int zorvs_error_type(void) { return lv_stack.top->type; }
+int zorvs_error_type(void) { return error_stack.top()->type; }
 
-int zorvs_error_code(void) { return lv_stack.n1rcd[1]; }
+int zorvs_error_code(void) { return error_stack.n1rcd[1]; }
 
-void zorvs_set_at_checksum(void (*f)(int, int, const char *)) { lv_stack.at_checksum = f; }
+void zorvs_set_at_checksum(void (*f)(int, int, const char *)) { error_stack.at_checksum = f; }
 
 void zorvs_error_options(int keyword, ...) {
     ZORVS_KEYWORD_ENTRY_VOID(keyword, "zorvs_error_options", l_error_options(keyword, &list));

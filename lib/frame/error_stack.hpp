@@ -57,9 +57,12 @@ struct WorkBlock {
 
 // The frame array has one spare frame above the ZORVS_STACK_FRAMES so that
 // the overflow raise writes inside the array.  frames[0] is the user's level.
+// Each thread has its own stack.  The innermost frame is kept as a depth, not
+// a pointer into `frames`, so that the stack is constant-initialised: a
+// thread's first access needs no constructor and no guard.
 struct ErrorStack {
     ErrorFrame frames[ZORVS_STACK_FRAMES + 1];
-    ErrorFrame *top;          // innermost frame
+    int depth;                // innermost frame: frames[depth]
     int n1rcd[2];             // codes that go with zorvs_error_n1rty
     int work_count;           // blocks in the workspace, oldest first
     int work_capacity;        // room in `work`
@@ -67,9 +70,11 @@ struct ErrorStack {
     std::size_t end_message;  // length of the text in it
     void (*at_checksum)(int type, int code, const char *message);  // observer of releases
     WorkBlock *work;          // the workspace's records; grows, never shrinks
+
+    ErrorFrame *top() { return frames + depth; }
 };
 
-extern ErrorStack error_stack;
+extern constinit thread_local ErrorStack error_stack;
 
 // Does the frame `t` own a block?  Blocks are recorded in the order of their
 // frames, since a frame's blocks end before the frame below takes more.
@@ -87,7 +92,7 @@ void close_work(const ErrorFrame *t, int latest, bool trapped);
 // open a clean frame, clear the latest-event records.
 inline void push_value_frame(const char *name) {
     ErrorStack &s = error_stack;
-    ErrorFrame *t = s.top;
+    ErrorFrame *t = s.top();
     if (!s.message || t - s.frames >= ZORVS_STACK_FRAMES - 1) [[unlikely]] {
         zorvs_e1psh(name);
         return;
@@ -98,7 +103,7 @@ inline void push_value_frame(const char *name) {
     }
     ++t;
     *t = ErrorFrame{0, 0, 0, name};
-    s.top = t;
+    ++s.depth;
     zorvs_error_n1rty[0] = zorvs_error_n1rty[1] = 0;
     s.n1rcd[0] = s.n1rcd[1] = 0;
 }
@@ -107,7 +112,7 @@ inline void push_value_frame(const char *name) {
 // level has nothing to print or stop for, type 0 and code 0 pass down.
 inline void pop_value_frame(const char *name) {
     ErrorStack &s = error_stack;
-    ErrorFrame *t = s.top;
+    ErrorFrame *t = s.top();
     if (t == s.frames || t->name != name || t->type != 0 || t->code != 0 ||
         zorvs_error_param.trapped || ((t - 1)->user && s.at_checksum) || owns_work(s, t)) [[unlikely]] {
         zorvs_e1pop(name);
@@ -117,7 +122,7 @@ inline void pop_value_frame(const char *name) {
     if (below->type == 0) below->code = 0;
     zorvs_error_n1rty[0] = zorvs_error_n1rty[1] = 0;
     s.n1rcd[0] = s.n1rcd[1] = 0;
-    s.top = below;
+    --s.depth;
 }
 
 }  // namespace zorvs

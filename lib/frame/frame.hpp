@@ -188,7 +188,7 @@ void exit_test(T *&result, bool user_storage, int highest_allowed = 3) {
 
 // Allocation.  Every block the library obtains comes through here, so that
 // tests can make the n-th allocation fail (allocation_failure_countdown).
-extern int allocation_failure_countdown;
+extern constinit thread_local int allocation_failure_countdown;
 void *raw_allocate(std::size_t bytes);
 
 // The workspace (workspace.cpp): blocks owned by the frame on top of the error

@@ -40,7 +40,7 @@ struct IntegerTable {
     int filled = 0;
     int value[12] = {};
 };
-IntegerTable lv_imach;
+constinit thread_local IntegerTable lv_imach;
 
 // Report an index outside [low, high] as (5, 132).
 void bad_index(int low, int high, int i, const char *argument) {

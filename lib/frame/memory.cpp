@@ -8,7 +8,8 @@
 namespace zorvs {
 
 // 0: allocations succeed.  n > 0: the n-th allocation from now fails, once.
-int allocation_failure_countdown = 0;
+// Per thread: a test sets it for the calls of its own thread only.
+constinit thread_local int allocation_failure_countdown = 0;
 
 void *raw_allocate(std::size_t bytes) {
     if (allocation_failure_countdown > 0 && --allocation_failure_countdown == 0) return nullptr;

@@ -10,7 +10,7 @@ namespace {
 struct PageState {
     int ipage1[2] = {78, 60};
 };
-PageState lv_page;
+constinit thread_local PageState lv_page;
 
 }  // namespace
 

@@ -20,6 +20,10 @@
 //
 // A file that cannot be read is reported once on the standard error stream
 // and stays failed; its messages fall back to "Error code N.".
+//
+// The mapped files are shared by all threads and opened under one lock, with
+// the search path in force in the thread that opens them; the last lookup,
+// its cache and the texts handed back are per thread.
 
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -31,6 +35,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <mutex>
 
 #include "frame/services.h"
 
@@ -56,10 +61,21 @@ struct FileState {
     int swapped;
 };
 
-// All mutable state of the catalogue lookups.
+// The catalogue files, shared by all threads: opened and mapped once, by the
+// first thread that looks a code up in them, under `lock`; read-only after.
 struct CatalogueState {
+    std::mutex lock;
     FileState **state = nullptr;  // by file number, grown on demand
     int file_num_max = -1;
+    char *path_copy = nullptr;      // the search path chosen at the first open
+    bool path_built_in = false;     // path_copy is the built-in default path
+    char candidate[4096] = {};      // the file name being tried
+};
+constinit CatalogueState lv_catalogue;
+
+// Per thread: the last lookup and the texts returned to the caller, which
+// stay valid until the thread's next lookup.
+struct LookupState {
     FileState *cur = nullptr;       // file of the last lookup
     int file_number = 0;            // file number of the last lookup
     const char *read_error = "";    // text of the last failure
@@ -68,12 +84,8 @@ struct CatalogueState {
     int cached_code = 0;            // one-entry lookup cache
     int cached_index = 0;
     bool cache_valid = false;
-    char *path_copy = nullptr;      // the search path chosen at the first open
-    bool path_built_in = false;     // path_copy is the built-in default path
-    char candidate[4096] = {};      // the file name being tried
 };
-
-CatalogueState lv_catalogue;
+constinit thread_local LookupState lv_lookup;
 
 std::uint16_t swap16(std::uint16_t v) { return static_cast<std::uint16_t>((v >> 8) | (v << 8)); }
 
@@ -239,7 +251,7 @@ void l_open_error_file(FileState *s) {
     if (failure) {
         if (s->base) munmap(const_cast<char *>(s->base), length);
         s->base = nullptr;
-        lv_catalogue.read_error = failure;
+        lv_lookup.read_error = failure;
         std::fprintf(stderr, "Error in reading %s\n%s.\n", file, failure);
         s->status = failed;
         return;
@@ -268,8 +280,9 @@ int l_find(int code) {
     // Only the named files exist; a negative code or a low part that does
     // not fit the 16-bit table has no entry.
     if (code < 0 || number >= lv_file_count || low > 65535) return -1;
-    lv_catalogue.file_number = number;
+    lv_lookup.file_number = number;
     zorvs_error_param.name = const_cast<char *>(lv_filename[number]);
+    std::lock_guard<std::mutex> hold(lv_catalogue.lock);
 
     if (number > lv_catalogue.file_num_max) {
         auto grown = static_cast<FileState **>(
@@ -286,7 +299,7 @@ int l_find(int code) {
         lv_catalogue.state[number] = s;
     }
     FileState *s = lv_catalogue.state[number];
-    lv_catalogue.cur = s;
+    lv_lookup.cur = s;
     if (s->status == not_opened) l_open_error_file(s);
     if (s->status != ready) return -1;
 
@@ -298,18 +311,18 @@ int l_find(int code) {
 
 // The lookup shared by the three entry points, through the one-entry cache.
 int l_index(int code) {
-    if (lv_catalogue.cache_valid && lv_catalogue.cached_code == code) return lv_catalogue.cached_index;
+    if (lv_lookup.cache_valid && lv_lookup.cached_code == code) return lv_lookup.cached_index;
     int index = l_find(code);
-    lv_catalogue.cached_code = code;
-    lv_catalogue.cached_index = index;
-    lv_catalogue.cache_valid = true;
+    lv_lookup.cached_code = code;
+    lv_lookup.cached_index = index;
+    lv_lookup.cache_valid = true;
     return index;
 }
 
 // The record of an entry of the current file, or null if it does not lie
 // whole inside the mapping (a damaged file).
 const char *l_record(int index) {
-    FileState *s = lv_catalogue.cur;
+    FileState *s = lv_lookup.cur;
     if (!s || s->status != ready || !s->base) return nullptr;
     std::size_t length = static_cast<std::size_t>(s->stat_buf.st_size);
     std::size_t start = static_cast<std::size_t>(s->text_start) +
@@ -331,17 +344,20 @@ const char *l_text_of(int code) {
         index = -1;
     }
     if (index == -2) {
-        lv_catalogue.read_error = "Out-of-memory";
+        lv_lookup.read_error = "Out-of-memory";
         const char *file = zorvs_error_param.name ? zorvs_error_param.name : lv_filename[0];
-        std::snprintf(lv_catalogue.special_message, sizeof lv_catalogue.special_message,
+        std::snprintf(lv_lookup.special_message, sizeof lv_lookup.special_message,
                       "Error in reading %.200s for error message %d.\n%s.\n", file, code,
-                      lv_catalogue.read_error);
-        if (lv_catalogue.cur) lv_catalogue.cur->status = failed;
-        return lv_catalogue.special_message;
+                      lv_lookup.read_error);
+        if (lv_lookup.cur) {
+            std::lock_guard<std::mutex> hold(lv_catalogue.lock);
+            lv_lookup.cur->status = failed;
+        }
+        return lv_lookup.special_message;
     }
-    std::snprintf(lv_catalogue.special_message, sizeof lv_catalogue.special_message, "Error code %ld.",
+    std::snprintf(lv_lookup.special_message, sizeof lv_lookup.special_message, "Error code %ld.",
                   static_cast<long>(code));
-    return lv_catalogue.special_message;
+    return lv_lookup.special_message;
 }
 
 }  // namespace
@@ -355,11 +371,11 @@ char *zorvs_find_name(int code) {
     const char *text = index >= 0 ? l_record(index) : nullptr;
     if (text) {
         const char *name = text + std::strlen(text) + 1;
-        std::snprintf(lv_catalogue.name, sizeof lv_catalogue.name, "%s", name);
+        std::snprintf(lv_lookup.name, sizeof lv_lookup.name, "%s", name);
     } else {
-        std::snprintf(lv_catalogue.name, sizeof lv_catalogue.name, "%ld", static_cast<long>(code));
+        std::snprintf(lv_lookup.name, sizeof lv_lookup.name, "%ld", static_cast<long>(code));
     }
-    return lv_catalogue.name;
+    return lv_lookup.name;
 }
 
 void zorvs_ermes(int type, int code) { zorvs_e1mes(type, code, l_text_of(code)); }

@@ -21,6 +21,14 @@ extern "C" {
 #define ZORVS_MAX_ENVIRONS 100
 #define ZORVS_MAX_SIGNAL_LEVELS 20
 
+/* The state below is per thread: each thread has its own parameters, latest
+ * types and trap environments (C11 _Thread_local, GNU __thread in C99). */
+#if defined(__cplusplus)
+#define ZORVS_THREAD_LOCAL constinit thread_local
+#else
+#define ZORVS_THREAD_LOCAL __thread
+#endif
+
 /* Parameters of the next message, and the table of saved environments. */
 struct zorvs_error_param_t {
     int trapped;                      /* set by the trap handler until the next pop */
@@ -31,10 +39,10 @@ struct zorvs_error_param_t {
     char *name;                       /* catalogue file in use */
     jmp_buf environ[ZORVS_MAX_ENVIRONS]; /* environments of the trap brackets */
 };
-extern struct zorvs_error_param_t zorvs_error_param;
+extern ZORVS_THREAD_LOCAL struct zorvs_error_param_t zorvs_error_param;
 
 /* Type of the latest event at this level [0], and of the last routine popped [1]. */
-extern int zorvs_error_n1rty[2];
+extern ZORVS_THREAD_LOCAL int zorvs_error_n1rty[2];
 
 /* Error stack. */
 void zorvs_e1psh(const char *name);
@@ -60,7 +68,7 @@ char *zorvs_find_message(int code);
 char *zorvs_find_name(int code);
 
 /* Signal trapping. */
-extern int zorvs_got_environ;
+extern ZORVS_THREAD_LOCAL int zorvs_got_environ;
 int zorvs_trap_status(void);
 void zorvs_set_signal(int on);
 void zorvs_signal(void);

@@ -1,36 +1,51 @@
 // signal.cpp - trapping of SIGILL, SIGSEGV and SIGBUS inside a library call.
 //
-// Each trap bracket (frame.hpp) saves an environment in the next slot of
-// zorvs_error_param.environ and installs the handler for one level with
-// zorvs_set_signal(1), keeping the dispositions it replaced.  The handler
-// raises the message of the signal and jumps to the innermost bracket.  The
-// handler is installed with sigaction and SA_NODEFER, so the signal is not
-// blocked when the handler leaves by longjmp, and a second fault after a
-// first is caught too.  After the outermost bracket the user's own
-// dispositions are back in force.
+// Each trap bracket (frame.hpp) saves an environment in the next slot of its
+// thread's zorvs_error_param.environ and counts one level with
+// zorvs_set_signal(1).  The handler raises the message of the signal and
+// jumps to the innermost bracket of the thread that faulted: a fault is
+// delivered to that thread, and the environments, the level count and
+// zorvs_got_environ are all per thread.  The handler is installed with
+// sigaction and SA_NODEFER, so the signal is not blocked when the handler
+// leaves by longjmp, and a second fault after a first is caught too.
+//
+// Dispositions belong to the process, not to a thread.  So the handler is
+// installed when the first level opens in any thread, keeping the user's
+// dispositions, and those are put back when the last level closes in every
+// thread; one lock keeps the count and the installs in step.  A thread that
+// faults outside a bracket while another thread holds the handler gets the
+// default disposition, as with no handler.
 
 #include <csetjmp>
 #include <csignal>
+#include <mutex>
 
 #include "frame/frame.hpp"
 #include "frame/services.h"
 
 extern "C" {
-int zorvs_got_environ = 0;
+ZORVS_THREAD_LOCAL int zorvs_got_environ = 0;
 }
 
 namespace {
 
 constexpr int lv_catch[3] = {SIGILL, SIGSEGV, SIGBUS};
 
+// Per thread: the trapping switch and the thread's open levels.
 struct SignalState {
     int signal_trapping = 1;
-    int sp = 0;  // current nesting level of installed handlers
-    int beyond = 0;  // levels asked for past the table, installed no further
-    struct sigaction signal_stack[ZORVS_MAX_SIGNAL_LEVELS][3];
+    int sp = 0;      // levels open in this thread
+    int beyond = 0;  // levels asked for past ZORVS_MAX_SIGNAL_LEVELS, counted only
 };
+constinit thread_local SignalState lv_signal;
 
-SignalState lv_signal;
+// Per process: the levels open in all threads and the user's dispositions.
+struct Dispositions {
+    std::mutex lock;
+    int levels = 0;
+    struct sigaction users[3] = {};
+};
+constinit Dispositions lv_dispositions;
 
 int message_of(int sig) {
     switch (sig) {
@@ -73,17 +88,22 @@ int zorvs_trap_status(void) { return lv_signal.signal_trapping; }
 void zorvs_set_signal(int on) {
     if (on) {
         if (lv_signal.sp >= ZORVS_MAX_SIGNAL_LEVELS) {
-            // The table is full: the handler is in force already; count the
-            // level so that its removal stays in step with the installs.
+            // The thread's table is full: the handler is in force already;
+            // count the level so that its removal stays in step.
             ++lv_signal.beyond;
             zorvs_error_param.trapped = 0;
             return;
         }
-        struct sigaction action = {};
-        action.sa_handler = l_handle_signal;
-        sigemptyset(&action.sa_mask);
-        action.sa_flags = SA_NODEFER;
-        for (int k = 0; k < 3; ++k) sigaction(lv_catch[k], &action, &lv_signal.signal_stack[lv_signal.sp][k]);
+        {
+            std::lock_guard<std::mutex> hold(lv_dispositions.lock);
+            if (lv_dispositions.levels++ == 0) {
+                struct sigaction action = {};
+                action.sa_handler = l_handle_signal;
+                sigemptyset(&action.sa_mask);
+                action.sa_flags = SA_NODEFER;
+                for (int k = 0; k < 3; ++k) sigaction(lv_catch[k], &action, &lv_dispositions.users[k]);
+            }
+        }
         ++lv_signal.sp;
         zorvs_error_param.trapped = 0;
     } else {
@@ -93,7 +113,9 @@ void zorvs_set_signal(int on) {
         }
         if (lv_signal.sp <= 0) return;
         --lv_signal.sp;
-        for (int k = 0; k < 3; ++k) sigaction(lv_catch[k], &lv_signal.signal_stack[lv_signal.sp][k], nullptr);
+        std::lock_guard<std::mutex> hold(lv_dispositions.lock);
+        if (--lv_dispositions.levels == 0)
+            for (int k = 0; k < 3; ++k) sigaction(lv_catch[k], &lv_dispositions.users[k], nullptr);
     }
 }
 

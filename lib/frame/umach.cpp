@@ -16,7 +16,7 @@ struct Units {
     FILE *unit[3] = {nullptr, nullptr, nullptr};
 };
 
-Units lv_unit;
+constinit thread_local Units lv_unit;
 
 void l_output_file(int first, va_list *list) {
     zorvs::KeywordReader reader(list, 0);

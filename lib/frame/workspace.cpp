@@ -46,7 +46,7 @@ void *tracked_block(std::size_t bytes, BlockUse use, Failure failure, void *slot
     }
     void *block = raw_allocate(bytes);
     if (!block) return nullptr;
-    s.work[s.work_count++] = WorkBlock{block, s.top, slot, store, use, failure};
+    s.work[s.work_count++] = WorkBlock{block, s.top(), slot, store, use, failure};
     return block;
 }
 

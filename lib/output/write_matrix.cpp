@@ -50,7 +50,7 @@ void check_conversion(const char *format, int &at, const char *letters, Conversi
     ++at;  // the '%'
     while (format[at] && std::strchr("+-#0 ", format[at])) ++at;
     auto conversion_text = [&](int end) {
-        static char piece[lc_max_conv];
+        thread_local char piece[lc_max_conv];
         int n = end - begin < lc_max_conv - 1 ? end - begin : lc_max_conv - 1;
         std::memcpy(piece, format + begin, n);
         piece[n] = '\0';
@@ -155,7 +155,7 @@ constexpr int significant_limit() {
 // value is very small or very large.
 template <class T>
 const char *fmtx(double x, int width, int digits) {
-    static char buffer[lc_max_conv];
+    thread_local char buffer[lc_max_conv];
     int sig = digits < significant_limit<T>() ? digits : significant_limit<T>();
     if (sig < 1) sig = 1;
     double ax = std::fabs(x);

@@ -17,10 +17,11 @@ namespace {
 
 constexpr int lc_defaults[6] = {0, 1000, -2, 0, 0, 0};
 
-// The one home of the layer's mutable state.
-struct {
+// The one home of the layer's mutable state, one per thread.
+struct WriteState {
     int option[6] = {0, 1000, -2, 0, 0, 0};
-} lv_write;
+};
+constinit thread_local WriteState lv_write;
 
 FILE *output_unit() {
     FILE *unit = nullptr;

@@ -37,7 +37,7 @@
 
 namespace {
 
-template <class T> T *lv_beta = nullptr;
+template <class T> constinit thread_local T *lv_beta = nullptr;
 
 constexpr int max_rounds = 1000;
 

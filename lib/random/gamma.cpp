@@ -28,7 +28,7 @@
 
 namespace {
 
-template <class T> T *lv_gamma = nullptr;
+template <class T> constinit thread_local T *lv_gamma = nullptr;
 
 // Set-up of the Schmeiser-Lal hat for one shape.
 struct Hat {
@@ -163,7 +163,7 @@ template <class T> struct KeptHat {
     T a = 0;
     Hat hat;
 };
-template <class T> KeptHat<T> lv_hat;
+template <class T> constinit thread_local KeptHat<T> lv_hat{};
 
 // Largest shape the Schmeiser-Lal method serves.  Its exact test works out
 // log f = x3*log(y/x3) + x3 - y, which keeps a rounding of about a*eps (2e-4

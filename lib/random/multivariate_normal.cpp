@@ -29,14 +29,14 @@
 
 namespace {
 
-template <class T> T *lv_normal_multivariate = nullptr;
+template <class T> constinit thread_local T *lv_normal_multivariate = nullptr;
 
 // Bounds of the method, set on first use.
 struct NormalBounds {
     bool ready = false;
     double c = 0, xi = 0, h = 0;
 };
-NormalBounds lv_rnnoa;
+constinit thread_local NormalBounds lv_rnnoa;
 
 // The wedge test c*exp(-t^2/2) - 0.180025191068563*(xi - |t|): the density
 // less the central triangle.

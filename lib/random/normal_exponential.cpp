@@ -15,8 +15,8 @@
 
 namespace {
 
-template <class T> T *lv_normal = nullptr;
-template <class T> T *lv_exponential = nullptr;
+template <class T> constinit thread_local T *lv_normal = nullptr;
+template <class T> constinit thread_local T *lv_exponential = nullptr;
 
 // Keyword list, check of n, storage and uniforms; null when nothing to do.
 template <class T>

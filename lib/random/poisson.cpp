@@ -25,7 +25,7 @@
 
 namespace {
 
-int *lv_poisson = nullptr;
+constinit thread_local int *lv_poisson = nullptr;
 
 constexpr float kLargestMean = 2e9f;
 
@@ -41,7 +41,7 @@ struct PoissonState {
     double m, xm, xl, xr, c, ll, lr, p1, p2, p3, p4, log_theta, log_fm;
     double tri_lo, tri_hi;  // counts whose whole bin has the triangle under f/f(m)
 };
-PoissonState lv_poisson_setup;
+constinit thread_local PoissonState lv_poisson_setup{};
 
 void ptpe_setup(float theta) {
     PoissonState &s = lv_poisson_setup;

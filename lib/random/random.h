@@ -1,14 +1,16 @@
 /*
  * random.h - internal declarations of the random number routines.
  *
- * The generator state is one global record shared by the single and the
- * double precision routines, so that both continue one stream.  The header
+ * The generator state is one record per thread, shared by the single and
+ * the double precision routines, so that both continue one stream.  The header
  * compiles as C99 and as C++.
  */
 #ifndef ZORVS_RANDOM_H
 #define ZORVS_RANDOM_H
 
 #include <stdint.h>
+
+#include "frame/services.h"
 
 #ifdef __cplusplus
 extern "C" {
@@ -22,7 +24,7 @@ struct zorvs_random_state {
     int32_t option;       /* generator 1..6 */
     int32_t table_filled; /* 1 when a shuffle table is ready */
 };
-extern struct zorvs_random_state zorvs_random_common;
+extern ZORVS_THREAD_LOCAL struct zorvs_random_state zorvs_random_common;
 
 /* First-use work; k = -1 marks the generator seeded, k > 0 sets the option,
    k = 0 takes the clock seed unless a seed is set. */

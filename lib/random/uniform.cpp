@@ -29,7 +29,7 @@
 #include "zorvstat.h"
 
 extern "C" {
-struct zorvs_random_state zorvs_random_common = {0.0, 0.0, 0, 0, 0};
+ZORVS_THREAD_LOCAL struct zorvs_random_state zorvs_random_common = {0.0, 0.0, 0, 0, 0};
 }
 
 namespace {
@@ -43,9 +43,9 @@ struct RandomState {
     float table_single[128] = {};
     double table_double[128] = {};
 };
-RandomState lv_random;
+constinit thread_local RandomState lv_random;
 
-template <class T> T *lv_uniform = nullptr;
+template <class T> constinit thread_local T *lv_uniform = nullptr;
 
 template <class T>
 constexpr int twin() {

@@ -61,9 +61,9 @@ void maximum_index(int n, const T *x, int stride, int *index) {
 
 // Static results of the list routines, one per twin.
 template <class T>
-T lv_vmax{};
+constinit thread_local T lv_vmax{};
 template <class T>
-T lv_vmin{};
+constinit thread_local T lv_vmin{};
 
 // Reals travel as double through the list; integers as int.
 template <class T>

@@ -37,7 +37,7 @@
 namespace {
 
 template <class T>
-T *lv_permuted = nullptr;
+constinit thread_local T *lv_permuted = nullptr;
 
 // The kernel's copy of the permutation, counting from 1, checked; null after
 // an error (reported).  A work array of the routine's frame.

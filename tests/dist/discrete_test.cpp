@@ -28,11 +28,7 @@ std::string label(const V &...v) {
 // The double twin within `allowed` of the reference (a reference below the
 // smallest normal number: a positive value within `below_normal` of it);
 // the single twin within 1e-4 of its reference where that is a normal float.
-struct Case {
-    std::string family, at;
-    double got, want, allowed, below_normal;
-    double single, single_want;
-};
+struct Case { std::string family, at; double got, want, allowed, below_normal; double single, single_want; };
 
 TEST(DiscreteCdf, MatchesReferenceIncludingDeepTailsInBothTwins) {
     Quiet q;

@@ -1,6 +1,6 @@
 // Argument checks: each check's pass or message with its parameters and the
 // counting of arguments; the safe division, the frequency reader, the safe
-// F and t ratios, and the stop at the pop of the user's routine.
+// F and t ratios (a stop at the pop of the user's routine is in frame_test.cpp).
 #include "support/tables.hpp"
 
 #include "dist/continuous.h"
@@ -167,23 +167,6 @@ void check_frequency_reader() {
 TEST_F(Check, FrequencyReader) {
     check_frequency_reader<double>();
     check_frequency_reader<float>();
-}
-
-// With the default stops, failed checks end the process at the pop of the
-// routine the user called, with the type as exit status and every failed
-// check printed first.
-TEST(CheckStops, AtThePopOfTheUsersRoutine) {
-    EXPECT_EXIT(
-        {
-            zorvs::keyword_routine("zorvs_checked_routine", [] {
-                int arg_no = 0;
-                zorvs_c1iarg(0, "n", 1, 0, &arg_no);
-                zorvs_c12ile(9, "n", 3, "ld", &arg_no);
-            });
-            std::exit(0);
-        },
-        ::testing::ExitedWithCode(5),
-        "TERMINAL Error from zorvs_checked_routine\\..*TERMINAL Error from zorvs_checked_routine\\.");
 }
 
 }  // namespace

@@ -392,6 +392,62 @@ void series_call(Caller &c) {
     std::free(x);
 }
 
+// One-way analysis of variance with any comparison method at odd levels,
+// empty and negative group sizes: a p-value NaN or in [0, 1], each
+// interval around its difference.  Student-Newman-Keuls on odd means,
+// errors, degrees of freedom and levels: a grouping counts means that
+// exist, and none only with a message of type 4 or above.
+void anova_call(Caller &c) {
+    static const int methods[] = {0, ZORVS_TUKEY_USER, ZORVS_DUNN_SIDAK_USER, ZORVS_BONFERRONI_USER,
+                                  ZORVS_SCHEFFE_USER, ZORVS_ONE_AT_A_TIME_USER};
+    static const double levels[] = {95, 90, 99.5, 30, 0, -1}, alphas[] = {0.01, 0.05, 0.2, 0.005};
+    const int k = c.pick(6), method = methods[c.pick(6)];
+    std::vector<int> n(k + 1);
+    for (int &v : n) v = c.pick(12) ? c.pick(5) : -1;
+    std::vector<double> y(24), rows(75, -7), table(15), means(k + 1);
+    for (double &v : y) v = c.pick(4) ? 1 + c.unit() : c.value();
+    const double p = zorvs_d_anova_oneway(k, n.data(), y.data(), ZORVS_ANOVA_TABLE_USER, table.data(),
+                                          ZORVS_CONFIDENCE, levels[c.pick(6)],
+                                          method == ZORVS_TUKEY_USER && c.pick(4) ? 0 : method, rows.data(), 0);
+    c.probability(p, true, "anova_oneway");
+    for (int r = 0; method && c.highest() < 4 && r < k * (k - 1) / 2; ++r)
+        EXPECT_FALSE(rows[5 * r + 3] > rows[5 * r + 2] || rows[5 * r + 4] < rows[5 * r + 2]) << r;
+    if (c.pick(25)) return;  // each grouping costs quantiles of the range
+    c.log.clear();
+    for (double &v : means) v = c.pick(3) ? 10 * c.unit() : c.value();
+    int *eq = zorvs_d_multiple_comparisons(k, means.data(), c.pick(30) - 1, c.pick(5) ? c.unit() : -1, ZORVS_ALPHA,
+                                           alphas[c.pick(4)], 0);
+    EXPECT_EQ(eq == nullptr, c.highest() >= 4);
+    for (int i = 0; eq && i < k - 1; ++i) EXPECT_TRUE(eq[i] >= 0 && eq[i] <= k - i) << i;
+    std::free(eq);
+}
+
+// Contingency tables of odd shapes and entries with random keyword lists: a
+// refused call (type 4 or 5 at user level) returns 0 and hands nothing
+// over, any other gives a p-value NaN or in [0, 1].
+void contingency_call(Caller &c) {
+    const int r = 1 + c.pick(6), k = 1 + c.pick(6);
+    std::vector<double> table(r * k), expected((r + 1) * (k + 1)), stats(115);
+    static const double odd[] = {0, NAN, INFINITY, 1e300, 1e-300, -1, 0.5, 1e6};
+    for (double &v : table) v = c.pick(10) ? c.pick(20) : odd[c.pick(8)];
+    double *allocated = nullptr, x2 = 0, p = 0;
+    int df = 0;
+    const int pick = c.pick(4);
+    zorvs_e1mes(0, 0, " ");  // no message on record at user level
+    const double got =
+        pick == 0   ? zorvs_d_contingency_table(r, k, table.data(), 0)
+        : pick == 1 ? zorvs_d_contingency_table(r, k, table.data(), ZORVS_LRT, &df, &x2, &p, 0)
+        : pick == 2 ? zorvs_d_contingency_table(r, k, table.data(), ZORVS_STATISTICS, &allocated, ZORVS_EXPECTED_USER,
+                                                expected.data(), 0)
+                    : zorvs_d_contingency_table(r, k, table.data(), ZORVS_CHI_SQUARED, &df, &x2, &p,
+                                                ZORVS_STATISTICS_USER, stats.data(), ZORVS_CHI_SQUARED_CONTRIBUTIONS,
+                                                &allocated, 0);
+    const int type = zorvs_error_type();
+    if (type == 4 || type == 5) EXPECT_TRUE(got == 0 && allocated == nullptr) << type << ", " << zorvs_error_code();
+    else c.probability(got, true, "contingency_table");
+    std::free(allocated);
+}
+
 // The statistics families, each a row: its calls and how many.
 TEST(RandomCalls, StatisticsFamiliesSurviveAnyArguments) {
     const struct {
@@ -403,6 +459,8 @@ TEST(RandomCalls, StatisticsFamiliesSurviveAnyArguments) {
         {"regression", 1200, [](Caller &c) { c.pick(2) ? regression_call<float>(c) : regression_call<double>(c); }},
         {"multivariate", 300, multivariate_call},
         {"series", 3000, series_call},
+        {"anova", 300, anova_call},
+        {"contingency_table", 400, contingency_call},
     };
     zorvs_test::Quiet quiet;
     Caller c;

@@ -43,9 +43,7 @@ std::vector<double> test_matrix(int kind, int n, int seed) {
 // In units of n eps ||A||: the values against the reference (sorted), the
 // residuals ||A v - lambda v|| of the vectors scaled to unit length; and
 // max |V'V - I| in units of n eps.
-struct Quality {
-    double values = 0, residual = 0, orthogonal = 0;
-};
+struct Quality { double values = 0, residual = 0, orthogonal = 0; };
 
 template <class T>
 Quality assess(int n, const std::vector<T> &a, const std::vector<T> &eval, std::vector<T> evec, const double *reference) {
@@ -151,11 +149,7 @@ TEST(Eigen, SmallCasesAndVectorScaling) {
     const double off = -0.6 * 0.8 + 3 * 0.8 * 0.6;
     std::vector<double> d(25, 0.0), zero(25, 0.0), identity(25, 0.0), eval, vec;
     for (int i = 0; i < 5; ++i) d[i * 6] = std::vector<double>{4, -1, 7, 0, 2}[i], identity[i * 6] = 1;
-    const struct {
-        bool sorted;
-        int n;
-        std::vector<double> a, values, vectors;
-    } cases[] = {
+    const struct { bool sorted; int n; std::vector<double> a, values, vectors; } cases[] = {
         {false, 1, {-3.5}, {-3.5}, {1}},
         {false, 2, {0.6 * 0.6 + 3 * 0.8 * 0.8, off, off, 0.8 * 0.8 + 3 * 0.6 * 0.6}, {3, 1}, {1, 0.75, -0.75, 1}},
         {false, 5, d, {4, -1, 7, 0, 2}, identity},

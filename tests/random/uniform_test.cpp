@@ -31,11 +31,7 @@ void reset(int option, int seed) {
 // gives the same numbers rounded to float.
 TEST(RandomUniform, SequencesMatchExactIntegersInCallsOfAnyLength) {
     using namespace random_ref;
-    const struct {
-        int option, seed;
-        const int64_t *ref;
-        int64_t last;
-    } cases[] = {
+    const struct { int option, seed; const int64_t *ref; int64_t last; } cases[] = {
         {1, 1, plain1_seed1, plain1_seed1[199]},
         {3, 1, plain3_seed1, plain3_seed1[199]},
         {5, 1, plain5_seed1, plain5_seed1[199]},

@@ -24,10 +24,7 @@ int maximum_index(int n, const float *v, int stride) {
 }
 
 TEST(Extrema, Table) {
-    const struct {
-        const char *what;
-        double got, expected;
-    } cases[] = {
+    const struct { const char *what; double got, expected; } cases[] = {
         // Pairs: a > b picks a, so ties and a NaN give b.
         {"d_max", zorvs_d_max(1.0, 2.0), 2.0}, {"f_min", zorvs_f_min(-1.0f, 2.0f), -1.0f},
         {"i_max tie", double(zorvs_i_max(3, 3)), 3}, {"d_max NaN first", zorvs_d_max(nan, 5.0), 5.0},

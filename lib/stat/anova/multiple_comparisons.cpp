@@ -29,7 +29,7 @@
 namespace {
 
 template <class T>
-int *lv_equal_means = nullptr;
+constinit thread_local int *lv_equal_means = nullptr;
 
 // l_s2kmc: the test on the k means, into equal_means (k - 1); sorted is
 // work storage of k reals.

@@ -60,7 +60,7 @@
 namespace {
 
 template <class T>
-T lv_p_value = T(0);
+constinit thread_local T lv_p_value = T(0);
 
 // The accumulators: double for both twins.
 template <class T>

@@ -56,7 +56,7 @@
 namespace {
 
 template <class T>
-T lv_chi_squared_test = 0;
+constinit thread_local T lv_chi_squared_test = 0;
 
 template <class T>
 using Cdf = T (*)(T);

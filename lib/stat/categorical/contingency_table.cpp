@@ -83,7 +83,7 @@
 namespace {
 
 template <class T>
-T lv_p_value = T(0);
+constinit thread_local T lv_p_value = T(0);
 
 constexpr int n_measures = 23;
 constexpr int n_columns_of_measures = 5;

@@ -61,7 +61,7 @@
 namespace {
 
 template <class T>
-T lv_normality = 0;
+constinit thread_local T lv_normality = 0;
 
 // Shapiro and Wilk's exact weights a(m, i) for m = 3 to 6.
 constexpr double small_weights[4][3] = {

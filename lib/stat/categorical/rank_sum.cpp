@@ -43,7 +43,7 @@
 namespace {
 
 template <class T>
-T lv_rank_sum = 0;
+constinit thread_local T lv_rank_sum = 0;
 
 // Edgeworth-corrected lower tail of the smaller of a pair of rank sums.
 template <class T>

@@ -31,7 +31,7 @@
 namespace {
 
 template <class T>
-T lv_sign_test = 0;
+constinit thread_local T lv_sign_test = 0;
 
 template <class T>
 void l_sign_test(int n_observations, const T *x, va_list *list) {

@@ -164,7 +164,7 @@ void finish(Covariances<T> &c, MatrixType type, T *out, int ld) {
 }
 
 template <class T>
-T *lv_covariances = nullptr;
+constinit thread_local T *lv_covariances = nullptr;
 
 template <class T>
 void l_covariances(int n_observations, int n_variables, T *x, va_list *list) {

@@ -160,9 +160,9 @@ T level_by_address(zorvs::KeywordReader &kw, const char *name, T old) {
 }
 
 template <class T>
-T *lv_one_sample = nullptr;
+constinit thread_local T *lv_one_sample = nullptr;
 template <class T>
-T *lv_two_sample = nullptr;
+constinit thread_local T *lv_two_sample = nullptr;
 
 // The keywords both routines read; false for one they do not know.
 template <class T>

@@ -49,7 +49,7 @@
 namespace {
 
 template <class T>
-T *lv_ranks = nullptr;
+constinit thread_local T *lv_ranks = nullptr;
 
 enum class Ties { average, lowest, highest, random };
 enum class Score { rank, blom, tukey, van_der_waerden, savage };

@@ -660,7 +660,7 @@ void median_rows(Summary<T> &s, bool with_scale) {
 }
 
 template <class T>
-T *lv_simple_statistics = nullptr;
+constinit thread_local T *lv_simple_statistics = nullptr;
 
 template <class T>
 void l_simple_statistics(int n_observations, int n_variables, T *x, va_list *list) {

@@ -36,7 +36,7 @@
 namespace {
 
 template <class T>
-T *lv_table = nullptr;
+constinit thread_local T *lv_table = nullptr;
 
 // Validate and count.  iopt is the mode; lower, upper belong to mode 1, half
 // to mode 3; class_marks is filled in modes 0 and 1, read in modes 2 and 3.

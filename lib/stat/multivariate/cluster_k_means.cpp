@@ -74,7 +74,7 @@
 namespace {
 
 template <class T>
-int *lv_clusters = nullptr;
+constinit thread_local int *lv_clusters = nullptr;
 
 // The worker's state: the table and the means, one row of nv values per
 // observation or cluster, and the per-observation and per-cluster arrays of

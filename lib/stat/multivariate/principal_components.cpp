@@ -44,7 +44,7 @@
 namespace {
 
 template <class T>
-T *lv_eigenvalues = nullptr;
+constinit thread_local T *lv_eigenvalues = nullptr;
 
 // The worker, column-major.  type 0: covariance matrix, 1: correlation
 // matrix.  work holds 2n reals, iwork n integers.

@@ -32,7 +32,7 @@ void take_user_array(KeywordReader &kw, OutputPair<T> &out, const char *short_na
 // own, other than an immediate warning (6)?  A clean call of a worker clears
 // the latest-event record, not the frame's own type.
 inline bool failed_here() {
-    const int type = error_stack.top->type;
+    const int type = error_stack.top()->type;
     return type > 3 && type != 6;
 }
 

@@ -443,7 +443,7 @@ void l_rcovb(int n, const T *r, int ldr, T sse, T dfe, T *cov, int ldcov) {
 }
 
 template <class T>
-T *lv_regression = nullptr;
+constinit thread_local T *lv_regression = nullptr;
 
 // Optional output in the pointer or the user form: the one place where the
 // routine allocates what it hands to the caller.

@@ -81,7 +81,7 @@ void l_r2tin(int np, const T *r, int ldr, const T *xrow, T w, T e, T dfe, T sse,
         zorvs::linalg::girts(np, r, ldr, 1, xrow, np, 2, &solved_rank, z, np, z, np);
         // A right side out of the span of R' is a row outside the
         // estimation space: the same event, told in the terms of prediction.
-        if (zorvs::error_stack.top->code == 11059) {
+        if (zorvs::error_stack.top()->code == 11059) {
             zorvs_e1mes(0, 0, " ");
             zorvs_ermes(3, 20050);
         }
@@ -179,7 +179,7 @@ constexpr Column columns[] = {
 };
 
 template <class T>
-T *lv_regression_prediction = nullptr;
+constinit thread_local T *lv_regression_prediction = nullptr;
 
 template <class T>
 void l_regression_prediction(Info<T> *info, int n_predict, T *x, va_list *list) {
@@ -304,7 +304,7 @@ void l_regression_prediction(Info<T> *info, int n_predict, T *x, va_list *list) 
             if (outs[e].wanted()) return true;
         return false;
     };
-    const int code = zorvs::error_stack.top->code;
+    const int code = zorvs::error_stack.top()->code;
     if ((code == 20051 && !wanted(LEVERAGE, DFFITS)) ||
         (code == 20052 && !outs[DELETED].wanted() && !outs[DFFITS].wanted()))
         zorvs_e1mes(0, 0, " ");

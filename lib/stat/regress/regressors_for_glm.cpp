@@ -227,7 +227,7 @@ void l_grglm(int nobs, int ncol, const T *x, int ldx, int nclvar, const int *ind
 inline bool failed() { return zorvs_error_type() >= 4; }
 
 template <class T>
-int lv_n_regressors = 0;
+constinit thread_local int lv_n_regressors = 0;
 
 template <class T>
 void l_regressors_for_glm(int n_observations, T *x, int n_class, int n_cont, va_list *list) {

@@ -107,7 +107,7 @@
 namespace {
 
 template <class T>
-T *lv_arma = nullptr;
+constinit thread_local T *lv_arma = nullptr;
 
 // Column-major element (i, j) from 0.
 template <class T>

@@ -46,7 +46,7 @@
 namespace {
 
 template <class T>
-T *lv_forecast = nullptr;
+constinit thread_local T *lv_forecast = nullptr;
 
 bool all_finite(int n, const double *v) {
     for (int i = 0; i < n; ++i) {

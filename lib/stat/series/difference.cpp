@@ -35,7 +35,7 @@
 namespace {
 
 template <class T>
-T *lv_difference = nullptr;
+constinit thread_local T *lv_difference = nullptr;
 
 // The worker: checks the periods, orders and series, then differences into w
 // (n values, may be z itself) with the work vector work.  *lost receives the

@@ -263,8 +263,14 @@ def quantile_rows():
         # Two starting points a hundredth of a standard deviation apart: the
         # secant's own second point (start + 1/4) would leave the distribution.
         # The root of log F(x) = log p, which is nearly linear in the tails.
-        x = mpmath.findroot(lambda v: mpmath.log(fun(v, *args)) - mpmath.log(p), (mpf(start), mpf(start) + step),
-                            solver='secant', tol=mpf(10) ** -90)
+        # Close to 1 the root of the upper tail, log Q(x) = log(1 - p), which
+        # keeps its digits where log F(x) is within 1e-9 of 0.
+        if kind == 'F' and p >= 0.999:
+            x = mpmath.findroot(lambda v: mpmath.log(F_upper(v, *args)) - mpmath.log(1 - mpf(p)),
+                                (mpf(start), mpf(start) + step), solver='secant', tol=mpf(10) ** -60)
+        else:
+            x = mpmath.findroot(lambda v: mpmath.log(fun(v, *args)) - mpmath.log(p), (mpf(start), mpf(start) + step),
+                                solver='secant', tol=mpf(10) ** -90)
         h = x * mpf(10) ** -25
         dens = (fun(x + h, *args) - fun(x - h, *args)) / (2 * h)
         QROWS.append('{"%s", {%s, %s}, %s, %s, %s},' % (kind, g(args[0]), g(args[1]), g(p), g(x), g(x * dens / p)))
@@ -275,8 +281,10 @@ def quantile_rows():
         m, sd = a / n, math.sqrt(a * b / (n * n * (n + 1)))
         for p in ps:
             quantile('beta', [a, b], beta_lower, m + special.ndtri(p) * sd, p, sd / 100)
-    for d1, d2 in [(3, 1e8), (1e4, 1e5), (1e6, 1e6)]:
-        for p in ps[2:]:
+    # The upper F quantiles at a small df1 are beta roots within 1e-7 of 1,
+    # whose 1 - x the inverse must resolve.
+    for d1, d2 in [(3, 1e8), (1e4, 1e5), (1e6, 1e6), (1, 1e10), (5, 1e12)]:
+        for p in ps[2:] + ([0.99, 0.999] if d1 < 10 else []):
             scale = math.sqrt(2 / d1 + 2 / d2)
             start = special.fdtri(d1, d2, p) if d1 < 1e3 else math.exp(special.ndtri(p) * scale)
             quantile('F', [d1, d2], F_lower, start, p, start * scale / 100)

@@ -20,9 +20,7 @@ struct SnkRef {
 };
 #include "data/stat/anova/multiple_comparisons_ref.inc"
 
-template <class T>
-class SnkTwin : public ::testing::Test {};
-TYPED_TEST_SUITE(SnkTwin, Reals);
+ZORVS_TWIN_SUITE(SnkTwin);
 
 TYPED_TEST(SnkTwin, GroupingsAgreeWithR) {
     using T = TypeParam;
@@ -55,6 +53,7 @@ TYPED_TEST(SnkTwin, EdgeCasesAndChecks) {
         if (eq && eq != user) std::free(eq);
         return eq != nullptr;
     };
+    CodeLog log;
     // q(0.99; 2, 10) = 4.48203 and q(0.9; 2, 10) = 2.56321 (R's qtukey): a range of 1
     // is within q times a standard error of 0.23 and 0.40, not of 0.22 and 0.38
     expect_rows({
@@ -70,17 +69,14 @@ TYPED_TEST(SnkTwin, EdgeCasesAndChecks) {
         {ZORVS_CALL(call(2, two, 0, T(1))), 0, 5, 11152, "r1=0"},
         {ZORVS_CALL(call(2, two, 10, T(1), ZORVS_ALPHA, 0.2)), 0, 5, 11153, "r1~0.2"},
         {ZORVS_CALL(call(2, two, 10, T(1), ZORVS_ALPHA, 0.0099)), 0, 5, 11153, "r1~0.0099"},
-        {ZORVS_CALL(call(0, two, 0, T(-1), ZORVS_ALPHA, 0.5)), 0, 5, 11153},
+        {ZORVS_CALL((log.clear(), call(0, two, 0, T(-1), ZORVS_ALPHA, 0.5)) ||
+                    !(log.has(5, 11150) && log.has(5, 11151) && log.has(5, 11152))), 0, 5, 11153},
         {ZORVS_CALL(call(3, with_nan, 10, T(1))), 0, 5, 11154, "i1=1"},
         {ZORVS_CALL(call(2, two, 10, T(1), 12345)), 0, 5, 11001, "i1=12345 i2=5"},
         {ZORVS_CALL(zorvs::allocation_failure_countdown = 1), 1},
         {ZORVS_CALL(call(2, two, 10, T(1))), 0, 5, 200},
         {ZORVS_CALL(zorvs::allocation_failure_countdown = 0), 0},
     });
-    Quiet q;
-    CodeLog log;
-    call(0, two, 0, T(-1), ZORVS_ALPHA, 0.5);
-    EXPECT_TRUE(log.has(5, 11150) && log.has(5, 11151) && log.has(5, 11152) && log.has(5, 11153));
 }
 
 }  // namespace

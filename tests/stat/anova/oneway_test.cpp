@@ -32,9 +32,7 @@ struct HardRef {
 };
 #include "data/stat/anova/hard_data_ref.inc"
 
-template <class T>
-class OnewayTwin : public ::testing::Test {};
-TYPED_TEST_SUITE(OnewayTwin, Reals);
+ZORVS_TWIN_SUITE(OnewayTwin);
 
 const int method_keys[5] = {ZORVS_TUKEY_USER, ZORVS_DUNN_SIDAK_USER, ZORVS_BONFERRONI_USER, ZORVS_SCHEFFE_USER,
                             ZORVS_ONE_AT_A_TIME_USER};
@@ -186,10 +184,4 @@ TYPED_TEST(OnewayTwin, RefusalsAndOutputs) {
     });
 }
 
-// A refusal stops the process by default, with its type as the status.
-TEST(OnewayStops, RefusalEndsTheProcess) {
-    static int n[2] = {1, -1};
-    static double y[1] = {1};
-    expect_stops({{[] { zorvs_d_anova_oneway(2, n, y, 0); }, 5, "size of group 2"}});
-}
 }  // namespace

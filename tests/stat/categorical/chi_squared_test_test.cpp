@@ -15,9 +15,7 @@ using namespace zorvs_test;
 
 #include "data/stat/categorical/chi_squared_test_ref.inc"
 
-template <class T>
-class ChiSquaredTestTwin : public ::testing::Test {};
-TYPED_TEST_SUITE(ChiSquaredTestTwin, Reals);
+ZORVS_TWIN_SUITE(ChiSquaredTestTwin);
 
 // The distribution functions of the cases, written out for each twin.
 template <class T>
@@ -146,16 +144,6 @@ TYPED_TEST(ChiSquaredTestTwin, RefusalsWriteNothing) {
         // six values in cells of expected counts 2.4, 2.4, 1.2: a warning, results kept
         {ZORVS_CALL(test(u, 3, 6, d, cut, c, 0)), any, 3, 21229, "i1=3 i2=3 r1~1.2"},
     });
-}
-
-// With the stops as they are by default, a distribution function that
-// leaves [0, 1] ends the process with the type as its status.
-TEST(ChiSquaredTestStop, DistributionFunctionOutOfRangeStops) {
-    expect_stops({{[] {
-                       double x[3] = {1, 2, 5}, cuts[2] = {2, 4};
-                       zorvs_d_chi_squared_test(above_one<double>, 3, 3, x, ZORVS_CUTPOINTS, cuts, 0);
-                   },
-                   5, "TERMINAL Error from zorvs_d_chi_squared_test.  The distribution function"}});
 }
 
 }  // namespace

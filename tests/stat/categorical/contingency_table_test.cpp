@@ -5,15 +5,6 @@
 // margins of HairEyeColor, UCBAdmissions and Titanic, a 2 x 2, a square and a
 // fractional table; then the refusals, notes and warnings, and that a
 // refused call writes nothing.
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <cstdlib>
-#include <limits>
-#include <vector>
-
-#include "frame/frame.hpp"
-#include "support/capture.hpp"
 #include "support/tables.hpp"
 
 namespace {
@@ -38,9 +29,7 @@ const MeasureRef measure_refs[] = {
 #include "data/stat/categorical/contingency_measures_ref.inc"
 };
 
-template <class T>
-class ContingencyTable : public ::testing::Test {};
-TYPED_TEST_SUITE(ContingencyTable, Reals);
+ZORVS_TWIN_SUITE(ContingencyTable);
 
 template <class T, class... Args>
 T contingency(int r, int c, std::vector<T> &table, Args... args) {
@@ -218,48 +207,6 @@ TYPED_TEST(ContingencyTable, RefusedCallWritesNothing) {
     EXPECT_EQ(twin<T>(zorvs_f_contingency_table, zorvs_d_contingency_table)(2, 2, nullptr, 0), T(0));
     EXPECT_EQ(zorvs_error_code(), 150);
     EXPECT_EQ(slots("l1=table"), "l1=table");
-}
-
-// Random tables of odd shapes and entries (zeros, NaN, infinities, huge and
-// tiny counts, negatives) with random keyword lists: every call returns
-// (the sanitizer build checks the memory), a refused one returns 0 and hands
-// nothing over, any other gives a p-value in [0, 1] or NaN.
-TEST(ContingencyTableFuzz, RandomCallsEndCleanly) {
-    Quiet quiet;
-    Xorshift g{23};
-    const double odd[] = {0, nan, Inf, 1e300, 1e-300, -1, 0.5, 1e6};
-    for (int trial = 0; trial < 400; ++trial) {
-        const int r = 1 + g.below(6), c = 1 + g.below(6);
-        std::vector<double> table(static_cast<Index>(r) * c), expected((r + 1) * (c + 1)), stats(115);
-        for (double &v : table) v = g.below(10) ? g.below(20) : odd[g.below(8)];
-        double *allocated = nullptr, x2 = 0, p = 0;
-        int df = 0;
-        const int pick = g.below(4);
-        zorvs_e1mes(0, 0, " ");
-        const double got =
-            pick == 0   ? zorvs_d_contingency_table(r, c, table.data(), 0)
-            : pick == 1 ? zorvs_d_contingency_table(r, c, table.data(), ZORVS_LRT, &df, &x2, &p, 0)
-            : pick == 2 ? zorvs_d_contingency_table(r, c, table.data(), ZORVS_STATISTICS, &allocated,
-                                                    ZORVS_EXPECTED_USER, expected.data(), 0)
-                        : zorvs_d_contingency_table(r, c, table.data(), ZORVS_CHI_SQUARED, &df, &x2, &p,
-                                                    ZORVS_STATISTICS_USER, stats.data(),
-                                                    ZORVS_CHI_SQUARED_CONTRIBUTIONS, &allocated, 0);
-        if (zorvs_error_type() >= 4) {
-            EXPECT_EQ(got, 0.0);
-            EXPECT_EQ(allocated, nullptr);
-        } else {
-            EXPECT_TRUE(std::isnan(got) || (got >= 0 && got <= 1)) << got;
-        }
-        std::free(allocated);
-    }
-}
-
-TEST(ContingencyTableStop, TerminalErrorStops) {
-    expect_stops({{[] {
-                       double t[2] = {1, 2};
-                       zorvs_d_contingency_table(1, 2, t, 0);
-                   },
-                   5, "11136|contingency"}});
 }
 
 }  // namespace

@@ -14,9 +14,7 @@ using namespace zorvs_test;
 
 #include "data/stat/categorical/normality_ref.inc"
 
-template <class T>
-class Normality : public ::testing::Test {};
-TYPED_TEST_SUITE(Normality, Reals);
+ZORVS_TWIN_SUITE(Normality);
 
 TYPED_TEST(Normality, AgreesWithReferences) {
     using T = TypeParam;
@@ -119,15 +117,6 @@ TYPED_TEST(Normality, InPlaceReadingAndRefusals) {
         {ZORVS_CALL(test(6, null, 0)), NaN, 5, 150, "l1=x"},
     });
     EXPECT_EQ(w * 1000 + d, -1001);
-}
-
-TEST(NormalityStop, RefusalsStop) {
-    expect_stops({{[] { zorvs_d_normality_test(2, nullptr, 0); }, 5, "602|n_observations"},
-                  {[] {
-                       float x[] = {2, 2, 2, 2, 2}, d;
-                       zorvs_f_normality_test(5, x, ZORVS_LILLIEFORS, &d, 0);
-                   },
-                   4, "20204|zorvs_f_normality_test"}});
 }
 
 }  // namespace

@@ -14,9 +14,7 @@ using namespace zorvs_test;
 #include "data/stat/categorical/nonparametric_rank_sum_ref.inc"
 #include "data/stat/categorical/nonparametric_sign_test_ref.inc"
 
-template <class T>
-class SignRank : public ::testing::Test {};
-TYPED_TEST_SUITE(SignRank, Reals);
+ZORVS_TWIN_SUITE(SignRank);
 
 // Every case twice: p and q by value and through the _ADR pointers.
 TYPED_TEST(SignRank, SignTestExactTail) {
@@ -111,15 +109,6 @@ TYPED_TEST(SignRank, RefusalsWriteNothing) {
     for (T v : stat) EXPECT_EQ(v, -9);
     EXPECT_EQ(address, x);
     EXPECT_EQ(positive * 1000 + zero, -7007);
-}
-
-TEST(SignRankStop, RefusalsStop) {
-    expect_stops({{[] { zorvs_f_sign_test(1, nullptr, 0); }, 5, "603|n_observations"},
-                  {[] {
-                       float x[] = {NaN, NaN}, y[] = {1, 2};
-                       zorvs_f_wilcoxon_rank_sum(2, x, 2, y, 0);
-                   },
-                   4, "11122|zorvs_f_wilcoxon_rank_sum"}});
 }
 
 }  // namespace

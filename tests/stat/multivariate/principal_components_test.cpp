@@ -10,6 +10,7 @@
 namespace {
 
 using zorvs_test::Quiet;
+using zorvs_test::any;
 
 struct Reference {
     const char *name;
@@ -119,35 +120,26 @@ TEST(PrincipalComponents, EdgeCases) {
     }
 }
 
-// Allocated outputs, df below 1, stride, the refusals.
+// Allocated outputs, df below 1 (taken as 100: a warning), stride, the
+// caller's storage, and the refusals, which free what they allocated and
+// null the caller's pointers.
 TEST(PrincipalComponents, StorageAndChecks) {
-    Quiet quiet;
-    // a 2x2 covariance matrix in rows of 3
-    double a[6] = {4, 2, -9, 2, 3, -9};
-    double *vectors = nullptr, *correlations = nullptr, *cumulative = nullptr, *std_errors = nullptr;
-    double *values = zorvs_d_principal_components(2, a, ZORVS_COV_COL_DIM, 3, ZORVS_EIGENVECTORS, &vectors,
-                                                  ZORVS_CORRELATIONS, &correlations, ZORVS_CUM_PERCENT,
-                                                  &cumulative, ZORVS_STD_DEV, 0, &std_errors, 0);
-    ASSERT_TRUE(values && vectors && correlations && cumulative && std_errors);
-    EXPECT_EQ(zorvs_n1rty(1), 3);
-    EXPECT_EQ(zorvs_error_code(), 20101);
+    double a[6] = {4, 2, -9, 2, 3, -9}, *v = nullptr, *cr = nullptr, *cum = nullptr, *se = nullptr, *values = nullptr;
     const double l1 = 3.5 + std::sqrt(4.25), l2 = 3.5 - std::sqrt(4.25);
-    EXPECT_NEAR(values[0], l1, 1e-14);
-    EXPECT_NEAR(values[1], l2, 1e-14);
-    EXPECT_NEAR(cumulative[0], l1 / 7, 1e-15);
-    EXPECT_NEAR(std_errors[0], l1 * std::sqrt(0.02), 1e-14);  // df 100
-    EXPECT_NEAR(vectors[0] * vectors[0] + vectors[2] * vectors[2], 1, 1e-15);
-    for (double *p : {values, vectors, correlations, cumulative, std_errors}) std::free(p);
-
-    float f[4] = {1, 0.5f, 0.5f, 1};
-    std::vector<float> user(2, -1);
-    EXPECT_EQ(zorvs_f_principal_components(2, f, ZORVS_RETURN_USER, user.data(), 0), user.data());
-    EXPECT_NEAR(user[0], 1.5f, 1e-6f);
-    // refusals free what they allocated and null the caller's pointers
-    vectors = a;
+    float f[4] = {1, 0.5f, 0.5f, 1}, user[2] = {-1, -1};
     zorvs_test::expect_rows({
-        {ZORVS_CALL(!zorvs_d_principal_components(2, a, ZORVS_COV_COL_DIM, 1, ZORVS_EIGENVECTORS, &vectors, 0) &&
-                    !vectors), 1, 5, 601},
+        {ZORVS_CALL((values = zorvs_d_principal_components(2, a, ZORVS_COV_COL_DIM, 3, ZORVS_EIGENVECTORS, &v,
+                                                           ZORVS_CORRELATIONS, &cr, ZORVS_CUM_PERCENT, &cum,
+                                                           ZORVS_STD_DEV, 0, &se, 0))[0]), l1, 3, 20101, "", 1e-14},
+        {ZORVS_CALL(values[1]), l2, -1, 0, "", 1e-14},
+        {ZORVS_CALL(cum[0]), l1 / 7, -1, 0, "", 1e-15},
+        {ZORVS_CALL(se[0]), l1 * std::sqrt(0.02), -1, 0, "", 1e-14},
+        {ZORVS_CALL(v[0] * v[0] + v[2] * v[2]), 1, -1, 0, "", 1e-15},
+        {ZORVS_DO((std::free(values), std::free(v), std::free(cr), std::free(cum), std::free(se), v = a)), any, -1},
+        {ZORVS_CALL(zorvs_f_principal_components(2, f, ZORVS_RETURN_USER, user, 0) == user), 1, 0, 0},
+        {ZORVS_CALL(user[0]), 1.5, -1, 0, "", 1e-6},
+        {ZORVS_CALL(!zorvs_d_principal_components(2, a, ZORVS_COV_COL_DIM, 1, ZORVS_EIGENVECTORS, &v, 0) && !v), 1, 5,
+         601},
         {ZORVS_CALL(zorvs_d_principal_components(0, a, 0) == nullptr), 1, 5, 603},
         {ZORVS_CALL(zorvs_d_principal_components(2, a, ZORVS_X_COL_DIM, 2, 0) == nullptr), 1, 5, 11001},
     });

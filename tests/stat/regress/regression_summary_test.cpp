@@ -2,18 +2,8 @@
 // factors, covariances, the analysis of variance table, predictions with
 // their limits and the case statistics against R (make_regression_summary.R
 // on the fits of make_regression_lm.R), and the edge cases and refusals.
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <cstdlib>
-#include <vector>
-
-#include "frame/frame.hpp"
 #include "stat/regress/regress.h"
 #include "stat/regress/twins.hpp"
-#include "support/capture.hpp"
-#include "support/tables.hpp"
-#include "zorvstat.h"
 
 namespace {
 
@@ -42,10 +32,7 @@ struct Fitted {
     ~Fitted() { std::free(info); }
 };
 
-template <class T>
-class RegressionSummary : public ::testing::Test {};
-using Reals = ::testing::Types<float, double>;
-TYPED_TEST_SUITE(RegressionSummary, Reals);
+ZORVS_TWIN_SUITE(RegressionSummary);
 
 // Every data set against R: the t-test table (pointer form, leading
 // dimension 5), the inflation factors, the covariances (leading dimension
@@ -108,20 +95,29 @@ TYPED_TEST(RegressionSummary, AgreesWithR) {
 }
 
 // Every message of both routines and of the t-test worker, with its
-// parameters.  A corrupt record is a copy of a sound one with one field
-// changed.  The warnings of prediction, from one row with a response: far
-// out (leverage above 1, clamped), far off at the centre (deleted variance
-// negative, set to 0.0, so the deleted residual is infinite), off the plane
-// x2 = 2 x1 of a fit that dropped x2; the first two withdrawn when the
-// statistics they concern are not asked for.
-TYPED_TEST(RegressionSummary, Messages) {
+// parameters, and the degenerate fits and special rows, as rows.  A corrupt
+// record is a copy of a sound one with one field changed.  A refusal writes
+// nothing: not the caller's arrays, not the output addresses.  The warnings
+// of prediction, from one row with a response: far out (leverage above 1,
+// clamped), far off at the centre (deleted variance negative, set to 0.0,
+// so the deleted residual is infinite), off the plane x2 = 2 x1 of a fit
+// that dropped x2; the first two withdrawn when the statistics they concern
+// are not asked for.  Cars' first rows refitted: as many rows as parameters
+// (df 0: the estimates stand, all that needs s2 is NaN), one more (df 1:
+// standardized residuals +-1, no deleted residual or DFFITS); the dropped
+// column: factor infinite, estimate 0.0, t and p NaN.  A row of weight 0.0:
+// a prediction, leverage 0.0, no pointwise limits, Scheffe limits that
+// ignore the weight; a NaN regressor: NaN throughout.
+TYPED_TEST(RegressionSummary, MessagesAndSpecialCases) {
     using T = TypeParam;
     Quiet q;
-    Fitted<T> f(lm_cases[0]);  // cars: 50 rows, 1 regressor
+    const LmCase &c = lm_cases[0];  // cars: 50 rows, 1 regressor
     std::vector<double> x2;
-    for (int i = 0; i < 50; ++i) x2.insert(x2.end(), {lm_cases[0].x[i], 2 * lm_cases[0].x[i]});
-    Fitted<T> dropped(50, 2, x2.data(), lm_cases[0].y, nullptr, true);
-    T far[1] = {1e4}, centre[1] = {15}, off[2] = {10, 5};
+    for (int i = 0; i < 50; ++i) x2.insert(x2.end(), {c.x[i], 2 * c.x[i]});
+    Fitted<T> f(c), dropped(50, 2, x2.data(), c.y, nullptr, true), df0(2, 1, c.x + 1, c.y + 1, nullptr, true),
+        df1(3, 1, c.x + 4, c.y + 4, nullptr, true);
+    const T nan = std::numeric_limits<T>::quiet_NaN();
+    T far[1] = {1e4}, centre[1] = {15}, off[2] = {10, 5}, rows[2] = {15, nan}, w0[2] = {0, 1}, y40[2] = {40, 40};
     auto first = [](Info<T> *in, T *row, T y, int keyword) {
         T out = 0, *pred = predict<T>(in, 1, row, ZORVS_Y, &y, keyword, &out, 0);
         if (pred != &out) std::free(pred);
@@ -131,15 +127,18 @@ TYPED_TEST(RegressionSummary, Messages) {
     no_intercept_flag.intercept = 2;
     no_parameters.n_parameters = 0, no_parameters.intercept = 0;
     negative_df.df_error = -1;
-    T *x = f.x.data(), buf[64], w[2] = {1, -1}, *none = nullptr, b[2] = {1, 1}, se[2] = {1, -1};
+    T *x = f.x.data(), buf[64], w[3] = {1, 1, -1}, *none = nullptr, b[2] = {1, 1}, se[2] = {1, -1}, *pred = nullptr;
+    std::vector<T> sevens(30, T(7));
+    T *s = sevens.data(), t[12], vif[3], aov[15], st[3], del[3], dff[3], lev[2], lo[2], hi[2], slo[2], shi[2], res[2];
     auto kept = [](T *p) { return std::free(p), p != nullptr; };
+    auto all_nan = [](auto... v) { return (std::isnan(v) && ...); };
     expect_rows({
         {ZORVS_DO(summary<T>(static_cast<Info<T> *>(nullptr), 0)), any, 5, 150, "l1=regression_info"},
         {ZORVS_DO(summary<T>(info, ZORVS_COEF_VIF_USER, none, 0)), any, 5, 104, "l1=coef_vif l2=ZORVS_COEF_VIF_USER"},
         {ZORVS_DO(summary<T>(info, ZORVS_COEF_T_TESTS_USER, buf, ZORVS_COEF_T_TESTS_COL_DIM, 3, 0)), any, 5, 603,
          "i1=3 i2=4 l1=coef_t_tests_col_dim"},
-        {ZORVS_DO(summary<T>(info, ZORVS_COEF_COVARIANCES_USER, buf, ZORVS_COVB_COL_DIM, 1, 0)), any, 5, 601,
-         "i1=2 i2=1 l2=covb_col_dim"},
+        {ZORVS_DO(summary<T>(info, ZORVS_COEF_T_TESTS_USER, s, ZORVS_COEF_VIF, &none, ZORVS_COEF_COVARIANCES_USER,
+                             s + 8, ZORVS_COVB_COL_DIM, 1, 0)), any, 5, 601, "i1=2 i2=1 l2=covb_col_dim"},
         {ZORVS_DO(summary<T>(&no_intercept_flag, 0)), any, 5, 602, "i1=2 l1=regression_info->intercept"},
         {ZORVS_DO(summary<T>(&no_parameters, 0)), any, 5, 603, "i1=0 l1=regression_info->n_parameters"},
         {ZORVS_DO(summary<T>(&negative_df, 0)), any, 5, 11061, "r1=-1 l1=regression_info->df_error"},
@@ -161,7 +160,10 @@ TYPED_TEST(RegressionSummary, Messages) {
         {ZORVS_CALL(kept(predict<T>(info, 1, x, ZORVS_DFFITS, &none, 0))), 0, 5, 20220, "l1=ZORVS_DFFITS"},
         {ZORVS_CALL(kept(predict<T>(info, 1, none, 0))), 0, 5, 6002, "l1=x"},
         {ZORVS_CALL(kept(predict<T>(info, 1, x, ZORVS_Y, none, 0))), 0, 5, 6002, "l1=y"},
-        {ZORVS_CALL(kept(predict<T>(info, 2, x, ZORVS_WEIGHTS, w, 0))), 0, 5, 11057, "i1=1 r1=-1"},
+        {ZORVS_CALL((pred = predict<T>(info, 3, x, ZORVS_WEIGHTS, w, ZORVS_Y, f.y.data(), ZORVS_RETURN_USER, s + 12,
+                                       ZORVS_CI_NEW_SAMPLE_USER, s + 15, s + 18, ZORVS_RESIDUAL, &none, 0)) == s + 12 ||
+                    !pred), 1, 5, 11057, "i1=2 r1=-1"},
+        {ZORVS_CALL(none == nullptr && sevens == std::vector<T>(30, T(7))), 1, -1},
         {ZORVS_CALL(kept(predict<T>(info, 1, x, ZORVS_SCHEFFE_CI_USER, buf, none, 0))), 0, 5, 104,
          "l1=scheffe_ci l2=ZORVS_SCHEFFE_CI_USER"},
         {ZORVS_CALL(kept(predict<T>(info, 1, x, ZORVS_RETURN_USER, none, 0))), 0, 5, 104, "l2=ZORVS_RETURN_USER"},
@@ -171,116 +173,24 @@ TYPED_TEST(RegressionSummary, Messages) {
         {ZORVS_CALL(first(info, centre, T(1e5), ZORVS_DELETED_RESIDUAL_USER)), INFINITY, 3, 20052},
         {ZORVS_CALL(first(info, centre, T(1e5), ZORVS_COOKSD_USER)), any, 0, 0},
         {ZORVS_CALL(first(dropped.info, off, 0, ZORVS_LEVERAGE_USER)), any, 3, 20050},
+        {ZORVS_DO(summary<T>(df0.info, ZORVS_COEF_T_TESTS_USER, t, ZORVS_ANOVA_TABLE_USER, aov, 0)), any, -1},
+        {ZORVS_CALL(t[0] == df0.info->coefficients[0] && t[4] == df0.info->coefficients[1] &&
+                    all_nan(t[1], t[2], t[3], t[5], t[6], t[7], aov[7])), 1, -1},
+        {ZORVS_DO(std::free(predict<T>(df1.info, 3, df1.x.data(), ZORVS_Y, df1.y.data(), ZORVS_STANDARDIZED_RESIDUAL_USER,
+                                       st, ZORVS_DELETED_RESIDUAL_USER, del, ZORVS_DFFITS_USER, dff, 0))), any, -1},
+        {ZORVS_CALL(std::fabs(st[0]) + std::fabs(st[1]) + std::fabs(st[2])), 3, -1, 0, "", 3e-4},
+        {ZORVS_CALL(all_nan(del[0], del[1], del[2], dff[0], dff[1], dff[2])), 1, -1},
+        {ZORVS_DO(summary<T>(dropped.info, ZORVS_COEF_T_TESTS_USER, t, ZORVS_COEF_VIF_USER, vif, 0)), any, -1},
+        {ZORVS_CALL(std::isinf(vif[2]) && t[8] == 0 && all_nan(t[10], t[11])), 1, -1},
+        {ZORVS_CALL(t[6]), summary_refs[0].tests[6], -1, 0, "", 1e-3 * std::fabs(summary_refs[0].tests[6])},
+        {ZORVS_CALL((pred = predict<T>(info, 2, rows, ZORVS_WEIGHTS, w0, ZORVS_Y, y40, ZORVS_LEVERAGE_USER, lev,
+                                       ZORVS_CI_POP_MEAN_USER, lo, hi, ZORVS_SCHEFFE_CI_USER, slo, shi,
+                                       ZORVS_RESIDUAL_USER, res, 0))[0]),
+         c.coef[0] + 15 * c.coef[1], 0, 0, "", 1e-4 * std::fabs(c.coef[0] + 15 * c.coef[1])},
+        {ZORVS_CALL(res[0] == y40[0] - pred[0] && lev[0] == 0 && all_nan(lo[0], hi[0]) && slo[0] == pred[0]), 1, -1},
+        {ZORVS_CALL(all_nan(pred[1], lev[1], lo[1], slo[1], res[1])), 1, -1},
+        {ZORVS_DO(std::free(pred)), any, -1},
     });
-}
-
-// After a terminal error the caller's arrays are as they were and no
-// pointer output is written: a negative weight in the last row, and a
-// summary whose covariance leading dimension is too small.
-TYPED_TEST(RegressionSummary, NothingWrittenAfterTerminalError) {
-    using T = TypeParam;
-    Quiet q;
-    Fitted<T> f(lm_cases[0]);
-    std::vector<T> w(3, T(1)), pred(3, T(7)), low(3, T(7)), high(3, T(7)), tests(8, T(7)), cov(4, T(7));
-    w[2] = -1;
-    T *residual = nullptr, *vif = nullptr;
-    predict<T>(f.info, 3, f.x.data(), ZORVS_WEIGHTS, w.data(), ZORVS_Y, f.y.data(), ZORVS_RETURN_USER, pred.data(),
-               ZORVS_CI_NEW_SAMPLE_USER, low.data(), high.data(), ZORVS_RESIDUAL, &residual, 0);
-    summary<T>(f.info, ZORVS_COEF_T_TESTS_USER, tests.data(), ZORVS_COEF_VIF, &vif, ZORVS_COEF_COVARIANCES_USER,
-               cov.data(), ZORVS_COVB_COL_DIM, 1, 0);
-    EXPECT_EQ(residual, nullptr);
-    EXPECT_EQ(vif, nullptr);
-    for (const auto *v : {&pred, &low, &high, &tests, &cov})
-        for (T e : *v) EXPECT_EQ(e, T(7));
-}
-
-// Cars' first rows, refitted: with as many rows as parameters (no degrees
-// of freedom for error), one more (one degree), and with a regressor that
-// is twice the first (a dropped column).
-TYPED_TEST(RegressionSummary, DegenerateFits) {
-    using T = TypeParam;
-    Quiet q;
-    const LmCase &c = lm_cases[0];
-    T tests[12], vif[3], aov[15];
-    {   // df 0: estimates stand, everything that needs s2 is NaN.
-        Fitted<T> f(2, 1, c.x + 1, c.y + 1, nullptr, true);
-        summary<T>(f.info, ZORVS_COEF_T_TESTS_USER, tests, ZORVS_ANOVA_TABLE_USER, aov, 0);
-        EXPECT_TRUE(tests[0] == f.info->coefficients[0] && tests[4] == f.info->coefficients[1]);
-        for (int k : {1, 2, 3, 5, 6, 7}) EXPECT_TRUE(std::isnan(tests[k])) << k;
-        EXPECT_TRUE(std::isnan(aov[7]));
-    }
-    {   // df 1: standardized residuals are +-1, no deleted residual or DFFITS.
-        Fitted<T> f(3, 1, c.x + 4, c.y + 4, nullptr, true);
-        T stand[3], del[3], dffits[3];
-        std::free(predict<T>(f.info, 3, f.x.data(), ZORVS_Y, f.y.data(), ZORVS_STANDARDIZED_RESIDUAL_USER, stand,
-                             ZORVS_DELETED_RESIDUAL_USER, del, ZORVS_DFFITS_USER, dffits, 0));
-        for (int i = 0; i < 3; ++i) {
-            EXPECT_NEAR(std::fabs(stand[i]), 1, 1e-4) << i;
-            EXPECT_TRUE(std::isnan(del[i]) && std::isnan(dffits[i])) << i;
-        }
-    }
-    {   // A dropped column: factor infinite, estimate 0.0, t and p NaN.
-        std::vector<double> x;
-        for (int i = 0; i < c.n; ++i) x.insert(x.end(), {c.x[i], 2 * c.x[i]});
-        Fitted<T> f(c.n, 2, x.data(), c.y, nullptr, true);
-        summary<T>(f.info, ZORVS_COEF_T_TESTS_USER, tests, ZORVS_COEF_VIF_USER, vif, 0);
-        EXPECT_TRUE(std::isinf(vif[2]));
-        EXPECT_EQ(tests[8], T(0));
-        EXPECT_TRUE(std::isnan(tests[10]) && std::isnan(tests[11]));
-        EXPECT_NEAR(tests[6], summary_refs[0].tests[6], 1e-3 * std::fabs(tests[6]));  // t of x1 alone
-    }
-}
-
-// A row of weight 0.0: a prediction, leverage 0.0, no pointwise limits, and
-// Scheffe limits that ignore the weight.  A NaN regressor: NaN throughout.
-TYPED_TEST(RegressionSummary, SpecialRows) {
-    using T = TypeParam;
-    Quiet q;
-    Fitted<T> f(lm_cases[0]);
-    const T nan = std::numeric_limits<T>::quiet_NaN();
-    T x[2] = {15, nan}, w[2] = {0, 1}, y[2] = {40, 40}, lev[2], lo[2], hi[2], slo[2], shi[2], res[2];
-    T *pred = predict<T>(f.info, 2, x, ZORVS_WEIGHTS, w, ZORVS_Y, y, ZORVS_LEVERAGE_USER, lev, ZORVS_CI_POP_MEAN_USER,
-                         lo, hi, ZORVS_SCHEFFE_CI_USER, slo, shi, ZORVS_RESIDUAL_USER, res, 0);
-    ASSERT_NE(pred, nullptr);
-    EXPECT_EQ(zorvs_error_type(), 0);
-    EXPECT_NEAR(pred[0], lm_cases[0].coef[0] + 15 * lm_cases[0].coef[1], 1e-4 * std::fabs(pred[0]));
-    EXPECT_EQ(res[0], y[0] - pred[0]);
-    EXPECT_EQ(lev[0], T(0));
-    EXPECT_TRUE(std::isnan(lo[0]) && std::isnan(hi[0]));
-    EXPECT_EQ(slo[0], pred[0]);
-    for (T v : {pred[1], lev[1], lo[1], slo[1], res[1]}) EXPECT_TRUE(std::isnan(v));
-    std::free(pred);
-}
-
-// Each allocation of the summary (t tests, factors, covariances, table,
-// work) and of the prediction (result, leverage, work) failing in turn: its
-// message, and no output at all.
-TEST(RegressionSummary, AllocationFailures) {
-    Quiet q;
-    CodeLog codes;
-    Fitted<double> f(lm_cases[0]);
-    const struct {
-        bool summary;
-        int failing, code;
-    } rows[] = {{true, 1, 202}, {true, 2, 201}, {true, 3, 202}, {true, 4, 201}, {true, 5, 200},
-                {false, 1, 201}, {false, 2, 201}, {false, 3, 200}};
-    for (const auto &r : rows) {
-        double *out[5] = {};
-        codes.clear();
-        zorvs::allocation_failure_countdown = r.failing;
-        if (r.summary)
-            zorvs_d_regression_summary(f.info, ZORVS_COEF_T_TESTS, &out[0], ZORVS_COEF_VIF, &out[1],
-                                       ZORVS_COEF_COVARIANCES, &out[2], ZORVS_ANOVA_TABLE, &out[3], 0);
-        else
-            out[4] = zorvs_d_regression_prediction(f.info, 2, f.x.data(), ZORVS_LEVERAGE, &out[0], 0);
-        zorvs::allocation_failure_countdown = 0;
-        EXPECT_TRUE(codes.has(5, r.code)) << r.summary << " " << r.failing;
-        for (double *p : out) EXPECT_EQ(p, nullptr) << r.summary << " " << r.failing;
-    }
-}
-
-TEST(RegressionSummaryDeathTest, NullRecordStops) {
-    expect_stops({{[] { zorvs_d_regression_summary(nullptr, 0); }, 5, "zorvs_d_regression_summary"}});
 }
 
 }  // namespace

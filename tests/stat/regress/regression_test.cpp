@@ -6,7 +6,6 @@
 // rows; the rank test; the record; every refusal and its outcome.
 #include "support/tables.hpp"
 
-#include "stat/regress/givens_fit.hpp"
 #include "stat/regress/twins.hpp"
 
 namespace {
@@ -73,47 +72,41 @@ TYPED_TEST(RegressionTwin, AgreesWithLm) {
     }
 }
 
-// Hard problems against exact rational least squares on the same doubles:
-// Longley to 9 digits at least, the quintic to 8.
+// Hard problems against exact rational least squares on the same numbers:
+// Longley to 9 digits at least, the quintic to 8; in single precision
+// Longley's data rounded to float (the exact solution of those floats is
+// the reference) and the noisy quintic (exact in float) to 3.
 struct Hard {
     const char *name;
+    bool single;
     int n, nv;
     const double *x, *y, *coef;
     double min_digits;
 };
 const Hard hard[] = {
-    {"Longley", 16, 6, longley_x, longley_y, longley_d_coef, 9},
-    {"quintic, exact fit", 21, 5, wampler_x, wampler_y1, wampler_y1_coef, 8},
-    {"quintic, noisy", 21, 5, wampler_x, wampler_y4, wampler_y4_coef, 8},
+    {"Longley", false, 16, 6, longley_x, longley_y, longley_d_coef, 9},
+    {"quintic, exact fit", false, 21, 5, wampler_x, wampler_y1, wampler_y1_coef, 8},
+    {"quintic, noisy", false, 21, 5, wampler_x, wampler_y4, wampler_y4_coef, 8},
+    {"Longley, float", true, 16, 6, longley_x, longley_y, longley_f_coef, 3},
+    {"quintic, noisy, float", true, 21, 5, wampler_x, wampler_y4, wampler_y4_coef, 3},
 };
+
+template <class T>
+double fewest_digits(const Hard &h) {
+    std::vector<T> x(h.x, h.x + h.n * h.nv), y(h.y, h.y + h.n);
+    T *coef = fit<T>(h.n, h.nv, x.data(), y.data(), 0);
+    double worst = 17;
+    for (int j = 0; coef && j <= h.nv; ++j) worst = std::min(worst, digits(coef[j], h.coef[j]));
+    std::free(coef);
+    return coef ? worst : 0;
+}
 
 TEST(Regression, HardProblemsAgainstExactLeastSquares) {
     for (const Hard &h : hard) {
-        std::vector<double> x(h.x, h.x + h.n * h.nv), y(h.y, h.y + h.n);
-        double *coef = zorvs_d_regression(h.n, h.nv, x.data(), y.data(), 0);
-        ASSERT_NE(coef, nullptr);
-        double worst = 17;
-        for (int j = 0; j <= h.nv; ++j) worst = std::min(worst, digits(coef[j], h.coef[j]));
+        const double worst = h.single ? fewest_digits<float>(h) : fewest_digits<double>(h);
         EXPECT_GE(worst, h.min_digits) << h.name;
         RecordProperty(h.name, std::to_string(worst));
-        std::free(coef);
     }
-}
-
-// Single precision on Longley's data rounded to float (the exact solution
-// of those floats is the reference) and on the noisy quintic (exact in
-// float): the condition of the problems leaves three digits and more.
-TEST(Regression, HardProblemsInSinglePrecision) {
-    std::vector<float> x(longley_x, longley_x + 96), y(longley_y, longley_y + 16);
-    float *coef = zorvs_f_regression(16, 6, x.data(), y.data(), 0);
-    ASSERT_NE(coef, nullptr);
-    for (int j = 0; j < 7; ++j) EXPECT_GE(digits(coef[j], longley_f_coef[j]), 3.0) << j;
-    std::free(coef);
-    std::vector<float> wx(wampler_x, wampler_x + 105), wy(wampler_y4, wampler_y4 + 21);
-    coef = zorvs_f_regression(21, 5, wx.data(), wy.data(), 0);
-    ASSERT_NE(coef, nullptr);
-    for (int j = 0; j < 6; ++j) EXPECT_GE(digits(coef[j], wampler_y4_coef[j]), 3.0) << j;
-    std::free(coef);
 }
 
 // A column that is an exact multiple of another: rank one lower, its
@@ -158,7 +151,7 @@ TYPED_TEST(RegressionTwin, FrequenciesAndWeights) {
     using T = TypeParam;
     const double tol = std::is_same_v<T, float> ? 2e-5 : 1e-12;
     const LmCase &c = lm_cases[1];  // trees
-    std::vector<T> x(c.x, c.x + c.n * c.nv), y(c.y, c.y + c.n), f(c.n), xr, yr;
+    std::vector<T> x(c.x, c.x + c.n * c.nv), y(c.y, c.y + c.n), f(c.n), xr, yr, w(c.n, T(1)), f2(c.n, T(1));
     for (int i = 0; i < c.n; ++i) {
         f[i] = static_cast<T>(i % 3);
         for (int k = 0; k < i % 3; ++k) {
@@ -166,80 +159,61 @@ TYPED_TEST(RegressionTwin, FrequenciesAndWeights) {
             yr.push_back(y[i]);
         }
     }
-    const int nr = static_cast<int>(yr.size());
-    T aov_f[15], aov_r[15], mean_f[2], mean_r[2];
-    T *bf = fit<T>(c.n, c.nv, x.data(), y.data(), ZORVS_FREQUENCIES, f.data(), ZORVS_ANOVA_TABLE_USER, aov_f,
-                   ZORVS_X_MEAN_USER, mean_f, 0);
-    T *br = fit<T>(nr, c.nv, xr.data(), yr.data(), ZORVS_ANOVA_TABLE_USER, aov_r, ZORVS_X_MEAN_USER, mean_r, 0);
-    ASSERT_NE(bf, nullptr);
-    ASSERT_NE(br, nullptr);
-    for (int j = 0; j < 3; ++j) EXPECT_NEAR(bf[j], br[j], tol * (1 + std::fabs(br[j]))) << j;
-    for (int k = 0; k < 15; ++k) EXPECT_LE(relative(aov_f[k], aov_r[k]), 10 * tol) << k;
-    for (int j = 0; j < 2; ++j) EXPECT_NEAR(mean_f[j], mean_r[j], tol * std::fabs(mean_r[j])) << j;
-    std::free(bf);
-    std::free(br);
-
-    // Weights: the same coefficients as the rows with weight 2 given twice;
-    // a row of weight 0.0 still counts in the degrees of freedom.
-    std::vector<T> w(c.n, T(1));
-    w[0] = 2;
-    w[5] = 0;
-    T aov_w[15], mean_w[2];
-    T *bw = fit<T>(c.n, c.nv, x.data(), y.data(), ZORVS_WEIGHTS, w.data(), ZORVS_ANOVA_TABLE_USER, aov_w,
-                   ZORVS_X_MEAN_USER, mean_w, 0);
-    f.assign(c.n, T(1));
-    f[0] = 2;
-    f[5] = 0;
-    T aov_f2[15];
-    T *bf2 = fit<T>(c.n, c.nv, x.data(), y.data(), ZORVS_FREQUENCIES, f.data(), ZORVS_ANOVA_TABLE_USER, aov_f2, 0);
-    ASSERT_NE(bw, nullptr);
-    ASSERT_NE(bf2, nullptr);
-    for (int j = 0; j < 3; ++j) EXPECT_NEAR(bw[j], bf2[j], tol * (1 + std::fabs(bf2[j]))) << j;
-    EXPECT_EQ(aov_w[1], T(c.aov[1]));  // the row of weight 0.0 still counts
-    // The weighted mean: sum(w x) / sum(w).
-    double sw = 0, swx = 0;
-    for (int i = 0; i < c.n; ++i) {
-        sw += w[i];
-        swx += w[i] * c.x[i * c.nv];
+    // weights: the coefficients of the row of weight 2 given twice; a row of
+    // weight 0.0 still counts in the degrees of freedom
+    w[0] = f2[0] = 2;
+    w[5] = f2[5] = 0;
+    struct Fit {
+        std::vector<T> b, aov, mean;
+    };
+    auto run = [&](std::vector<T> &x, std::vector<T> &y, int keyword, T *by) {
+        Fit r{{}, std::vector<T>(15), std::vector<T>(2)};
+        T *b = fit<T>(int(y.size()), c.nv, x.data(), y.data(), keyword, by, ZORVS_ANOVA_TABLE_USER, r.aov.data(),
+                      ZORVS_X_MEAN_USER, r.mean.data(), 0);
+        if (b) r.b.assign(b, b + 3);
+        std::free(b);
+        return r;
+    };
+    const Fit by_f = run(x, y, ZORVS_FREQUENCIES, f.data()), rep = run(xr, yr, ZORVS_FREQUENCIES, nullptr),
+              by_w = run(x, y, ZORVS_WEIGHTS, w.data()), by_f2 = run(x, y, ZORVS_FREQUENCIES, f2.data());
+    ASSERT_TRUE(by_f.b.size() == 3 && rep.b.size() == 3 && by_w.b.size() == 3 && by_f2.b.size() == 3);
+    for (int j = 0; j < 3; ++j) {
+        EXPECT_NEAR(by_f.b[j], rep.b[j], tol * (1 + std::fabs(rep.b[j]))) << j;
+        EXPECT_NEAR(by_w.b[j], by_f2.b[j], tol * (1 + std::fabs(by_f2.b[j]))) << j;
     }
-    EXPECT_NEAR(mean_w[0], swx / sw, tol * std::fabs(swx / sw));
-    std::free(bw);
-    std::free(bf2);
+    for (int k = 0; k < 15; ++k) EXPECT_LE(relative(by_f.aov[k], rep.aov[k]), 10 * tol) << k;
+    for (int j = 0; j < 2; ++j) EXPECT_NEAR(by_f.mean[j], rep.mean[j], tol * std::fabs(rep.mean[j])) << j;
+    EXPECT_EQ(by_w.aov[1], T(c.aov[1]));
+    // the weighted mean: sum(w x) / sum(w)
+    double sw = 0, swx = 0;
+    for (int i = 0; i < c.n; ++i) sw += w[i], swx += w[i] * c.x[i * c.nv];
+    EXPECT_NEAR(by_w.mean[0], swx / sw, tol * std::fabs(swx / sw));
 }
 
-// The record: counts, extremes, means, and R with R'R = X'X.
+// The record: counts, extremes (cars' speeds run from 4 to 25), means, and
+// R with R'R = X'X, on cars with one speed missing.
 TEST(Regression, RecordHoldsTheFactorAndTheSummaries) {
     const LmCase &c = lm_cases[0];  // cars
     std::vector<double> x(c.x, c.x + c.n), y(c.y, c.y + c.n);
     x[3] = NAN;
+    double s = 0, s2 = 0, sy = 0;
+    for (int i = 0; i < c.n; ++i)
+        if (i != 3) s += x[i], s2 += x[i] * x[i], sy += y[i];
     zorvs_d_regression_info *info = nullptr;
     double *coef = zorvs_d_regression(c.n, 1, x.data(), y.data(), ZORVS_REGRESSION_INFO, &info, 0);
     ASSERT_NE(info, nullptr);
-    // observations, rows missing, dependent variables, parameters, intercept, rank, df
-    EXPECT_EQ((std::vector<double>{double(info->n_observations), double(info->rows_missing), double(info->n_dependent),
-                                   double(info->n_parameters), double(info->intercept), double(info->rank),
-                                   double(info->df_error)}),
-              (std::vector<double>{50, 1, 1, 2, 1, 2, 47}));
-    EXPECT_EQ(info->coefficients[1], coef[1]);
-    double s = 0, s2 = 0, sy = 0, lo = 1e9, hi = -1e9;
-    for (int i = 0; i < c.n; ++i) {
-        if (i == 3) continue;
-        s += x[i];
-        s2 += x[i] * x[i];
-        sy += y[i];
-        lo = std::min(lo, x[i]);
-        hi = std::max(hi, x[i]);
-    }
-    EXPECT_EQ(*info->x_min, lo);
-    EXPECT_EQ(*info->x_max, hi);
-    EXPECT_NEAR(*info->x_mean, s / 49, 1e-13 * s / 49);
-    EXPECT_NEAR(*info->y_mean, sy / 49, 1e-13 * sy / 49);
     const double *r = info->r_matrix;  // column-major 2 x 2
-    EXPECT_TRUE(r[1] == 0 && r[0] > 0 && r[3] > 0);
-    EXPECT_NEAR(r[0] * r[0], 49, 1e-12 * 49);
-    EXPECT_NEAR(r[0] * r[2], s, 1e-12 * s);
-    EXPECT_NEAR(r[2] * r[2] + r[3] * r[3], s2, 1e-12 * s2);
-    EXPECT_EQ(info->r_scale[0], 1.0);
+    zorvs_test::expect_rows({
+        {ZORVS_CALL(info->n_observations == 50 && info->rows_missing == 1 && info->n_dependent == 1 &&
+                    info->n_parameters == 2 && info->intercept == 1 && info->rank == 2 && info->df_error == 47), 1, -1},
+        {ZORVS_CALL(info->coefficients[1] == coef[1] && *info->x_min == 4 && *info->x_max == 25), 1, -1},
+        {ZORVS_CALL(*info->x_mean), s / 49, -1, 0, "", 1e-13 * s / 49},
+        {ZORVS_CALL(*info->y_mean), sy / 49, -1, 0, "", 1e-13 * sy / 49},
+        {ZORVS_CALL(r[1] == 0 && r[0] > 0 && r[3] > 0 && info->r_scale[0] == 1.0), 1, -1},
+        {ZORVS_CALL(r[0] * r[0]), 49, -1, 0, "", 1e-12 * 49},
+        {ZORVS_CALL(r[0] * r[2]), s, -1, 0, "", 1e-12 * s},
+        {ZORVS_CALL(r[2] * r[2] + r[3] * r[3]), s2, -1, 0, "", 1e-12 * s2},
+    });
     std::free(info);
     std::free(coef);
 }
@@ -289,10 +263,17 @@ TYPED_TEST(RegressionTwin, EdgeCases) {
 
 // Refusals: the message, a null result, nothing written to the caller's
 // pointers, and x as it was; a column of zeros is dropped with a warning.
-TEST(Regression, BadInputIsRefused) {
+// Then extreme weights and frequencies: a subnormal weight gives the fit
+// without its row, a huge one the line through its point; 10^8 degrees of
+// freedom for error by frequencies give the exact F ratio and its upper
+// tail (make_regression_exact.py), whose condition in F is about 0.6.
+TEST(Regression, BadInputIsRefusedAndExtremeWeightsServed) {
     double x[] = {1, 2, 3, 4, 5, 6}, y[] = {1, 3, 2, 5, 4, 6}, negative[] = {1, 1, -1, 1, 1, 1}, zeros[6] = {};
-    double sentinel = 0, *table = &sentinel, *b = nullptr;
+    double sentinel = 0, *table = &sentinel, *b = nullptr, *r = nullptr, ye[] = {2, 3, 7, 8, 9};
+    double we[] = {4e-320, 1, 1, 1, 1}, lx[4], ly[4], lf[4], *aov = nullptr;
+    for (int i = 0; i < 4; ++i) lx[i] = large_df_rows[3 * i], ly[i] = large_df_rows[3 * i + 1], lf[i] = large_df_rows[3 * i + 2];
     zorvs_d_regression_info *info = nullptr;
+    CodeLog log;
     auto refused = [&](double *r) { return r == nullptr && table == &sentinel && !info && x[0] == 1 && x[5] == 6; };
     zorvs_test::expect_rows({
         {ZORVS_CALL(refused(zorvs_d_regression(6, 1, x, y, ZORVS_FREQUENCIES, negative, ZORVS_ANOVA_TABLE, &table,
@@ -311,43 +292,16 @@ TEST(Regression, BadInputIsRefused) {
         {ZORVS_CALL((b = zorvs_d_regression(6, 1, zeros, y, 0))[0]), 3.5, 3, 11047, "", 1e-15},
         {ZORVS_CALL(b[1]), 0, -1},
         {ZORVS_DO(std::free(b)), any, -1},
+        {ZORVS_CALL((b = zorvs_d_regression(5, 1, x, ye, ZORVS_WEIGHTS, we, 0), r = zorvs_d_regression(4, 1, x + 1, ye + 1, 0),
+                     std::fabs(b[0] - r[0]) + std::fabs(b[1] - r[1]))), 0, 0, 0, "", 2e-13},
+        {ZORVS_DO((std::free(b), std::free(r), we[0] = 1e300)), any, -1},
+        {ZORVS_CALL((b = zorvs_d_regression(5, 1, x, ye, ZORVS_WEIGHTS, we, 0), b[0] + b[1])), 2, 0, 0, "", 1e-12},
+        {ZORVS_DO((std::free(b), log.clear())), any, -1},
+        {ZORVS_CALL((b = zorvs_d_regression(4, 1, lx, ly, ZORVS_FREQUENCIES, lf, ZORVS_ANOVA_TABLE, &aov, 0), aov[1])), 1e8},
+        {ZORVS_CALL(relative(aov[8], large_df_F_p[0]) + relative(aov[9], large_df_F_p[1]) + log.has_code(9057)), 0, -1, 0,
+         "", 2e-9},
+        {ZORVS_DO((std::free(b), std::free(aov))), any, -1},
     });
-}
-
-// The fit by modes: rows added in several calls give the fit of one call,
-// to the bit, with and without weights.
-TYPED_TEST(RegressionTwin, RowsInBlocksGiveTheSameFit) {
-    using T = TypeParam;
-    const LmCase &c = lm_cases[3];  // swiss
-    const int p = c.nv + 1;
-    std::vector<T> x(c.x, c.x + c.n * c.nv), y(c.y, c.y + c.n), w(c.w, c.w + c.n);
-    for (const T *wt : {static_cast<const T *>(nullptr), static_cast<const T *>(w.data())}) {
-        std::vector<T> work[2], coef[2], r[2];
-        zorvs::GivensFit<T> fit[2];
-        for (int k = 0; k < 2; ++k) {
-            work[k].assign(zorvs::GivensFit<T>::work_size(p), T(0));
-            coef[k].assign(p, T(0));
-            r[k].assign(p * p, T(0));
-            fit[k] = zorvs::GivensFit<T>{};
-            fit[k].n_independent = c.nv;
-            fit[k].intercept = 1;
-            fit[k].tolerance = T(1e-5);
-            fit[k].work = work[k].data();
-        }
-        zorvs::r2ivn<T>(0, fit[0], c.n, x.data(), c.nv, y.data(), nullptr, wt, 0, coef[0].data(), r[0].data());
-        zorvs::r2ivn<T>(1, fit[1], 0, nullptr, c.nv, nullptr, nullptr, nullptr, 0, nullptr, nullptr);
-        for (long first : {0L, 10L, 30L}) {
-            const long n = first == 30 ? c.n - 30 : (first == 0 ? 10 : 20);
-            zorvs::r2ivn<T>(2, fit[1], n, x.data() + first * c.nv, c.nv, y.data() + first, nullptr,
-                            wt ? wt + first : nullptr, first, nullptr, nullptr);
-        }
-        zorvs::r2ivn<T>(3, fit[1], 0, nullptr, c.nv, nullptr, nullptr, nullptr, 0, coef[1].data(), r[1].data());
-        EXPECT_EQ(coef[0], coef[1]);
-        EXPECT_EQ(r[0], r[1]);
-        EXPECT_EQ(fit[0].sse, fit[1].sse);
-        EXPECT_EQ(fit[0].df_error, fit[1].df_error);
-        EXPECT_EQ(fit[0].rank, p);
-    }
 }
 
 // The pointer forms give the same numbers as the user forms, the covariance
@@ -372,79 +326,4 @@ TEST(Regression, PointerFormsOfTheOutputs) {
     for (double *p : {aov, cov, mean, res}) std::free(p);
 }
 
-// A failing allocation at each step: the message, and what is delivered.
-TEST(Regression, AllocationFailures) {
-    Quiet q;
-    CodeLog codes;
-    struct Row {
-        int failing, code;
-        bool coefficients;  // the result still comes back
-    } rows[] = {{1, 202, false}, {2, 201, false}, {3, 201, false}, {4, 11039, true},
-                {5, 11040, true}, {6, 11041, true}, {7, 11042, true}};
-    double x[] = {1, 2, 3, 4, 5};
-    double y[] = {1, 3, 2, 5, 4};
-    for (const Row &r : rows) {
-        double *out[4] = {nullptr, nullptr, nullptr, nullptr};
-        zorvs_d_regression_info *info = nullptr;
-        zorvs::allocation_failure_countdown = r.failing;
-        double *b = zorvs_d_regression(5, 1, x, y, ZORVS_COEF_COVARIANCES, &out[0], ZORVS_ANOVA_TABLE, &out[1],
-                                       ZORVS_X_MEAN, &out[2], ZORVS_RESIDUAL, &out[3], ZORVS_REGRESSION_INFO, &info, 0);
-        zorvs::allocation_failure_countdown = 0;
-        EXPECT_TRUE(codes.has(5, r.code)) << r.failing;
-        EXPECT_EQ(b != nullptr, r.coefficients) << r.failing;
-        EXPECT_EQ(info != nullptr, r.coefficients) << r.failing;
-        // The other outputs stand; the failed one is not written.
-        for (int k = 0; k < 4; ++k) EXPECT_EQ(out[k] != nullptr, r.coefficients && k != r.failing - 4) << r.failing;
-        for (double *p : out) std::free(p);
-        std::free(info);
-        std::free(b);
-        codes.clear();
-    }
-}
-
-// Subnormal and huge weights: the fit stays finite and equals the fit
-// without the subnormal row, or with the huge one counted alone.
-TEST(Regression, ExtremeWeights) {
-    double x[] = {1, 2, 3, 4, 5};
-    double y[] = {2, 3, 7, 8, 9};
-    double w[] = {4e-320, 1, 1, 1, 1};
-    double *b = zorvs_d_regression(5, 1, x, y, ZORVS_WEIGHTS, w, 0);
-    double *c = zorvs_d_regression(4, 1, x + 1, y + 1, 0);
-    ASSERT_TRUE(b && c);
-    EXPECT_NEAR(b[0], c[0], 1e-13);
-    EXPECT_NEAR(b[1], c[1], 1e-13);
-    w[0] = 1e300;
-    std::free(b);
-    b = zorvs_d_regression(5, 1, x, y, ZORVS_WEIGHTS, w, 0);
-    ASSERT_NE(b, nullptr);
-    EXPECT_NEAR(b[0] + b[1] * x[0], y[0], 1e-12);  // the line goes through the heavy point
-    std::free(b);
-    std::free(c);
-}
-
 }  // namespace
-
-// The F test of a fit with 10^8 degrees of freedom for error (by
-// frequencies) has its p-value: the exact F ratio and its upper tail from
-// make_regression_exact.py.
-TEST(RegressionLargeDf, FTestHasItsPValue) {
-    Quiet quiet;
-    CodeLog codes;
-    double x[4], y[4], freq[4];
-    for (int i = 0; i < 4; ++i) {
-        x[i] = large_df_rows[3 * i];
-        y[i] = large_df_rows[3 * i + 1];
-        freq[i] = large_df_rows[3 * i + 2];
-    }
-    double *table = nullptr;
-    double *coef = zorvs_d_regression(4, 1, x, y, ZORVS_FREQUENCIES, freq, ZORVS_ANOVA_TABLE, &table, 0);
-    ASSERT_NE(coef, nullptr);
-    ASSERT_NE(table, nullptr);
-    EXPECT_EQ(table[1], 1e8);
-    EXPECT_LE(relative(table[8], large_df_F_p[0]), 1e-9);  // the sums of squares of 10^8 rows
-    // The p-value's condition in F is about 0.6, so it follows F's error.
-    EXPECT_LE(relative(table[9], large_df_F_p[1]), 1e-9);
-    EXPECT_FALSE(codes.has_code(9057));
-    std::free(coef);
-    std::free(table);
-}

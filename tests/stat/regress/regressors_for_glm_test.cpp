@@ -71,90 +71,65 @@ TYPED_TEST(GlmTwin, AgreesWithModelMatrix) {
     }
 }
 
-// Two class columns of 3 and 2 levels (values unsorted, so levels come from
-// the sorted order) and the effect (a, b): b varies fastest.
-TYPED_TEST(GlmTwin, BlockOrderAndSchemesByHand) {
+// Cases counted by hand, as rows: the call (writing into cells prefilled
+// with -99), the count, and the cells (NaN a NaN).  The class values are
+// unsorted, so levels come from the sorted order; in an effect (a, b), b
+// varies fastest.
+TYPED_TEST(GlmTwin, CasesByHand) {
     using T = TypeParam;
-    T x[] = {7, 1,   //
-             -2, 5,  //
-             3, 1,   //
-             7, 5};
-    int effect_size[] = {2};
-    int effect[] = {0, 1};
-    struct Row {
-        int scheme, n;
-        std::vector<T> want;  // four rows
-    } rows[] = {
-        // levels of a: -2, 3, 7; of b: 1, 5.
-        {1, 6, {0, 0, 0, 0, 1, 0, /**/ 0, 1, 0, 0, 0, 0, /**/ 0, 0, 1, 0, 0, 0, /**/ 0, 0, 0, 0, 0, 1}},
-        {2, 2, {0, 0, /**/ 0, 0, /**/ 0, 1, /**/ 0, 0}},
-        {3, 2, {-1, -1, /**/ -1, 0, /**/ 0, 1, /**/ 1, 1}},
+    const T nan = std::numeric_limits<T>::quiet_NaN(), _ = -99;
+    T ab[] = {7, 1, -2, 5, 3, 1, 7, 5}, az[] = {1, 2, nan, 3, 2, nan, 3, 4}, cont[] = {1, 2, 9, 3, 4, 9, 5, 6, 9};
+    T one_level[] = {4, 4, 4}, classes[] = {1, 2, 3, 2};
+    int pair_size[] = {2}, pair[] = {0, 1}, twice[] = {0, 0};
+    auto effect = [&](int scheme) {
+        return [&, scheme](T *got) {
+            return glm<T>(4, ab, 2, 0, ZORVS_INDICES_EFFECTS, 1, pair_size, pair, ZORVS_DUMMY, scheme,
+                          ZORVS_REGRESSORS_USER, got, 0);
+        };
     };
-    for (const Row &r : rows) {
-        std::vector<T> got(4 * r.n, T(-99));
-        EXPECT_EQ(glm<T>(4, x, 2, 0, ZORVS_INDICES_EFFECTS, 1, effect_size, effect, ZORVS_DUMMY, r.scheme,
-                         ZORVS_REGRESSORS_USER, got.data(), 0),
-                  r.n);
-        for (int i = 0; i < 4 * r.n; ++i) EXPECT_EQ(got[i], r.want[i]) << "scheme " << r.scheme << " cell " << i;
+    auto level = [&](int scheme) { return [&, scheme](T *) { return glm<T>(3, one_level, 1, 0, ZORVS_DUMMY, scheme, 0); }; };
+    const struct {
+        const char *what;
+        std::function<int(T *)> call;
+        int count;
+        std::vector<T> cells;
+    } rows[] = {
+        // levels of a: -2, 3, 7; of b: 1, 5
+        {"all levels", effect(1), 6, {0, 0, 0, 0, 1, 0, 0, 1, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0, 0, 1}},
+        {"leave out last", effect(2), 2, {0, 0, 0, 0, 0, 1, 0, 0}},
+        {"sum to zero", effect(3), 2, {-1, -1, -1, 0, 0, 1, 1, 1}},
+        // class a, continuous z, order 2: a (3), z, z*z, a*z (3); a missing
+        // value spoils only the blocks it enters
+        {"missing values", [&](T *got) { return glm<T>(4, az, 1, 1, ZORVS_MODEL_ORDER, 2, ZORVS_REGRESSORS_USER, got, 0); },
+         8, {1, 0, 0, 2, 4, 2, 0, 0, nan, nan, nan, 3, 9, nan, nan, nan,
+             0, 1, 0, nan, nan, nan, nan, nan, 0, 0, 1, 4, 16, 0, 0, 4}},
+        // only continuous columns: the caller's cells beyond them stay; an
+        // allocated matrix of a wider stride holds NaN there
+        {"continuous, user stride", [&](T *got) {
+             return glm<T>(3, cont, 0, 2, ZORVS_X_COL_DIM, 3, ZORVS_REGRESSORS_USER, got, ZORVS_REGRESSORS_COL_DIM, 3, 0);
+         }, 2, {1, 2, _, 3, 4, _, 5, 6, _}},
+        {"continuous, allocated stride", [&](T *got) {
+             T *wide = nullptr;
+             const int n = glm<T>(3, cont, 0, 2, ZORVS_X_COL_DIM, 3, ZORVS_REGRESSORS, &wide, ZORVS_REGRESSORS_COL_DIM, 4, 0);
+             std::copy(wide, wide + 12, got);
+             return std::free(wide), n;
+         }, 2, {1, 2, nan, nan, 3, 4, nan, nan, 5, 6, nan, nan}},
+        {"one level, all levels", level(1), 1, {}},
+        {"one level, leave out last", level(2), 0, {}},
+        {"one level, sum to zero", level(3), 0, {}},
+        {"order 2, one class column", [&](T *) { return glm<T>(4, classes, 1, 0, ZORVS_MODEL_ORDER, 2, 0); }, 3, {}},
+        // a column twice in an effect: the class Kronecker square
+        {"class squared", [&](T *got) {
+             return glm<T>(4, classes, 1, 0, ZORVS_INDICES_EFFECTS, 1, pair_size, twice, ZORVS_REGRESSORS_USER, got, 0);
+         }, 9, {1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0}},
+    };
+    for (const auto &r : rows) {
+        std::vector<T> got(64, _);
+        EXPECT_EQ(r.call(got.data()), r.count) << r.what;
+        for (std::size_t i = 0; i < r.cells.size(); ++i)
+            EXPECT_TRUE(zorvs_test::agrees(got[i], r.cells[i])) << r.what << ", cell " << i << ": " << got[i];
     }
-}
-
-TYPED_TEST(GlmTwin, MissingValuesSpoilOnlyTheirBlocks) {
-    using T = TypeParam;
-    const T nan = std::numeric_limits<T>::quiet_NaN();
-    // Class a, continuous z; order 2 under scheme 1: a (3), z, z*z, a*z (3).
-    T x[] = {1, 2,    //
-             nan, 3,  //
-             2, nan,  //
-             3, 4};
-    T got[4 * 8];
-    ASSERT_EQ(glm<T>(4, x, 1, 1, ZORVS_MODEL_ORDER, 2, ZORVS_REGRESSORS_USER, got, 0), 8);
-    const T want[4][8] = {{1, 0, 0, 2, 4, 2, 0, 0},
-                          {nan, nan, nan, 3, 9, nan, nan, nan},
-                          {0, 1, 0, nan, nan, 0, nan, 0},  // placeholders; NaN cells checked below
-                          {0, 0, 1, 4, 16, 0, 0, 4}};
-    for (int i : {0, 1, 3})
-        for (int j = 0; j < 8; ++j) {
-            if (std::isnan(want[i][j]))
-                EXPECT_TRUE(std::isnan(got[i * 8 + j])) << i << "," << j;
-            else
-                EXPECT_EQ(got[i * 8 + j], want[i][j]) << i << "," << j;
-        }
-    // Row 2: a is known, z is not: the a block stands, the rest is NaN.
-    for (int j = 0; j < 3; ++j) EXPECT_EQ(got[16 + j], want[2][j]);
-    for (int j = 3; j < 8; ++j) EXPECT_TRUE(std::isnan(got[16 + j])) << j;
-}
-
-TYPED_TEST(GlmTwin, EdgeCases) {
-    using T = TypeParam;
-    // Only continuous columns, order 1: the columns themselves, and the
-    // caller's cells beyond them in a wider row stay.
-    T x[] = {1, 2, 9, 3, 4, 9, 5, 6, 9};
-    T got[] = {-1, -1, -7, -1, -1, -7, -1, -1, -7};
-    EXPECT_EQ(glm<T>(3, x, 0, 2, ZORVS_X_COL_DIM, 3, ZORVS_REGRESSORS_USER, got, ZORVS_REGRESSORS_COL_DIM, 3, 0),
-              2);
-    const T want[] = {1, 2, -7, 3, 4, -7, 5, 6, -7};
-    for (int i = 0; i < 9; ++i) EXPECT_EQ(got[i], want[i]) << i;
-    // An allocated matrix with a wider stride holds NaN beyond the regressors.
-    T *wide = nullptr;
-    EXPECT_EQ(glm<T>(3, x, 0, 2, ZORVS_X_COL_DIM, 3, ZORVS_REGRESSORS, &wide, ZORVS_REGRESSORS_COL_DIM, 4, 0), 2);
-    ASSERT_NE(wide, nullptr);
-    EXPECT_EQ(wide[4], 3);
-    EXPECT_TRUE(std::isnan(wide[3]));
-    std::free(wide);
-    // One class value under schemes 2 and 3: no regressor; under 1: one.
-    T one_level[] = {4, 4, 4};
-    for (int scheme : {1, 2, 3})
-        EXPECT_EQ(glm<T>(3, one_level, 1, 0, ZORVS_DUMMY, scheme, 0), scheme == 1 ? 1 : 0) << scheme;
-    // Order 2 with one class column and nothing else: its main effect only.
-    T classes[] = {1, 2, 3, 2};
-    EXPECT_EQ(glm<T>(4, classes, 1, 0, ZORVS_MODEL_ORDER, 2, 0), 3);
-    // A column may stand twice in an effect: the class Kronecker square.
-    int sizes[] = {2};
-    int twice[] = {0, 0};
-    T sq[4 * 9];
-    ASSERT_EQ(glm<T>(4, classes, 1, 0, ZORVS_INDICES_EFFECTS, 1, sizes, twice, ZORVS_REGRESSORS_USER, sq, 0), 9);
-    EXPECT_EQ(sq[9 + 4], 1);  // level 2 with itself
+    EXPECT_EQ(one_level[2] + classes[3] + cont[8], 15);  // the data are not written
 }
 
 // Refused: a count of 0, x as it was, the caller's pointer not written.
@@ -184,39 +159,6 @@ TEST(Glm, RefusalsLeaveXAndTheCallersPointer) {
                                                        0))), 1, 5, 601},
         {ZORVS_CALL(refused(zorvs_d_regressors_for_glm(3, x, 1, 1, 99, 0))), 1, 5, 11001},
     });
-}
-
-// Each allocation in turn fails: the call either ends with an out-of-memory
-// message, a count of 0 and the caller's pointer untouched, or (where the
-// transposition falls back to its cycle method) gives the full result; x
-// comes back as it was either way.
-TEST(Glm, EveryFailingAllocationIsCleanedUp) {
-    Quiet q;
-    CodeLog codes;
-    std::vector<double> x(glm_x, glm_x + 4 * n_cars);
-    const std::vector<double> before = x;
-    int refused = 0;
-    for (int failing = 1; failing <= 12; ++failing) {
-        double *reg = nullptr;
-        zorvs::allocation_failure_countdown = failing;
-        const int n = zorvs_d_regressors_for_glm(n_cars, x.data(), 2, 2, ZORVS_X_CLASS_COLUMNS, class_columns,
-                                                 ZORVS_MODEL_ORDER, 2, ZORVS_REGRESSORS, &reg, 0);
-        zorvs::allocation_failure_countdown = 0;
-        const bool out_of_memory = codes.has(5, 200) || codes.has(5, 202);
-        refused += out_of_memory;
-        if (out_of_memory) {
-            EXPECT_EQ(n, 0) << failing;
-            EXPECT_EQ(reg, nullptr) << failing;
-        } else {
-            EXPECT_EQ(n, glm_o2_s1_ncol) << failing;
-            ASSERT_NE(reg, nullptr) << failing;
-            EXPECT_EQ(reg[n_cars * n - 1], glm_o2_s1[n_cars * n - 1]) << failing;
-        }
-        EXPECT_EQ(x, before) << failing;
-        std::free(reg);
-        codes.clear();
-    }
-    EXPECT_GE(refused, 5);
 }
 
 }  // namespace

@@ -3,27 +3,14 @@
 #ifndef ZORVS_TEST_REGRESS_TWINS_HPP
 #define ZORVS_TEST_REGRESS_TWINS_HPP
 
-#include <type_traits>
-
-#include "zorvstat.h"
+#include "support/tables.hpp"
 
 namespace zorvs_test {
 
-template <class T, class... Args>
-int glm(int n, T *x, int n_class, int n_cont, Args... args) {
-    if constexpr (std::is_same_v<T, float>)
-        return zorvs_f_regressors_for_glm(n, x, n_class, n_cont, args...);
-    else
-        return zorvs_d_regressors_for_glm(n, x, n_class, n_cont, args...);
-}
-
-template <class T, class... Args>
-T *fit(int n, int nv, T *x, T *y, Args... args) {
-    if constexpr (std::is_same_v<T, float>)
-        return zorvs_f_regression(n, nv, x, y, args...);
-    else
-        return zorvs_d_regression(n, nv, x, y, args...);
-}
+ZORVS_TWIN_WRAPPER(glm, regressors_for_glm)
+ZORVS_TWIN_WRAPPER(fit, regression)
+ZORVS_TWIN_WRAPPER(summary, regression_summary)
+ZORVS_TWIN_WRAPPER(predict, regression_prediction)
 
 // One fit of make_regression_lm.R's table: the data (row-major x, y, the
 // weights), R's coefficients, analysis of variance table and covariances.
@@ -36,22 +23,6 @@ struct LmCase {
 
 template <class T>
 using Info = std::conditional_t<std::is_same_v<T, float>, zorvs_f_regression_info, zorvs_d_regression_info>;
-
-template <class T, class I, class... Args>
-void summary(I *info, Args... args) {
-    if constexpr (std::is_same_v<T, float>)
-        zorvs_f_regression_summary(info, args...);
-    else
-        zorvs_d_regression_summary(info, args...);
-}
-
-template <class T, class I, class... Args>
-T *predict(I *info, int n, T *x, Args... args) {
-    if constexpr (std::is_same_v<T, float>)
-        return zorvs_f_regression_prediction(info, n, x, args...);
-    else
-        return zorvs_d_regression_prediction(info, n, x, args...);
-}
 
 }  // namespace zorvs_test
 

@@ -1,0 +1,18 @@
+# check_manual.cmake - list the dynamic symbols that LIBRARY defines and let
+# zorvs_make_doc check the manual of ROOT against them.
+execute_process(COMMAND ${NM} -D --defined-only ${LIBRARY} RESULT_VARIABLE rc OUTPUT_VARIABLE table)
+if(NOT rc EQUAL 0)
+  message(FATAL_ERROR "${NM} failed on ${LIBRARY}")
+endif()
+string(REGEX MATCHALL "[^\n]+" rows "${table}")
+set(names "")
+foreach(row ${rows})
+  if(row MATCHES " [TDBRVW] (zorvs_[A-Za-z0-9_]+)$")
+    string(APPEND names "${CMAKE_MATCH_1}\n")
+  endif()
+endforeach()
+file(WRITE ${SYMBOLS} "${names}")
+execute_process(COMMAND ${TOOL} check ${ROOT} ${SYMBOLS} RESULT_VARIABLE rc)
+if(NOT rc EQUAL 0)
+  message(FATAL_ERROR "the manual is incomplete")
+endif()
