@@ -21,7 +21,7 @@
 #include "zorvstat.h"
 
 extern "C" {
-ZORVS_THREAD_LOCAL struct zorvs_error_param_t zorvs_error_param;
+ZORVS_THREAD_LOCAL struct zorvs_error_param_t zorvs_error_param = {};  // {}: a constant initialiser for clang too
 ZORVS_THREAD_LOCAL int zorvs_error_n1rty[2];
 }
 

@@ -73,7 +73,7 @@ void one(zorvs_fuzz::Input &in) {
         case 1: {
             auto &l = b.from(simple_menu, 4);
             T *t = call(twin<T>(zorvs_f_simple_statistics, zorvs_d_simple_statistics), l, n, nv, s.data);
-            if (t && !zorvs_fuzz::has(l, ZORVS_STAT_COL_DIM) && !zorvs_fuzz::has(l, ZORVS_RETURN_USER))
+            if (t && !zorvs_fuzz::failed() && !zorvs_fuzz::has(l, ZORVS_STAT_COL_DIM) && !zorvs_fuzz::has(l, ZORVS_RETURN_USER))
                 for (int j = 0; j < nv; ++j) {
                     require(!(t[nv + j] < 0), "simple_statistics", "negative variance", t[nv + j]);
                     require(!(t[2 * nv + j] < 0), "simple_statistics", "negative standard deviation", t[2 * nv + j]);
@@ -85,7 +85,7 @@ void one(zorvs_fuzz::Input &in) {
             auto &l = b.from(one_sample_menu, 4);
             T *r = call(twin<T>(zorvs_f_normal_one_sample, zorvs_d_normal_one_sample), l, n, s.data);
             zorvs_fuzz::result_or_failure(r, "normal_one_sample");
-            if (r) {
+            if (r && !zorvs_fuzz::failed()) {
                 require(!(r[2] < 0), "normal_one_sample", "negative variance", r[2]);
                 for (int k : {10, 11, 12, 14, 15, 16}) probability(r[k], "normal_one_sample", !finite);
             }
@@ -97,7 +97,7 @@ void one(zorvs_fuzz::Input &in) {
             auto &l = b.from(two_sample_menu, 4);
             T *r = call(twin<T>(zorvs_f_normal_two_sample, zorvs_d_normal_two_sample), l, n, s.data, n2, s.data + 2000);
             zorvs_fuzz::result_or_failure(r, "normal_two_sample");
-            if (r) {
+            if (r && !zorvs_fuzz::failed()) {
                 for (int k : {4, 5, 7}) require(!(r[k] < 0), "normal_two_sample", "negative variance", r[k]);
                 for (int k : {12, 13, 14, 19, 20, 21, 27, 28, 29}) probability(r[k], "normal_two_sample", !finite);
             }
@@ -107,7 +107,7 @@ void one(zorvs_fuzz::Input &in) {
         case 4: {
             auto &l = b.from(covariances_menu, 5);
             T *r = call(twin<T>(zorvs_f_covariances, zorvs_d_covariances), l, n, nv, s.data);
-            const bool plain = !zorvs_fuzz::has(l, ZORVS_COV_COL_DIM) && !zorvs_fuzz::has(l, ZORVS_RETURN_USER);
+            const bool plain = !zorvs_fuzz::failed() && !zorvs_fuzz::has(l, ZORVS_COV_COL_DIM) && !zorvs_fuzz::has(l, ZORVS_RETURN_USER);
             if (r && plain && zorvs_fuzz::has(l, ZORVS_CORRELATION_MATRIX))
                 for (int j = 0; j < nv * nv; ++j)
                     require(!(std::fabs(r[j]) > 1), "covariances", "correlation outside [-1, 1]", r[j]);
@@ -122,7 +122,7 @@ void one(zorvs_fuzz::Input &in) {
             const bool plain_ranks = !zorvs_fuzz::has(l, ZORVS_BLOM_SCORES) && !zorvs_fuzz::has(l, ZORVS_TUKEY_SCORES) &&
                                      !zorvs_fuzz::has(l, ZORVS_VAN_DER_WAERDEN_SCORES) &&
                                      !zorvs_fuzz::has(l, ZORVS_SAVAGE_SCORES);
-            for (int j = 0; r && plain_ranks && j < n; ++j)
+            for (int j = 0; r && plain_ranks && !zorvs_fuzz::failed() && j < n; ++j)
                 require(std::isnan(r[j]) || (r[j] >= 1 && r[j] <= n), "ranks", "rank outside 1..n", r[j]);
             s.free_result(r);
             break;

@@ -79,6 +79,10 @@ inline void probability(double p, const char *routine, bool nan_argument = false
     if (std::isnan(p) && (nan_argument || zorvs_error_type() >= 3)) return;
     finding(routine, "probability outside [0, 1]", p);
 }
+// A call that failed (a type above 3 other than 6): its results, the
+// caller's storage included, hold nothing to check.
+inline bool failed() { return zorvs_error_type() > 3 && zorvs_error_type() != 6; }
+
 // A result array: null only with a message of type 4 or above.
 inline void result_or_failure(const void *r, const char *routine) {
     if (!r && zorvs_error_type() < 4) finding(routine, "no result and no failure", 0);

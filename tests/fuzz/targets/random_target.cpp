@@ -12,7 +12,7 @@ zorvs_fuzz::Store<T> store;
 template <class T, class V, class P>
 void deviates(V *r, int n, P in_support, const char *name) {
     if (n > 0) zorvs_fuzz::result_or_failure(r, name);
-    for (int i = 0; r && i < n; ++i)
+    for (int i = 0; r && !zorvs_fuzz::failed() && i < n; ++i)
         if (!in_support(r[i])) zorvs_fuzz::require(false, name, "deviate outside its support", double(r[i]));
 }
 

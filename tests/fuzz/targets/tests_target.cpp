@@ -83,11 +83,11 @@ void one(zorvs_fuzz::Input &in) {
             break;
         }
         case 1: {
-            const int groups = in.count(30), df = in.any_int();
+            const int groups = in.count(12), df = in.any_int();  // 30 groups take seconds
             const T se = T(in.real());
             auto &l = b.from(snk_menu, 2);
             int *r = call(twin<T>(zorvs_f_multiple_comparisons, zorvs_d_multiple_comparisons), l, groups, s.data, df, se);
-            for (int i = 0; r && i < groups - 1; ++i)
+            for (int i = 0; r && !zorvs_fuzz::failed() && i < groups - 1; ++i)
                 require(r[i] >= 0 && r[i] <= groups - i, "multiple_comparisons", "more means alike than left", r[i]);
             s.free_result(r);
             break;
