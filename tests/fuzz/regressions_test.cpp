@@ -160,6 +160,13 @@ const std::vector<Row> rows = {
          for (double x : {1e16 + 1e9, 1e16 - 4e9}) ok = ok && zorvs_d_gamma_cdf(x, 1e16) == reference("d_gamma_cdf", x, 1e16);
          return ok;
      }},
+    // 7. Off-diagonal pairs of a square table beyond the int range were
+    // handed to the binomial as a negative number of trials.
+    {"contingency_table, pairs of 6e9", 0, 0, [] {
+         double table[4] = {1, 3e9, 3.0001e9, 1}, s[23 * 5];
+         zorvs_d_contingency_table(2, 2, table, ZORVS_STATISTICS_USER, s, 0);
+         return zorvs_test::relative_error(s[22 * 5 + 3], 2 * reference("d_binomial_cdf", 3e9, 6.0001e9, 0.5)) < 1e-10;
+     }},
 };
 
 TEST(FuzzRegressions, EachFindingStaysFixed) {

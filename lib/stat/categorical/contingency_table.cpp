@@ -68,6 +68,7 @@
 //   binomial distribution function F at a (nearest integer) is at most 0.5,
 //   else 2 (1 - F(a)); with fractional counts the nearest integers of a and
 //   n round halves away from zero.
+#include <climits>
 #include <cmath>
 #include <cstdarg>
 #include <type_traits>
@@ -596,7 +597,11 @@ void l_count_measures(const Cells<T> &t, const T *row, const T *col, T n, T *ran
     const long k = std::lround(above), total = std::lround(pairs);
     T exact = 0;
     if (total >= 1) {
-        const T f = zorvs::dist::binomial_cdf(static_cast<int>(k), static_cast<int>(total), T(0.5));
+        // Beyond the int range of the binomial's number of trials, the same
+        // distribution function in its incomplete beta form, I_1/2(n - k, k + 1).
+        const T f = total <= INT_MAX ? zorvs::dist::binomial_cdf(static_cast<int>(k), static_cast<int>(total), T(0.5))
+                    : k >= total     ? T(1)
+                                     : zorvs::dist::beta_cdf(T(0.5), static_cast<T>(total - k), static_cast<T>(k + 1));
         exact = f > T(0.5) ? T(2) * (T(1) - f) : T(2) * f;
     }
     cell(22, 3) = exact;

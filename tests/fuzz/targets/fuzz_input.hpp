@@ -320,4 +320,17 @@ R call(R (*f)(A..., ...), const List &l, std::type_identity_t<A>... a) {
 
 }  // namespace zorvs_fuzz
 
+// The entry point of a target whose one<T>(Input &) fuzzes one twin: the
+// first byte chooses float or double.
+#define ZORVS_FUZZ_TWIN_TARGET(one)                                                  \
+    extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) { \
+        zorvs_fuzz::quiet_library();                                                 \
+        zorvs_fuzz::Input in(data, size);                                            \
+        if (in.byte() & 1)                                                           \
+            one<float>(in);                                                          \
+        else                                                                         \
+            one<double>(in);                                                         \
+        return 0;                                                                    \
+    }
+
 #endif  // ZORVS_FUZZ_INPUT_HPP

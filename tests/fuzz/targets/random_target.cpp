@@ -69,10 +69,4 @@ void one(zorvs_fuzz::Input &in) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
-    zorvs_fuzz::quiet_library();
-    zorvs_fuzz::Input in(data, size);
-    if (in.byte() & 1) one<float>(in);
-    else one<double>(in);
-    return 0;
-}
+ZORVS_FUZZ_TWIN_TARGET(one)
