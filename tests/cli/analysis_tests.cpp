@@ -76,8 +76,8 @@ TEST(CliAnalysisCsv, EqualsTheLibraryRoutineBitForBit) {
              Fields f = sample_fields("stackloss.csv");
              std::vector<double> x = rows_of(f, {0, 1, 2}), y = rows_of(f, {3}), anova(15), t(16);
              zorvs_d_regression_info *info = nullptr;
-             zorvs_d_regression(21, 3, x.data(), y.data(), ZORVS_REGRESSION_INFO, &info, ZORVS_ANOVA_TABLE_USER,
-                                anova.data(), 0);
+             std::free(zorvs_d_regression(21, 3, x.data(), y.data(), ZORVS_REGRESSION_INFO, &info, ZORVS_ANOVA_TABLE_USER,
+                                anova.data(), 0));
              zorvs_d_regression_summary(info, ZORVS_COEF_T_TESTS_USER, t.data(), 0);
              std::free(info);
              add_table(c, "Coefficients of stack.loss", {"intercept", "Air.Flow", "Water.Temp", "Acid.Conc."}, est, t.data());
@@ -90,7 +90,7 @@ TEST(CliAnalysisCsv, EqualsTheLibraryRoutineBitForBit) {
              std::vector<double> x, y = rows_of(f, {0}), t(12);
              for (const auto &row : f) x.insert(x.end(), {row[1] == "ctrl" ? 1.0 : 0.0, row[1] == "trt1" ? 1.0 : 0.0});
              zorvs_d_regression_info *info = nullptr;
-             zorvs_d_regression(30, 2, x.data(), y.data(), ZORVS_REGRESSION_INFO, &info, 0);
+             std::free(zorvs_d_regression(30, 2, x.data(), y.data(), ZORVS_REGRESSION_INFO, &info, 0));
              zorvs_d_regression_summary(info, ZORVS_COEF_T_TESTS_USER, t.data(), 0);
              std::free(info);
              add_table(c, "Coefficients of weight", {"intercept", "group=ctrl", "group=trt1"}, est, t.data());
@@ -100,7 +100,7 @@ TEST(CliAnalysisCsv, EqualsTheLibraryRoutineBitForBit) {
              Fields f = sample_fields("stackloss.csv");
              std::vector<double> x = rows_of(f, {0}), w = rows_of(f, {1}), y = rows_of(f, {3}), t(8);
              zorvs_d_regression_info *info = nullptr;
-             zorvs_d_regression(21, 1, x.data(), y.data(), ZORVS_WEIGHTS, w.data(), ZORVS_REGRESSION_INFO, &info, 0);
+             std::free(zorvs_d_regression(21, 1, x.data(), y.data(), ZORVS_WEIGHTS, w.data(), ZORVS_REGRESSION_INFO, &info, 0));
              zorvs_d_regression_summary(info, ZORVS_COEF_T_TESTS_USER, t.data(), 0);
              std::free(info);
              add_table(c, "Coefficients of stack.loss", {"intercept", "Air.Flow"}, est, t.data());
@@ -118,7 +118,7 @@ TEST(CliAnalysisCsv, EqualsTheLibraryRoutineBitForBit) {
              Fields f = sample_fields("cars.csv");
              std::vector<double> x = rows_of(f, {0}), y = rows_of(f, {1}), w(50, 1.0), v(50 * 12);
              zorvs_d_regression_info *info = nullptr;
-             zorvs_d_regression(50, 1, x.data(), y.data(), ZORVS_REGRESSION_INFO, &info, 0);
+             std::free(zorvs_d_regression(50, 1, x.data(), y.data(), ZORVS_REGRESSION_INFO, &info, 0));
              double *p = v.data();
              zorvs_d_regression_prediction(info, 50, x.data(), ZORVS_Y, y.data(), ZORVS_WEIGHTS, w.data(),
                                            ZORVS_CI_POP_MEAN_USER, p + 50, p + 100, ZORVS_CI_NEW_SAMPLE_USER, p + 150,
@@ -210,7 +210,7 @@ TEST(CliAnalysisCsv, EqualsTheLibraryRoutineBitForBit) {
              zorvs_d_wilcoxon_rank_sum(30, len.data(), 30, len.data() + 30, ZORVS_STAT_USER, s.data(), 0);
              add_table(c, "Wilcoxon rank-sum test of len: VC against OJ",
                        {"W (ties low)", "P (ties low)", "W (midranks)", "z", "two-sided p"}, {"value"},
-                       pick(s, 1, {0, 2, 6, 8, 9}).data());
+                       pick(s, 10, {0, 2, 6, 8, 9}).data());
          }},
         {"normality --lilliefors",
          [&](Cells &c) {
