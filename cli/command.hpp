@@ -71,7 +71,7 @@ const Entry &choose(const Entry (&table)[N], const std::string &given, const std
 // ---------------------------------------------------------------- options
 // One option of a command, beyond the common ones.  Written `--name VALUE`,
 // `--name=VALUE`, or `--name` for a flag.
-struct OptionSpec {
+struct OptionForm {
     std::string name;        // without the dashes: "alpha"
     std::string value_name;  // "" for a flag, else how the help names its value: "P"
     std::string help;        // one line
@@ -281,7 +281,7 @@ struct Command {
     const char *operands;      // the operands in the usage line: "[COLUMN...]"
     const char *description;   // a few lines for `zorvstat NAME --help`
     const char *sample;        // the sample file in the data folder; null: reads no data
-    std::vector<OptionSpec> options;
+    std::vector<OptionForm> options;
     int (*run)(Context &);
 };
 

@@ -31,8 +31,8 @@ const char *const status_table =
     "  74  the output cannot be written\n"
     "On any status but 0 nothing is written to standard output.\n";
 
-const std::vector<OptionSpec> &common_options(bool reads_data) {
-    static const std::vector<OptionSpec> data_options = {
+const std::vector<OptionForm> &common_options(bool reads_data) {
+    static const std::vector<OptionForm> data_options = {
         {"file", "FILE", "the data: CSV or TSV with a header; '-' reads standard input"},
         {"sample", "", "use the command's sample data set (all words are then operands)"},
         {"sep", "C", "field separator: one character, or 'tab' (default ',', tab for .tsv/.tab)"},
@@ -44,7 +44,7 @@ const std::vector<OptionSpec> &common_options(bool reads_data) {
         {"title", "T", "title of the first table"},
         {"help", "", "this help"},
     };
-    static const std::vector<OptionSpec> plain_options = {
+    static const std::vector<OptionForm> plain_options = {
         {"format", "F", "text (default), csv (table,row,column,value; %.17g) or json"},
         {"title", "T", "title of the first table"},
         {"help", "", "this help"},
@@ -52,8 +52,8 @@ const std::vector<OptionSpec> &common_options(bool reads_data) {
     return reads_data ? data_options : plain_options;
 }
 
-void print_options(FILE *f, const std::vector<OptionSpec> &options) {
-    for (const OptionSpec &o : options) {
+void print_options(FILE *f, const std::vector<OptionForm> &options) {
+    for (const OptionForm &o : options) {
         std::string head = "  --" + o.name + (o.value_name.empty() ? "" : " " + o.value_name);
         std::fprintf(f, "%-22s %s\n", head.c_str(), o.help.c_str());
     }
@@ -90,8 +90,8 @@ bool looks_numeric(const char *s) {
     return end != s && *end == '\0';
 }
 
-const OptionSpec *find_option(const std::vector<OptionSpec> &options, std::string_view name) {
-    for (const OptionSpec &o : options)
+const OptionForm *find_option(const std::vector<OptionForm> &options, std::string_view name) {
+    for (const OptionForm &o : options)
         if (o.name == name) return &o;
     return nullptr;
 }
@@ -122,14 +122,14 @@ bool parse(Context &ctx, int argc, char **argv) {
             name.resize(eq);
             has_value = true;
         }
-        const OptionSpec *spec = find_option(c.options, name);
-        if (!spec) spec = find_option(common_options(reads_data), name);
-        if (!spec) usage_error("unknown option '--" + name + "' (see 'zorvstat " + c.name + " --help')");
+        const OptionForm *option = find_option(c.options, name);
+        if (!option) option = find_option(common_options(reads_data), name);
+        if (!option) usage_error("unknown option '--" + name + "' (see 'zorvstat " + c.name + " --help')");
         if (name == "help") return false;
-        if (spec->value_name.empty()) {
+        if (option->value_name.empty()) {
             if (has_value) usage_error("option '--" + name + "' takes no value");
         } else if (!has_value) {
-            if (i + 1 >= argc) usage_error("option '--" + name + "' needs a value " + spec->value_name);
+            if (i + 1 >= argc) usage_error("option '--" + name + "' needs a value " + option->value_name);
             value = argv[++i];
         }
         ctx.args.options_[name] = value;

@@ -266,7 +266,7 @@ Design regression_design(const Context &ctx, const Data *extra) {
     return d;
 }
 
-std::vector<OptionSpec> design_options() {
+std::vector<OptionForm> design_options() {
     return {
         {"class", "COLS", "regressors that are class variables, comma-separated"},
         {"dummy", "SCHEME", "dummies of a class: all, leave-last (default with intercept), sum-zero"},
@@ -345,9 +345,9 @@ void arma_fit(const Context &ctx, bool least_squares, ArmaFit &fit) {
     for (int j = 0; j < fit.q; ++j) fit.labels.push_back("MA(" + std::to_string(fit.ma_lags[static_cast<std::size_t>(j)]) + ")");
 }
 
-std::vector<OptionSpec> arma_options(bool forecast) {
+std::vector<OptionForm> arma_options(bool forecast) {
     const std::string ls = forecast ? "" : " (least squares)";
-    std::vector<OptionSpec> o = {
+    std::vector<OptionForm> o = {
         {"p", "P", "autoregressive order (default 1)"},
         {"q", "Q", "moving-average order (default 1)"},
         {"no-constant", "", "fit no constant" + ls},

@@ -72,7 +72,7 @@ struct Design {
 };
 Design regression_design(const Context &ctx, const Data *extra = nullptr);
 // The options of the model, for the commands' descriptors.
-std::vector<OptionSpec> design_options();
+std::vector<OptionForm> design_options();
 // The fit of the data's rows: coefficients (intercept first), the analysis
 // of variance table (15), residuals (n_rows) and the record, with --freq,
 // --weight and --tolerance.
@@ -102,7 +102,7 @@ struct ArmaFit {
 void arma_fit(const Context &ctx, bool least_squares, ArmaFit &fit);
 // The options of the fit, for the commands' descriptors; `forecast`: least
 // squares always.
-std::vector<OptionSpec> arma_options(bool forecast);
+std::vector<OptionForm> arma_options(bool forecast);
 
 }  // namespace zcli
 

@@ -54,11 +54,11 @@ const Command forecast_command{
     "probability limits and the psi weights of the model.",
     "lakehuron.csv",
     [] {
-        std::vector<OptionSpec> o = {
+        std::vector<OptionForm> o = {
             {"leads", "H", "number of forecasts (default 10)"},
             {"confidence", "P", "confidence level of the limits, per cent (default 95)"},
         };
-        for (OptionSpec &a : arma_options(true)) o.push_back(a);
+        for (OptionForm &a : arma_options(true)) o.push_back(a);
         return o;
     }(),
     run,

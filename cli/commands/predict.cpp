@@ -115,12 +115,12 @@ const Command predict_command{
     "are predicted instead (columns by the regressors' names).",
     "cars.csv",
     [] {
-        std::vector<OptionSpec> o = {
+        std::vector<OptionForm> o = {
             {"new", "FILE", "predict the rows of FILE (CSV or TSV with the regressors' columns)"},
             {"confidence", "P", "confidence level of the limits, per cent (default 95)"},
             {"scheffe", "", "also Scheffe's simultaneous limits for the mean"},
         };
-        for (OptionSpec &d : design_options()) o.push_back(d);
+        for (OptionForm &d : design_options()) o.push_back(d);
         return o;
     }(),
     run,

@@ -68,7 +68,7 @@ const Command regress_command{
     "are left out of the fit.",
     "stackloss.csv",
     [] {
-        std::vector<OptionSpec> o = design_options();
+        std::vector<OptionForm> o = design_options();
         o.push_back({"residuals", "", "also print the residual of each row"});
         return o;
     }(),
