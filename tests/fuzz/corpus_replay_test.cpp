@@ -1,0 +1,54 @@
+// corpus_replay_test.cpp - each committed input of tests/fuzz/corpus/<target>
+// fed to its fuzz target (fuzz/targets/, compiled into this program without
+// libFuzzer), a test a target: the checks of the target hold on every input
+// (a finding aborts the test with its report), and the sanitizer builds see
+// each input's path for reads and writes out of bounds and for leaks.  The
+// inputs hold every finding of the targets and reach the messages and lines
+// that random calls of each routine family reach.
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "fuzz/targets/fuzz_input.hpp"
+#include "support/tables.hpp"
+#undef F
+
+#define X(name) int zorvs_fuzz_##name(const std::uint8_t *data, std::size_t size);
+#define ZORVS_FUZZ_TARGETS X(dist) X(random) X(describe) X(regress) X(tests) X(series) X(multivariate) X(output)
+ZORVS_FUZZ_TARGETS
+#undef X
+
+namespace {
+
+struct Target { const char *name; int (*entry)(const std::uint8_t *, std::size_t); };
+#define X(name) {#name, zorvs_fuzz_##name},
+const Target targets[] = {ZORVS_FUZZ_TARGETS};
+#undef X
+
+class CorpusReplay : public ::testing::TestWithParam<Target> {};
+
+TEST_P(CorpusReplay, EveryInputPassesTheTargetsChecks) {
+    std::vector<std::filesystem::path> inputs;
+    for (const auto &e : std::filesystem::directory_iterator(ZORVS_FUZZ_CORPUS + std::string("/") + GetParam().name))
+        inputs.push_back(e.path());
+    std::sort(inputs.begin(), inputs.end());
+    EXPECT_GT(inputs.size(), 300u);
+    zorvs_test::NoStop no_stop;
+    FILE *null = std::fopen("/dev/null", "w"), *errors = nullptr, *output = nullptr;
+    zorvs_output_file(ZORVS_GET_ERROR_FILE, &errors, ZORVS_GET_OUTPUT_FILE, &output, 0);
+    zorvs_output_file(ZORVS_SET_ERROR_FILE, null, ZORVS_SET_OUTPUT_FILE, null, 0);
+    for (const auto &path : inputs) {
+        std::ifstream file(path, std::ios::binary);
+        const std::string bytes{std::istreambuf_iterator<char>(file), {}}, name = path.filename().string();
+        zorvs_fuzz::input_name = name.c_str();
+        GetParam().entry(reinterpret_cast<const std::uint8_t *>(bytes.data()), bytes.size());
+    }
+    zorvs_output_file(ZORVS_SET_ERROR_FILE, errors, ZORVS_SET_OUTPUT_FILE, output, 0);
+    std::fclose(null);
+    zorvs_random_option(1);  // the generator the library starts with
+}
+
+INSTANTIATE_TEST_SUITE_P(Targets, CorpusReplay, ::testing::ValuesIn(targets),
+                         [](const ::testing::TestParamInfo<Target> &info) { return std::string(info.param.name); });
+
+}  // namespace
