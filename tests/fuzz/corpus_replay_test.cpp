@@ -13,17 +13,17 @@
 #include "support/tables.hpp"
 #undef F
 
-#define X(name) int zorvs_fuzz_##name(const std::uint8_t *data, std::size_t size);
-#define ZORVS_FUZZ_TARGETS X(dist) X(random) X(describe) X(regress) X(tests) X(series) X(multivariate) X(output)
-ZORVS_FUZZ_TARGETS
-#undef X
+// The targets' entry points (ZORVS_FUZZ_TARGET).
+using Entry = int(const std::uint8_t *data, std::size_t size);
+Entry zorvs_fuzz_dist, zorvs_fuzz_random, zorvs_fuzz_describe, zorvs_fuzz_regress, zorvs_fuzz_tests, zorvs_fuzz_series,
+    zorvs_fuzz_multivariate, zorvs_fuzz_output;
 
 namespace {
 
-struct Target { const char *name; int (*entry)(const std::uint8_t *, std::size_t); };
-#define X(name) {#name, zorvs_fuzz_##name},
-const Target targets[] = {ZORVS_FUZZ_TARGETS};
-#undef X
+struct Target { const char *name; Entry *entry; };
+const Target targets[] = {{"dist", zorvs_fuzz_dist}, {"random", zorvs_fuzz_random}, {"describe", zorvs_fuzz_describe},
+                          {"regress", zorvs_fuzz_regress}, {"tests", zorvs_fuzz_tests}, {"series", zorvs_fuzz_series},
+                          {"multivariate", zorvs_fuzz_multivariate}, {"output", zorvs_fuzz_output}};
 
 class CorpusReplay : public ::testing::TestWithParam<Target> {};
 

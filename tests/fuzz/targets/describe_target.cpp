@@ -39,44 +39,37 @@ void one(Input &in, Store<T> &s) {
     switch (in.pick(9)) {
         case 0: {
             const int cells = in.count(30);
-            auto &l = b.from(table_menu, 3);
-            T *t = call(F(table_oneway), l, n, s.data, cells);
+            T *t = call(F(table_oneway), b.from(table_menu, 3), n, s.data, cells);
             double sum = 0;
             for (int j = 0; t && zorvs_error_type() < 3 && j < cells; ++j)
                 require(t[j] >= 0, "table_oneway", "negative count", sum += t[j]);
             if (t && zorvs_error_type() < 3) require(sum <= n, "table_oneway", "more counts than observations", sum);
-            s.free_result(t);
             break;
         }
         case 1: {
             auto &l = b.from(simple_menu, 4);
             T *t = call(F(simple_statistics), l, n, nv, s.data);
             if (!l.has(ZORVS_STAT_COL_DIM) && !l.has(ZORVS_RETURN_USER))  // variances, standard deviations
-                each(t ? t + nv : nullptr, 2 * nv, [](T v) { return !(v < 0); }, "simple_statistics", "negative spread");
-            s.free_result(t);
+                each(t ? t + nv : nullptr, 2 * nv, [](T v) { return !(v < 0); }, "simple_statistics", "spread below 0");
             break;
         }
         case 2: {
-            auto &l = b.from(one_sample_menu, 4);
-            T *r = call(F(normal_one_sample), l, n, s.data);
+            T *r = call(F(normal_one_sample), b.from(one_sample_menu, 4), n, s.data);
             result_or_failure(r, "normal_one_sample");
             if (r && !failed()) {
                 require(!(r[2] < 0), "normal_one_sample", "negative variance", r[2]);
                 for (int k : {10, 11, 12, 14, 15, 16}) probability(r[k], "normal_one_sample", !finite);
             }
-            s.free_result(r);
             break;
         }
         case 3: {
             const int n2 = in.count(120);
-            auto &l = b.from(two_sample_menu, 4);
-            T *r = call(F(normal_two_sample), l, n, s.data, n2, s.data + 2000);
+            T *r = call(F(normal_two_sample), b.from(two_sample_menu, 4), n, s.data, n2, s.data + 2000);
             result_or_failure(r, "normal_two_sample");
             if (r && !failed()) {
                 for (int k : {4, 5, 7}) require(!(r[k] < 0), "normal_two_sample", "negative variance", r[k]);
                 for (int k : {12, 13, 14, 19, 20, 21, 27, 28, 29}) probability(r[k], "normal_two_sample", !finite);
             }
-            s.free_result(r);
             break;
         }
         case 4: {
@@ -88,7 +81,6 @@ void one(Input &in, Store<T> &s) {
             else if (plain && !l.has(ZORVS_POOLED_GROUPS))
                 for (int j = 0; !failed() && j < nv; ++j)
                     require(!(r[j * nv + j] < 0), "covariances", "negative variance", r[j * nv + j]);
-            s.free_result(r);
             break;
         }
         case 5: {
@@ -97,7 +89,6 @@ void one(Input &in, Store<T> &s) {
             if (!l.has(ZORVS_BLOM_SCORES) && !l.has(ZORVS_TUKEY_SCORES) && !l.has(ZORVS_VAN_DER_WAERDEN_SCORES) &&
                 !l.has(ZORVS_SAVAGE_SCORES))
                 each(r, n, [&](T v) { return std::isnan(v) || (v >= 1 && v <= n); }, "ranks", "rank outside 1..n");
-            s.free_result(r);
             break;
         }
         case 6: {
@@ -105,8 +96,8 @@ void one(Input &in, Store<T> &s) {
             const int low = in.one_in(4) ? -1 : 0;  // read first, as clang reads arguments
             in.fill_ints(s.ints, 1600, low, m > 0 ? m - 1 + in.one_in(8) : 1);
             auto &l = b.from(permute_menu, 1);
-            s.free_result(how < 3 ? call(F(permute_vector), l, m, s.data, s.ints, how)
-                                  : call(F(permute_matrix), l, m, nv, s.data, s.ints, how));
+            if (how < 3) call(F(permute_vector), l, m, s.data, s.ints, how);
+            else call(F(permute_matrix), l, m, nv, s.data, s.ints, how);
             break;
         }
         case 7: {
@@ -119,8 +110,7 @@ void one(Input &in, Store<T> &s) {
             const int stride = in.pick(9) - 4;
             int index = -7;
             F(maximum_index)(n, s.data + 1000, stride, &index);
-            require(index == -7 || index == -1 || (index >= 0 && index < n), "maximum_index", "index outside the vector",
-                    index);
+            require(index == -7 || index == -1 || (index >= 0 && index < n), "maximum_index", "index outside", index);
         }
     }
 }

@@ -157,6 +157,10 @@ private:
 
 // Storage the arguments point into, large enough for every array the capped
 // sizes describe (a target never passes a count beyond it).
+// The results of an input's calls (at most a few), freed after it.
+inline const void *results[8];
+inline int n_results = 0;
+
 template <class T>
 struct Store {
     static constexpr int N = 1 << 15;
@@ -172,18 +176,18 @@ struct Store {
         const char *p = static_cast<const char *>(r), *self = reinterpret_cast<const char *>(this);
         return p >= self && p < self + sizeof *this;
     }
-    // A routine's result: freed unless it is caller storage from here.
-    void free_result(const void *r) {
-        if (!holds(r)) std::free(const_cast<void *>(r));
-    }
-    // The blocks handed over through addresses: each the routine's own.
+    // After an input: the blocks handed over through addresses, each the
+    // routine's own, and the results of its calls that are not caller
+    // storage from here, freed.
     void release() {
         for (int i = 0; i < 48; ++i) {
             if (holds(address[i])) finding("an output address", "set to caller storage, slot", i);
             std::free(address[i]);
             address[i] = nullptr;
         }
-        n_address = n_out = n_int_out = n_scalar = 0;
+        for (int i = 0; i < std::min(n_results, 8); ++i)
+            if (!holds(results[i])) std::free(const_cast<void *>(results[i]));
+        n_address = n_out = n_int_out = n_scalar = n_results = 0;
     }
 };
 template <class T>
@@ -265,11 +269,17 @@ private:
 template <class R, class... A, std::size_t... D, std::size_t... W>
 R call_list(R (*f)(A..., ...), const List &l, std::index_sequence<D...>, std::index_sequence<W...>, A... a) {
     zorvs_e1mes(0, 0, nullptr);  // no message on record: the error type is this call's
-    return f(a..., l.reals[D]..., l.words[W]...);
+    if constexpr (std::is_pointer_v<R>) {
+        const R r = f(a..., l.reals[D]..., l.words[W]...);
+        results[n_results++ % 8] = r;
+        return r;
+    } else {
+        return f(a..., l.reals[D]..., l.words[W]...);
+    }
 }
 // f(fixed..., keyword list) with no message on record before: the list's
 // doubles fill the vector registers that the fixed arguments leave, then its
-// ints and pointers follow.
+// ints and pointers follow.  A pointer it returns is freed after the input.
 template <class R, class... A>
 R call(R (*f)(A..., ...), const List &l, std::type_identity_t<A>... a) {
     constexpr int free_vector = 8 - (0 + ... + int(std::is_floating_point_v<A>));

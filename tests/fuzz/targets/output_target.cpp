@@ -14,7 +14,8 @@ const Item write_menu[] = {{ZORVS_A_COL_DIM, "d"}, {ZORVS_WRITE_FORMAT, "f"}, {Z
 
 template <class T>
 void one(Input &in, Store<T> &s) {
-    static const int widths[] = {-1, 0, 1, 10, 20, 40, 78, 132, 255, 256, 1 << 30}, lengths[] = {-1, 0, 1, 10, 60, 1 << 30};
+    static const int widths[] = {-1, 0, 1, 10, 20, 40, 78, 132, 255, 256, 1 << 30};
+    static const int lengths[] = {-1, 0, 1, 10, 60, 1 << 30};
     int width = widths[in.pick(11)], length = lengths[in.pick(6)], value = in.pick(5) - 2;
     zorvs_page(-1, &width);
     zorvs_page(-2, &length);
@@ -23,7 +24,8 @@ void one(Input &in, Store<T> &s) {
     in.fill_ints(s.ints, 1700, -1000000, 1000000);
     const int rows = in.count(40), columns = in.count(40);
     char title[64] = {};
-    for (int i = 0; i < 63; ++i) title[i] = static_cast<char>(in.one_in(4) ? '\n' : in.one_in(8) ? '%' : 'a' + in.pick(26));
+    for (int i = 0; i < 63; ++i)
+        title[i] = static_cast<char>(in.one_in(4) ? '\n' : in.one_in(8) ? '%' : 'a' + in.pick(26));
     title[in.pick(63)] = 0;
     Builder<T> b(in, s);
     switch (in.pick(5)) {

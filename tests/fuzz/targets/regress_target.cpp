@@ -44,9 +44,8 @@ void one(Input &in, Store<T> &s) {
     if (!failed()) result_or_failure(coef, "regression");
     if (!failed() && !info) finding("regression", "no record after a fit without failure", 0);
     if (failed() && info) finding("regression", "a record after a failed fit", zorvs_error_type());
-    s.free_result(coef);
     if (!info) return;
-    require(info->rank >= 0 && info->rank <= info->n_parameters, "regression", "rank outside 0..parameters", info->rank);
+    require(info->rank >= 0 && info->rank <= info->n_parameters, "regression", "rank outside 0..p", info->rank);
     Builder<T> sb(in, s);
     sb.add({ZORVS_COEF_T_TESTS, "a"});
     const int first = s.n_address - 1;
@@ -65,7 +64,6 @@ void one(Input &in, Store<T> &s) {
     const T *h = static_cast<T *>(s.address[lev]);
     for (int j = 0; h && !pl.has(ZORVS_X_COL_DIM) && j < n_predict; ++j)
         require(!(h[j] < 0), "regression_prediction", "negative leverage", h[j]);
-    s.free_result(pred);
 }
 
 }  // namespace zorvs_fuzz::regress

@@ -28,7 +28,7 @@ void one(Input &in, Store<T> &s) {
     Builder<T> b(in, s);
     if (in.one_in(4)) {
         auto &l = b.from(difference_menu, 3);
-        return s.free_result(call(F(difference), l, n, s.data, in.count(4), s.ints + 32));
+        return void(call(F(difference), l, n, s.data, in.count(4), s.ints + 32));
     }
     const int p = in.one_in(10) ? -1 : in.pick(4), q = in.pick(4);
     b.add({ZORVS_ARMA_INFO, "a"});
@@ -36,7 +36,6 @@ void one(Input &in, Store<T> &s) {
     T *x = call(F(arma), l, n, s.data, p, q);
     if (!l.has(ZORVS_RETURN_USER))
         for (int i = 0; x && i < p + q + 1; ++i) require(std::isfinite(x[i]), "arma", "parameter not finite", x[i]);
-    s.free_result(x);
     auto *info = static_cast<zorvs_arma_info *>(s.address[0]);
     if (!info) return;
     switch (in.pick(8)) {  // an altered record, within its own arrays
@@ -52,9 +51,7 @@ void one(Input &in, Store<T> &s) {
     auto &fl = fb.from(forecast_menu, 3);
     T *f = call(F(arma_forecast), fl, info, n_predict);
     for (int h = 0; f && !fl.has(ZORVS_RETURN_USER) && h < n_predict; ++h)
-        require(!(f[3 * h + 1] > f[3 * h]) && !(f[3 * h] > f[3 * h + 2]), "arma_forecast", "forecast outside its limits",
-                f[3 * h]);
-    s.free_result(f);
+        require(!(f[3 * h + 1] > f[3 * h]) && !(f[3 * h] > f[3 * h + 2]), "arma_forecast", "outside limits", f[3 * h]);
 }
 
 }  // namespace zorvs_fuzz::series
