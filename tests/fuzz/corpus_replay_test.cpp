@@ -28,9 +28,8 @@ const Target targets[] = {{"dist", zorvs_fuzz_dist}, {"random", zorvs_fuzz_rando
 class CorpusReplay : public ::testing::TestWithParam<Target> {};
 
 TEST_P(CorpusReplay, EveryInputPassesTheTargetsChecks) {
-    std::vector<std::filesystem::path> inputs;
-    for (const auto &e : std::filesystem::directory_iterator(ZORVS_FUZZ_CORPUS + std::string("/") + GetParam().name))
-        inputs.push_back(e.path());
+    const std::filesystem::path corpus = ZORVS_FUZZ_CORPUS + std::string("/") + GetParam().name;
+    std::vector<std::filesystem::path> inputs(std::filesystem::directory_iterator(corpus), {});
     std::sort(inputs.begin(), inputs.end());
     EXPECT_GT(inputs.size(), 300u);
     zorvs_test::NoStop no_stop;

@@ -30,8 +30,7 @@ double reference(const std::string &name, double x, double y, double z = 0) {
 // Every element of a result passes `in_support`; the result is freed.
 template <class T, class P>
 bool all_of(T *r, int n, P in_support) {
-    bool ok = r != nullptr;
-    for (int i = 0; ok && i < n; ++i) ok = in_support(r[i]);
+    const bool ok = r && std::all_of(r, r + n, in_support);
     std::free(r);
     return ok;
 }

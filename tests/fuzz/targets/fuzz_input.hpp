@@ -266,16 +266,16 @@ private:
     List l_;
 };
 
+template <class P>
+P *kept(P *r) {
+    results[n_results++ % 8] = r;
+    return r;
+}
 template <class R, class... A, std::size_t... D, std::size_t... W>
 R call_list(R (*f)(A..., ...), const List &l, std::index_sequence<D...>, std::index_sequence<W...>, A... a) {
     zorvs_e1mes(0, 0, nullptr);  // no message on record: the error type is this call's
-    if constexpr (std::is_pointer_v<R>) {
-        const R r = f(a..., l.reals[D]..., l.words[W]...);
-        results[n_results++ % 8] = r;
-        return r;
-    } else {
-        return f(a..., l.reals[D]..., l.words[W]...);
-    }
+    if constexpr (std::is_pointer_v<R>) return kept(f(a..., l.reals[D]..., l.words[W]...));
+    else return f(a..., l.reals[D]..., l.words[W]...);
 }
 // f(fixed..., keyword list) with no message on record before: the list's
 // doubles fill the vector registers that the fixed arguments leave, then its
@@ -307,16 +307,11 @@ inline int run(const std::uint8_t *data, std::size_t size, void (*single)(Input 
 
 }  // namespace zorvs_fuzz
 
-#ifdef ZORVS_LIBFUZZER
-#define ZORVS_FUZZ_MAIN(name) \
-    extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *d, std::size_t n) { return zorvs_fuzz_##name(d, n); }
-#else
-#define ZORVS_FUZZ_MAIN(name)
-#endif
+// The entry point zorvs_fuzz_NAME of target NAME (libfuzzer_main.cpp makes
+// it LLVMFuzzerTestOneInput in the libFuzzer build).
 #define ZORVS_FUZZ_TARGET(name)                                                                    \
     int zorvs_fuzz_##name(const std::uint8_t *d, std::size_t n) {                                  \
         return zorvs_fuzz::run(d, n, zorvs_fuzz::name::one<float>, zorvs_fuzz::name::one<double>); \
-    }                                                                                              \
-    ZORVS_FUZZ_MAIN(name)
+    }
 
 #endif  // ZORVS_FUZZ_INPUT_HPP

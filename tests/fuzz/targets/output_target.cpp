@@ -52,11 +52,10 @@ void one(Input &in, Store<T> &s) {
             zorvs_dwrrrs(title, in.real());
             zorvs_wrirs(title, in.any_int());
     }
-    zorvs_write_options(0, &value);  // all options back to their defaults
-    width = 78;
-    length = 60;
-    zorvs_page(-1, &width);
-    zorvs_page(-2, &length);
+    zorvs_write_options(0, &value);  // all options and the page back to their defaults
+    int page[] = {78, 60};
+    zorvs_page(-1, &page[0]);
+    zorvs_page(-2, &page[1]);
 }
 
 }  // namespace zorvs_fuzz::output

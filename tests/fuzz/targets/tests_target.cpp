@@ -60,8 +60,7 @@ void one(Input &in, Store<T> &s) {
             const int categories = in.count(12), n = in.count(200);
             if (in.one_in(2)) std::sort(s.data, s.data + 12);  // increasing cutpoints
             auto &l = b.from(fit_menu, 4);
-            const T p = call(F(chi_squared_test), l, cdfs[in.pick(5)], categories, n, s.data + 16);
-            return probability(p, "chi_squared_test");
+            return probability(call(F(chi_squared_test), l, cdfs[in.pick(5)], categories, n, s.data + 16), "fit");
         }
         case 4: {
             auto &l = b.from(sign_menu, 4);
