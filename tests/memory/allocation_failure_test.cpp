@@ -3,17 +3,23 @@
 // each of its allocations made to fail in turn: the call ends with (5, 200),
 // (5, 201) or (5, 202), hands over nothing (a null result, every output
 // address left null, the caller's storage untouched), and, in the sanitizer
-// build, leaks nothing.  A second test reads the public header and checks
-// that every routine it declares has a row.
+// build, leaks nothing.  Where an optional output fails alone with its own
+// code (the regression fit's 11039 to 11042), the fit and the other outputs
+// stand; where a path needs no block (the in-place transposition's cycles,
+// used by the regressors of a model), a failure may be absorbed with the
+// full result.  A second test reads the public header and checks that every
+// routine it declares has a row.
 #include <fstream>
 #include <regex>
 #include <set>
 
-#include "support/tables.hpp"
+#include "stat/regress/twins.hpp"
 
 namespace {
 
-using zorvs_test::each_allocation_failing;
+#include "data/stat/regress/regressors_glm_ref.inc"
+
+using zorvs_test::Info;
 
 // Work done before the call that is not under test (a fit whose record a
 // routine reads): outside the countdown, so that it neither fails nor counts.
@@ -28,27 +34,35 @@ void before_the_call(F setup) {
 // The same small data for every row: 40 values with ties, no missing.
 template <class T>
 struct Data {
-    T x[40], y[40], cov[9] = {4, 2, 0.6, 2, 3, 0.4, 0.6, 0.4, 2};
-    int n[3] = {4, 5, 6}, perm[6] = {2, 0, 1, 5, 3, 4}, periods[1] = {1}, orders[1] = {1};
+    T x[40], y[40], z[80] = {}, glm[128], cov[9] = {4, 2, 0.6, 2, 3, 0.4, 0.6, 0.4, 2}, seeds[4] = {2, 2, 5, 5}, f[20];
+    int n[3] = {4, 5, 6}, perm[6] = {2, 0, 1, 5, 3, 4}, one[1] = {1}, class_columns[2] = {0, 2};
     char *labels[8];
     Data() {
         static const double base[] = {2.1, 3.4, 1.7, 5.2, 4.4, 3.3, 2.9, 6.0, 1.1, 4.8, 3.9, 2.2, 5.5, 4.1,
                                       3.0, 2.6, 1.9, 4.7, 3.6, 5.0, 2.4, 3.1, 4.0, 1.5, 2.8, 3.8, 4.9, 2.0,
                                       3.5, 4.3, 1.3, 5.8, 2.7, 3.2, 4.6, 1.8, 3.7, 2.5, 4.2, 3.4};
         for (int i = 0; i < 40; ++i) x[i] = T(base[i]), y[i] = T(base[(7 * i + 3) % 40] + 0.5 * base[i]);
+        for (int t = 1; t < 80; ++t) z[t] = T(0.6 * z[t - 1] + std::sin(3.7 * t) + 0.3 * std::cos(11.1 * t));
+        std::copy(glm_x, glm_x + 128, glm);
+        for (int i = 0; i < 20; ++i) f[i] = T(1 + i % 3);
         for (char *&l : labels) l = const_cast<char *>("label");
     }
 };
 
-// All null: the result and the output addresses of a call.
-template <class... P>
-bool all_null(P... p) {
-    return ((p == nullptr) && ...);
+// Frees what a call handed over (blocks, or arrays of them); true when it
+// handed over nothing.
+inline bool gone(const void *p) {
+    const bool null = p == nullptr;
+    std::free(const_cast<void *>(p));
+    return null;
 }
-// Free what a call handed over.
+template <class P, std::size_t N>
+bool gone(P *const (&blocks)[N]) {
+    return std::count_if(blocks, blocks + N, [](P *b) { return !gone(b); }) == 0;
+}
 template <class... P>
-void free_all(P... p) {
-    (std::free(const_cast<void *>(static_cast<const void *>(p))), ...);
+bool none(const P &...p) {
+    return (gone(p) & ...);
 }
 
 // A print: true when it printed less than it does with every allocation
@@ -62,54 +76,40 @@ bool printed_nothing(F print) {
     return out.take() != whole;
 }
 
-struct Row {
-    const char *routine;
-    bool allocates;            // at least one allocation must be reached
-    bool (*call)();            // true: nothing handed over
-    std::vector<int> standing = {};  // the routine's own codes for an output that fails alone
-};
-
-// A row for each twin of a routine: the body sees T, the twin's type, and
-// R(name), the twin itself.
-#define R(name) ::zorvs_test::twin<T>(zorvs_f_##name, zorvs_d_##name)
-#define TWIN_ROWS_STANDING(name, allocates, standing, ...)                      \
-    {"zorvs_f_" #name, allocates, [] { using T = float; __VA_ARGS__ }, standing}, \
-    {"zorvs_d_" #name, allocates, [] { using T = double; __VA_ARGS__ }, standing}
-#define TWIN_ROWS(name, allocates, ...) TWIN_ROWS_STANDING(name, allocates, {}, __VA_ARGS__)
-#define ROW(name, allocates, ...) {#name, allocates, [] { __VA_ARGS__ }}
-
-// The fit's optional outputs fail alone, each with its own code.
-const std::vector<int> fit_outputs = {11039, 11040, 11041, 11042};
-
-template <class T>
-using Info = std::conditional_t<std::is_same_v<T, float>, zorvs_f_regression_info, zorvs_d_regression_info>;
-
+// The record of a fit that a routine reads, made outside the countdown.
 template <class T>
 Info<T> *fit(Data<T> &d) {
     Info<T> *info = nullptr;
-    before_the_call([&] { std::free(R(regression)(20, 1, d.x, d.y, ZORVS_REGRESSION_INFO, &info, 0)); });
+    before_the_call([&] { std::free(zorvs_test::fit<T>(20, 1, d.x, d.y, ZORVS_REGRESSION_INFO, &info, 0)); });
     return info;
 }
-zorvs_arma_info *arma_fit() {
-    Data<double> d;
-    void *info = nullptr;
-    before_the_call([&] { std::free(zorvs_d_arma(40, d.x, 1, 1, ZORVS_LEAST_SQUARES, ZORVS_ARMA_INFO, &info, 0)); });
-    return static_cast<zorvs_arma_info *>(info);
-}
-float uniform_cdf(float x) { return x < 0 ? 0.0f : x > 7 ? 1.0f : x / 7; }
-double uniform_dcdf(double x) { return x < 0 ? 0.0 : x > 7 ? 1.0 : x / 7; }
+template <class T>
+T uniform_cdf(T x) { return x < 0 ? T(0) : x > 7 ? T(1) : x / 7; }
+
+struct Row {
+    const char *routine;
+    bool allocates;                  // at least one allocation must be reached
+    bool (*call)();                  // true: nothing handed over
+    std::vector<int> standing = {};  // the routine's own codes for an output that fails alone
+};
+
+// A row for each twin of a routine: the body sees T, the twin's type, d,
+// the data, and R(name), the twin itself.
+#define R(name) ::zorvs_test::twin<T>(zorvs_f_##name, zorvs_d_##name)
+#define TWINS_STANDING(name, allocates, standing, ...)                                    \
+    {"zorvs_f_ " #name, allocates, [] { using T = float; Data<T> d; __VA_ARGS__ }, standing}, \
+    {"zorvs_d_ " #name, allocates, [] { using T = double; Data<T> d; __VA_ARGS__ }, standing}
+#define TWINS(name, allocates, ...) TWINS_STANDING(name, allocates, {}, __VA_ARGS__)
+#define ROW(name, allocates, ...) {#name, allocates, [] { Data<double> d; (void)d; __VA_ARGS__ }}
 
 const Row rows[] = {
     // The error system, machine constants, page and units: nothing to allocate.
-    ROW(zorvs_error_options, false, zorvs_error_options(ZORVS_SET_PRINT, 3, 1, 0); return true;),
-    ROW(zorvs_error_type, false, return zorvs_error_type() >= 0;),
-    ROW(zorvs_error_code, false, return zorvs_error_code() >= 0;),
-    ROW(zorvs_output_file, false, FILE *f = nullptr; zorvs_output_file(ZORVS_GET_OUTPUT_FILE, &f, 0); return true;),
-    ROW(zorvs_f_machine, false, return zorvs_f_machine(1) > 0;),
-    ROW(zorvs_d_machine, false, return zorvs_d_machine(1) > 0;),
-    ROW(zorvs_i_machine, false, return zorvs_i_machine(1) > 0;),
-    ROW(zorvs_version, true, char *v = zorvs_version(ZORVS_LIBRARY_VERSION); free_all(v); return !v;),
-    ROW(zorvs_page, false, int w = 0; zorvs_page(1, &w); return true;),
+    ROW(zorvs_error_options zorvs_error_type zorvs_error_code zorvs_output_file zorvs_page, false, FILE *f = nullptr;
+        int w = 0; zorvs_error_options(ZORVS_SET_PRINT, 3, 1, 0); zorvs_output_file(ZORVS_GET_OUTPUT_FILE, &f, 0);
+        zorvs_page(1, &w); return zorvs_error_type() >= 0 && zorvs_error_code() >= 0;),
+    ROW(zorvs_f_machine zorvs_d_machine zorvs_i_machine, false,
+        return zorvs_f_machine(1) > 0 && zorvs_d_machine(1) > 0 && zorvs_i_machine(1) > 0;),
+    ROW(zorvs_version, true, return none(zorvs_version(ZORVS_LIBRARY_VERSION));),
     // Output.
     ROW(zorvs_write_options, false, int v = 0; zorvs_write_options(1, &v); return true;),
     ROW(zorvs_write_line, false, return printed_nothing([] { zorvs_write_line(5, "hello"); });),
@@ -117,187 +117,156 @@ const Row rows[] = {
     ROW(zorvs_wrrrs, true, return printed_nothing([] { zorvs_wrrrs("x", 1.5f); });),
     ROW(zorvs_dwrrrs, true, return printed_nothing([] { zorvs_dwrrrs("x", 1.5); });),
     ROW(zorvs_wrirs, true, return printed_nothing([] { zorvs_wrirs("x", 3); });),
-    TWIN_ROWS(write_matrix, true, Data<T> d; return printed_nothing([&] {
-                  R(write_matrix)("a", 4, 5, d.x, ZORVS_TRANSPOSE, ZORVS_ROW_LABELS, d.labels, 0);
-              });),
-    ROW(zorvs_i_write_matrix, true, Data<double> d;
+    TWINS(write_matrix, true, return printed_nothing([&] {
+          R(write_matrix)("a", 4, 5, d.x, ZORVS_TRANSPOSE, ZORVS_ROW_LABELS, d.labels, 0);
+      });),
+    ROW(zorvs_i_write_matrix, true,
         return printed_nothing([&] { zorvs_i_write_matrix("a", 2, 3, d.perm, ZORVS_TRANSPOSE, 0); });),
-    TWIN_ROWS(wrrrl, true, Data<T> d; return printed_nothing([&] {
-                  ::zorvs_test::twin<T>(zorvs_f_wrrrl, zorvs_d_wrrrl)("a", 4, 5, d.x, 5, 0, "%10.4W", d.labels,
-                                                                      d.labels, 2, 2);
-              });),
-    ROW(zorvs_i_wrirl, false, Data<double> d; return printed_nothing([&] {
-            zorvs_i_wrirl("a", 2, 3, d.perm, 3, 0, "%d", nullptr, nullptr, 1, 1);
-        });),
+    TWINS(wrrrl, true,
+          return printed_nothing([&] { R(wrrrl)("a", 4, 5, d.x, 5, 0, "%10.4W", d.labels, d.labels, 2, 2); });),
+    ROW(zorvs_i_wrirl, false,
+        return printed_nothing([&] { zorvs_i_wrirl("a", 2, 3, d.perm, 3, 0, "%d", nullptr, nullptr, 1, 1); });),
     // Extrema.
-    ROW(zorvs_f_max, false, return zorvs_f_max(1, 2) == 2;),
-    ROW(zorvs_d_max, false, return zorvs_d_max(1, 2) == 2;),
-    ROW(zorvs_i_max, false, return zorvs_i_max(1, 2) == 2;),
-    ROW(zorvs_f_min, false, return zorvs_f_min(1, 2) == 1;),
-    ROW(zorvs_d_min, false, return zorvs_d_min(1, 2) == 1;),
-    ROW(zorvs_i_min, false, return zorvs_i_min(1, 2) == 1;),
-    TWIN_ROWS(maximum_index, false, Data<T> d; int i = 0; R(maximum_index)(40, d.x, 1, &i); return true;),
-    TWIN_ROWS(vmax, false, return R(vmax)(3, 1.0, 3.0, 2.0) == 3;),
-    ROW(zorvs_i_vmax, false, return zorvs_i_vmax(3, 1, 3, 2) == 3;),
-    TWIN_ROWS(vmin, false, return R(vmin)(3, 1.0, 3.0, 2.0) == 1;),
-    ROW(zorvs_i_vmin, false, return zorvs_i_vmin(3, 1, 3, 2) == 1;),
+    ROW(zorvs_f_max zorvs_d_max zorvs_i_max zorvs_f_min zorvs_d_min zorvs_i_min zorvs_i_vmax zorvs_i_vmin, false,
+        return zorvs_f_max(1, 2) == 2 && zorvs_d_max(1, 2) == 2 && zorvs_i_max(1, 2) == 2 && zorvs_f_min(1, 2) == 1 &&
+           zorvs_d_min(1, 2) == 1 && zorvs_i_min(1, 2) == 1 && zorvs_i_vmax(3, 1, 3, 2) == 3 &&
+           zorvs_i_vmin(3, 1, 3, 2) == 1;),
+    TWINS(maximum_index vmax vmin, false, int i = 0; R(maximum_index)(40, d.x, 1, &i);
+          return R(vmax)(3, 1.0, 3.0, 2.0) == 3 && R(vmin)(3, 1.0, 3.0, 2.0) == 1;),
     // Transposition in place of a matrix that is not square takes a buffer.
     // (Without its buffer it transposes by cycles: nothing to hand over is
     // a matrix left as it was.)
-    TWIN_ROWS(m1ran, true, Data<T> d; const T a5 = d.x[5]; R(m1ran)(4, 5, d.x, d.x); return d.x[1] != a5;),
-    ROW(zorvs_i_m1ran, true, Data<double> d; zorvs_i_m1ran(2, 3, d.perm, d.perm); return d.perm[1] != 5;),
+    TWINS(m1ran, true, const T a5 = d.x[5]; R(m1ran)(4, 5, d.x, d.x); return d.x[1] != a5;),
+    ROW(zorvs_i_m1ran, true, zorvs_i_m1ran(2, 3, d.perm, d.perm); return d.perm[1] != 5;),
     // Special functions and distributions: values only.
-    TWIN_ROWS(gamma, false, return R(gamma)(T(4.5)) > 0;),
-    TWIN_ROWS(log_gamma, false, return R(log_gamma)(T(4.5)) > 0;),
-    TWIN_ROWS(beta, false, return R(beta)(T(2), T(3)) > 0;),
-    TWIN_ROWS(log_beta, false, return R(log_beta)(T(2), T(3)) < 0;),
-    TWIN_ROWS(erf, false, return R(erf)(T(0.5)) > 0;),
-    TWIN_ROWS(erfc, false, return R(erfc)(T(0.5)) > 0;),
-    TWIN_ROWS(normal_cdf, false, return R(normal_cdf)(T(0.5)) > 0;),
-    TWIN_ROWS(normal_inverse_cdf, false, return R(normal_inverse_cdf)(T(0.7)) > 0;),
-    TWIN_ROWS(bivariate_normal_cdf, false, return R(bivariate_normal_cdf)(T(0.5), T(0.2), T(0.3)) > 0;),
-    TWIN_ROWS(gamma_incomplete, false, return R(gamma_incomplete)(T(2), T(1)) > 0;),
-    TWIN_ROWS(gamma_cdf, false, return R(gamma_cdf)(T(1), T(2)) > 0;),
-    TWIN_ROWS(chi_squared_cdf, false, return R(chi_squared_cdf)(T(3), T(4)) > 0;),
-    TWIN_ROWS(chi_squared_inverse_cdf, false, return R(chi_squared_inverse_cdf)(T(0.5), T(4)) > 0;),
-    TWIN_ROWS(beta_incomplete, false, return R(beta_incomplete)(T(0.3), T(2), T(3)) > 0;),
-    TWIN_ROWS(beta_cdf, false, return R(beta_cdf)(T(0.3), T(2), T(3)) > 0;),
-    TWIN_ROWS(beta_inverse_cdf, false, return R(beta_inverse_cdf)(T(0.3), T(2), T(3)) > 0;),
-    TWIN_ROWS(t_cdf, false, return R(t_cdf)(T(1), T(5)) > 0;),
-    TWIN_ROWS(t_inverse_cdf, false, return R(t_inverse_cdf)(T(0.7), T(5)) > 0;),
-    TWIN_ROWS(F_cdf, false, return R(F_cdf)(T(1), T(3), T(5)) > 0;),
-    TWIN_ROWS(F_inverse_cdf, false, return R(F_inverse_cdf)(T(0.5), T(3), T(5)) > 0;),
-    TWIN_ROWS(poisson_cdf, false, return R(poisson_cdf)(3, T(2.5)) > 0;),
-    TWIN_ROWS(binomial_cdf, false, return R(binomial_cdf)(3, 10, T(0.4)) > 0;),
-    TWIN_ROWS(hypergeometric_cdf, false, return R(hypergeometric_cdf)(3, 10, 20, 50) > 0;),
+    TWINS(gamma log_gamma beta log_beta erf erfc normal_cdf normal_inverse_cdf bivariate_normal_cdf, false,
+          return R(gamma)(T(4.5)) > 0 && R(log_gamma)(T(4.5)) > 0 && R(beta)(T(2), T(3)) > 0 &&
+                 R(log_beta)(T(2), T(3)) < 0 && R(erf)(T(0.5)) > 0 && R(erfc)(T(0.5)) > 0 &&
+                 R(normal_cdf)(T(0.5)) > 0 && R(normal_inverse_cdf)(T(0.7)) > 0 &&
+                 R(bivariate_normal_cdf)(T(0.5), T(0.2), T(0.3)) > 0;),
+    TWINS(gamma_incomplete gamma_cdf chi_squared_cdf chi_squared_inverse_cdf beta_incomplete beta_cdf, false,
+          return R(gamma_incomplete)(T(2), T(1)) > 0 && R(gamma_cdf)(T(1), T(2)) > 0 &&
+                 R(chi_squared_cdf)(T(3), T(4)) > 0 && R(chi_squared_inverse_cdf)(T(0.5), T(4)) > 0 &&
+                 R(beta_incomplete)(T(0.3), T(2), T(3)) > 0 && R(beta_cdf)(T(0.3), T(2), T(3)) > 0;),
+    TWINS(beta_inverse_cdf t_cdf t_inverse_cdf F_cdf F_inverse_cdf poisson_cdf binomial_cdf hypergeometric_cdf,
+          false, return R(beta_inverse_cdf)(T(0.3), T(2), T(3)) > 0 && R(t_cdf)(T(1), T(5)) > 0 &&
+                        R(t_inverse_cdf)(T(0.7), T(5)) > 0 && R(F_cdf)(T(1), T(3), T(5)) > 0 &&
+                        R(F_inverse_cdf)(T(0.5), T(3), T(5)) > 0 && R(poisson_cdf)(3, T(2.5)) > 0 &&
+                        R(binomial_cdf)(3, 10, T(0.4)) > 0 && R(hypergeometric_cdf)(3, 10, 20, 50) > 0;),
     // Random numbers.
-    TWIN_ROWS(random_uniform, true, T *r = R(random_uniform)(10, 0); free_all(r); return !r;),
-    ROW(zorvs_random_seed_get, false, return zorvs_random_seed_get() >= 0;),
-    ROW(zorvs_random_seed_set, false, zorvs_random_seed_set(123457); return true;),
-    ROW(zorvs_random_option, false, zorvs_random_option(1); return true;),
-    ROW(zorvs_rnses, false, const float zero[128] = {}; zorvs_rnses(zero); return true;),
-    ROW(zorvs_drnses, false, const double zero[128] = {}; zorvs_drnses(zero); return true;),
-    TWIN_ROWS(random_normal, true, T *r = R(random_normal)(10, 0); free_all(r); return !r;),
-    TWIN_ROWS(random_exponential, true, T *r = R(random_exponential)(10, 0); free_all(r); return !r;),
-    TWIN_ROWS(random_gamma, true, T *r = R(random_gamma)(10, T(2.5), 0); free_all(r); return !r;),
-    ROW(zorvs_random_poisson, true, int *r = zorvs_random_poisson(10, 3.5f, 0); free_all(r); return !r;),
-    TWIN_ROWS(random_beta, true, T *r = R(random_beta)(10, T(2), T(3), 0); free_all(r); return !r;),
-    TWIN_ROWS(random_normal_multivariate, true, Data<T> d;
-              T *r = R(random_normal_multivariate)(5, 3, d.cov, 0); free_all(r); return !r;),
+    TWINS(random_uniform, true, return none(R(random_uniform)(10, 0));),
+    ROW(zorvs_random_seed_get zorvs_random_seed_set zorvs_random_option zorvs_rnses zorvs_drnses, false,
+        const float zero[128] = {}; const double dzero[128] = {}; zorvs_random_seed_set(123457); zorvs_random_option(1);
+        zorvs_rnses(zero); zorvs_drnses(dzero); return zorvs_random_seed_get() >= 0;),
+    TWINS(random_normal, true, return none(R(random_normal)(10, 0));),
+    TWINS(random_exponential, true, return none(R(random_exponential)(10, 0));),
+    TWINS(random_gamma, true, return none(R(random_gamma)(10, T(2.5), 0));),
+    ROW(zorvs_random_poisson, true, return none(zorvs_random_poisson(10, 3.5f, 0));),
+    TWINS(random_beta, true, return none(R(random_beta)(10, T(2), T(3), 0));),
+    TWINS(random_normal_multivariate, true, return none(R(random_normal_multivariate)(5, 3, d.cov, 0));),
     // Descriptive statistics.
-    TWIN_ROWS(table_oneway, true, Data<T> d; T *r = R(table_oneway)(40, d.x, 5, 0); free_all(r); return !r;),
-    TWIN_ROWS(simple_statistics, true, Data<T> d;
-              T *r = R(simple_statistics)(20, 2, d.x, ZORVS_MEDIAN_AND_SCALE, 0); free_all(r); return !r;),
-    TWIN_ROWS(normal_one_sample, true, Data<T> d; T *r = R(normal_one_sample)(40, d.x, 0); free_all(r); return !r;),
-    TWIN_ROWS(normal_two_sample, true, Data<T> d;
-              T *r = R(normal_two_sample)(20, d.x, 20, d.y, 0); free_all(r); return !r;),
-    TWIN_ROWS(covariances, true, Data<T> d; T *m = nullptr, *c = nullptr;
-              T *r = R(covariances)(20, 2, d.x, ZORVS_MISSING_ELEMENTWISE, ZORVS_X_MEAN, &m, ZORVS_PAIR_COUNTS, &c, 0);
-              free_all(r, m, c); return all_null(r, m, c);),
-    TWIN_ROWS(ranks, true, Data<T> d; T *r = R(ranks)(40, d.x, ZORVS_BLOM_SCORES, 0); free_all(r); return !r;),
-    // Regression.
-    TWIN_ROWS(regressors_for_glm, true, Data<T> d; T *g = nullptr;
-              const int k = R(regressors_for_glm)(10, d.x, 1, 1, ZORVS_REGRESSORS, &g, 0);
-              free_all(g); return !g && k == 0;),
-    TWIN_ROWS_STANDING(regression, true, fit_outputs, Data<T> d; T *a = nullptr, *c = nullptr, *m = nullptr, *e = nullptr;
-              Info<T> *info = nullptr;
-              T *b = R(regression)(20, 1, d.x, d.y, ZORVS_ANOVA_TABLE, &a, ZORVS_COEF_COVARIANCES, &c, ZORVS_X_MEAN, &m,
-                                   ZORVS_RESIDUAL, &e, ZORVS_REGRESSION_INFO, &info, 0);
-              free_all(b, a, c, m, e, info); return all_null(b, a, c, m, e, info);),
-    TWIN_ROWS(regression_summary, true, Data<T> d; Info<T> *info = fit(d);
-              T *t = nullptr, *v = nullptr, *c = nullptr, *a = nullptr;
-              R(regression_summary)(info, ZORVS_COEF_T_TESTS, &t, ZORVS_COEF_VIF, &v, ZORVS_COEF_COVARIANCES, &c,
-                                    ZORVS_ANOVA_TABLE, &a, 0);
-              free_all(info, t, v, c, a); return all_null(t, v, c, a);),
-    TWIN_ROWS(regression_prediction, true, Data<T> d; Info<T> *info = fit(d);
-              T *lo[3] = {}, *hi[3] = {}, *e = nullptr, *s = nullptr, *del = nullptr, *cook = nullptr, *dff = nullptr,
-                *lev = nullptr;
-              T *p = R(regression_prediction)(info, 20, d.x, ZORVS_Y, d.y, ZORVS_SCHEFFE_CI, &lo[0], &hi[0],
-                                              ZORVS_CI_POP_MEAN, &lo[1], &hi[1], ZORVS_CI_NEW_SAMPLE, &lo[2], &hi[2],
-                                              ZORVS_RESIDUAL, &e, ZORVS_STANDARDIZED_RESIDUAL, &s,
-                                              ZORVS_DELETED_RESIDUAL, &del, ZORVS_COOKSD, &cook, ZORVS_DFFITS, &dff,
-                                              ZORVS_LEVERAGE, &lev, 0);
-              free_all(info, p, lo[0], lo[1], lo[2], hi[0], hi[1], hi[2], e, s, del, cook, dff, lev);
-              return all_null(p, lo[0], lo[1], lo[2], hi[0], hi[1], hi[2], e, s, del, cook, dff, lev);),
+    TWINS(table_oneway, true, return none(R(table_oneway)(40, d.x, 5, 0));),
+    TWINS(simple_statistics, true, return none(R(simple_statistics)(20, 2, d.x, ZORVS_MEDIAN_AND_SCALE, 0));),
+    TWINS(normal_one_sample, true, return none(R(normal_one_sample)(40, d.x, 0));),
+    TWINS(normal_two_sample, true, return none(R(normal_two_sample)(20, d.x, 20, d.y, 0));),
+    TWINS(covariances, true, T *o[3] = {}; const int missing = ZORVS_MISSING_ELEMENTWISE;
+          o[0] = R(covariances)(20, 2, d.x, missing, ZORVS_X_MEAN, &o[1], ZORVS_PAIR_COUNTS, &o[2], 0);
+          return none(o);),
+    TWINS(ranks, true, return none(R(ranks)(40, d.x, ZORVS_BLOM_SCORES, 0));),
+    // Regression: the regressors of a model of order 2 over two class columns
+    // (right after a failure the transposition may absorb); a fit whose
+    // optional outputs fail alone, the fit standing with three of the four.
+    TWINS(regressors_for_glm, true, T *g = nullptr;
+          const int k = R(regressors_for_glm)(32, d.glm, 2, 2, ZORVS_X_CLASS_COLUMNS, d.class_columns,
+                                              ZORVS_MODEL_ORDER, 2, ZORVS_REGRESSORS, &g, 0);
+          EXPECT_TRUE(k == 0 || (k == glm_o2_s1_ncol && std::fabs(g[32 * k - 1] - glm_o2_s1[32 * k - 1]) < 1e-3));
+          EXPECT_TRUE(std::equal(d.glm, d.glm + 128, glm_x, [](T v, double x) { return v == T(x); }));
+          return none(g) && k == 0;),
+    TWINS_STANDING(regression, true, (std::vector<int>{11039, 11040, 11041, 11042}), T *o[4] = {};
+          Info<T> *info = nullptr;
+          T *b = R(regression)(20, 1, d.x, d.y, ZORVS_ANOVA_TABLE, &o[0], ZORVS_COEF_COVARIANCES, &o[1],
+                               ZORVS_X_MEAN, &o[2], ZORVS_RESIDUAL, &o[3], ZORVS_REGRESSION_INFO, &info, 0);
+          EXPECT_TRUE(b ? info && std::count(o, o + 4, nullptr) <= 1 : !info); return none(b, o, info);),
+    TWINS(regression_summary, true, Info<T> *info = fit(d); T *o[4] = {};
+          R(regression_summary)(info, ZORVS_COEF_T_TESTS, &o[0], ZORVS_COEF_VIF, &o[1], ZORVS_COEF_COVARIANCES,
+                                &o[2], ZORVS_ANOVA_TABLE, &o[3], 0); std::free(info); return none(o);),
+    TWINS(regression_prediction, true, Info<T> *info = fit(d); T *o[12] = {};
+          T *p = R(regression_prediction)(info, 20, d.x, ZORVS_Y, d.y, ZORVS_SCHEFFE_CI, &o[0], &o[1],
+                                          ZORVS_CI_POP_MEAN, &o[2], &o[3], ZORVS_CI_NEW_SAMPLE, &o[4], &o[5],
+                                          ZORVS_RESIDUAL, &o[6], ZORVS_STANDARDIZED_RESIDUAL, &o[7],
+                                          ZORVS_DELETED_RESIDUAL, &o[8], ZORVS_COOKSD, &o[9], ZORVS_DFFITS, &o[10],
+                                          ZORVS_LEVERAGE, &o[11], 0); std::free(info); return none(p, o);),
     // Analysis of variance.
-    TWIN_ROWS(anova_oneway, true, Data<T> d; T *a = nullptr, *m = nullptr, *s = nullptr, *t = nullptr; int *c = nullptr;
-              R(anova_oneway)(3, d.n, d.x, ZORVS_ANOVA_TABLE, &a, ZORVS_GROUP_COUNTS, &c, ZORVS_GROUP_MEANS, &m,
-                              ZORVS_GROUP_STD_DEVS, &s, ZORVS_TUKEY, &t, 0);
-              free_all(a, m, s, t, c); return all_null(a, m, s, t, c);),
-    TWIN_ROWS(multiple_comparisons, true, Data<T> d;
-              int *r = R(multiple_comparisons)(6, d.x, 30, T(0.4), 0); free_all(r); return !r;),
+    TWINS(anova_oneway, true, T *o[4] = {}; int *c = nullptr;
+          R(anova_oneway)(3, d.n, d.x, ZORVS_ANOVA_TABLE, &o[0], ZORVS_GROUP_COUNTS, &c, ZORVS_GROUP_MEANS, &o[1],
+                          ZORVS_GROUP_STD_DEVS, &o[2], ZORVS_TUKEY, &o[3], 0); return none(o, c);),
+    TWINS(multiple_comparisons, true, return none(R(multiple_comparisons)(6, d.x, 30, T(0.4), 0));),
     // Categorical data and tests.
-    TWIN_ROWS(sign_test, false, Data<T> d; int pos = -1;
-              R(sign_test)(40, d.x, ZORVS_PERCENTILE, 3.0, ZORVS_N_POSITIVE_DEVIATIONS, &pos, 0); return true;),
-    TWIN_ROWS(wilcoxon_rank_sum, true, Data<T> d; T *s = nullptr;
-              R(wilcoxon_rank_sum)(20, d.x, 20, d.y, ZORVS_STAT, &s, 0); free_all(s); return !s;),
-    TWIN_ROWS(normality_test, true, Data<T> d; T w = -7;
-              const T p = R(normality_test)(40, d.x, ZORVS_SHAPIRO_WILK, &w, 0); return std::isnan(p) && w == T(-7);),
-    TWIN_ROWS(normality_test, true, Data<T> d; T w = -7;
-              const T p = R(normality_test)(40, d.x, ZORVS_LILLIEFORS, &w, 0); return std::isnan(p) && w == T(-7);),
-    TWIN_ROWS(contingency_table, true, Data<T> d; T *e = nullptr, *c = nullptr, *cs = nullptr, *s = nullptr;
-              for (int i = 0; i < 12; ++i) d.y[i] = T(3 + i % 5);
-              R(contingency_table)(3, 4, d.y, ZORVS_EXPECTED, &e, ZORVS_CHI_SQUARED_CONTRIBUTIONS, &c,
-                                   ZORVS_CHI_SQUARED_STATISTICS, &cs, ZORVS_STATISTICS, &s, 0);
-              free_all(e, c, cs, s); return all_null(e, c, cs, s);),
-    TWIN_ROWS(chi_squared_test, true, Data<T> d; T *e = nullptr, *c = nullptr, *k = nullptr;
-              const T cut[3] = {2, 3, 4};
-              const T p = R(chi_squared_test)(::zorvs_test::twin<T>(uniform_cdf, uniform_dcdf), 4, 40, d.x,
-                                              ZORVS_CUTPOINTS, cut, ZORVS_EXPECTED, &e, ZORVS_CHI_SQUARED_CONTRIBUTIONS,
-                                              &c, ZORVS_CELL_COUNTS, &k, 0);
-              free_all(e, c, k); return std::isnan(p) && all_null(e, c, k);),
+    TWINS(sign_test, false, int k = -1;
+          return !std::isnan(R(sign_test)(40, d.x, ZORVS_PERCENTILE, 3.0, ZORVS_N_POSITIVE_DEVIATIONS, &k, 0));),
+    TWINS(wilcoxon_rank_sum, true, T *s = nullptr; R(wilcoxon_rank_sum)(20, d.x, 20, d.y, ZORVS_STAT, &s, 0);
+          return none(s);),
+    TWINS(normality_test, true, T w = -7;
+          return std::isnan(R(normality_test)(40, d.x, ZORVS_SHAPIRO_WILK, &w, 0)) && w == T(-7);),
+    TWINS(normality_test, true, T w = -7;
+          return std::isnan(R(normality_test)(40, d.x, ZORVS_LILLIEFORS, &w, 0)) && w == T(-7);),
+    TWINS(contingency_table, true, T *o[4] = {}; for (int i = 0; i < 12; ++i) d.y[i] = T(3 + i % 5);
+          R(contingency_table)(3, 4, d.y, ZORVS_EXPECTED, &o[0], ZORVS_CHI_SQUARED_CONTRIBUTIONS, &o[1],
+                               ZORVS_CHI_SQUARED_STATISTICS, &o[2], ZORVS_STATISTICS, &o[3], 0); return none(o);),
+    TWINS(chi_squared_test, true, T *o[3] = {}; const T cut[3] = {2, 3, 4};
+          const T p = R(chi_squared_test)(uniform_cdf<T>, 4, 40, d.x,
+                                          ZORVS_CUTPOINTS, cut, ZORVS_EXPECTED, &o[0],
+                                          ZORVS_CHI_SQUARED_CONTRIBUTIONS, &o[1], ZORVS_CELL_COUNTS, &o[2], 0);
+          return none(o) && std::isnan(p);),
     // Permutations.
-    TWIN_ROWS(permute_vector, true, Data<T> d;
-              T *r = R(permute_vector)(6, d.x, d.perm, ZORVS_FORWARD_PERMUTATION, 0); free_all(r); return !r;),
-    TWIN_ROWS(permute_matrix, true, Data<T> d;
-              T *r = R(permute_matrix)(6, 2, d.x, d.perm, ZORVS_PERMUTE_ROWS, 0); free_all(r); return !r;),
+    TWINS(permute_vector, true, return none(R(permute_vector)(6, d.x, d.perm, ZORVS_FORWARD_PERMUTATION, 0));),
+    TWINS(permute_matrix, true, return none(R(permute_matrix)(6, 2, d.x, d.perm, ZORVS_PERMUTE_ROWS, 0));),
     // Multivariate analysis.
-    TWIN_ROWS(cluster_k_means, true, Data<T> d; T *m = nullptr, *s = nullptr; int *c = nullptr;
-              const T seeds[4] = {2, 2, 5, 5};
-              int *r = R(cluster_k_means)(20, 2, d.x, 2, const_cast<T *>(seeds), ZORVS_CLUSTER_MEANS, &m,
-                                          ZORVS_CLUSTER_SSQ, &s, ZORVS_CLUSTER_COUNTS, &c, 0);
-              free_all(r, m, s, c); return all_null(r, m, s, c);),
-    TWIN_ROWS(principal_components, true, Data<T> d; T *v = nullptr, *c = nullptr, *p = nullptr, *s = nullptr;
-              T *r = R(principal_components)(3, d.cov, ZORVS_EIGENVECTORS, &v, ZORVS_CORRELATIONS, &c,
-                                             ZORVS_CUM_PERCENT, &p, ZORVS_STD_DEV, 20, &s, 0);
-              free_all(r, v, c, p, s); return all_null(r, v, c, p, s);),
+    TWINS(cluster_k_means, true, T *m = nullptr, *s = nullptr; int *c = nullptr;
+          int *r = R(cluster_k_means)(20, 2, d.x, 2, d.seeds, ZORVS_CLUSTER_MEANS, &m, ZORVS_CLUSTER_SSQ, &s,
+                                      ZORVS_CLUSTER_COUNTS, &c, ZORVS_FREQUENCIES, d.f, 0);
+          return none(r, m, s, c);),
+    TWINS(principal_components, true, T *o[4] = {};
+          T *r = R(principal_components)(3, d.cov, ZORVS_EIGENVECTORS, &o[0], ZORVS_CORRELATIONS, &o[1],
+                                         ZORVS_CUM_PERCENT, &o[2], ZORVS_STD_DEV, 20, &o[3], 0);
+          return none(r, o);),
     // Time series.
-    TWIN_ROWS(difference, true, Data<T> d;
-              T *r = R(difference)(40, d.x, 1, d.periods, ZORVS_ORDERS, d.orders, 0); free_all(r); return !r;),
-    TWIN_ROWS(arma, true, Data<T> d; T *e = nullptr, *c = nullptr, *a = nullptr; void *info = nullptr;
-              T *r = R(arma)(40, d.x, 1, 1, ZORVS_LEAST_SQUARES, ZORVS_RESIDUAL, &e, ZORVS_PARAM_EST_COV, &c,
-                             ZORVS_AUTOCOV, &a, ZORVS_ARMA_INFO, &info, 0);
-              free_all(r, e, c, a, info); return all_null(r, e, c, a, info);),
-    TWIN_ROWS(arma, true, Data<T> d; void *info = nullptr;
-              T *r = R(arma)(40, d.x, 2, 1, ZORVS_ARMA_INFO, &info, 0);
-              free_all(r, info); return all_null(r, info);),
-    TWIN_ROWS(arma_forecast, true, zorvs_arma_info *info = arma_fit(); T *psi = nullptr;
-              T *r = R(arma_forecast)(info, 5, ZORVS_PSI_WEIGHTS, &psi, 0);
-              free_all(r, psi, info); return all_null(r, psi);),
+    TWINS(difference, true, int lost = -1;
+          return none(R(difference)(40, d.x, 1, d.one, ZORVS_ORDERS, d.one, ZORVS_NUM_LOST, &lost, 0)) && lost == -1;),
+    TWINS(arma, true, T *o[3] = {}; void *info = nullptr;
+          T *r = R(arma)(80, d.z, 1, 1, ZORVS_LEAST_SQUARES, ZORVS_RESIDUAL, &o[0], ZORVS_PARAM_EST_COV, &o[1],
+                         ZORVS_AUTOCOV, &o[2], ZORVS_ARMA_INFO, &info, 0); return none(r, o, info);),
+    TWINS(arma, true, void *info = nullptr; return none(R(arma)(40, d.x, 2, 1, ZORVS_ARMA_INFO, &info, 0), info);),
+    TWINS(arma_forecast, true, zorvs_arma_info *info = nullptr; T *psi = nullptr; Data<double> e;
+          before_the_call([&] {
+              std::free(zorvs_d_arma(40, e.x, 1, 1, ZORVS_LEAST_SQUARES, ZORVS_ARMA_INFO, &info, 0));
+          });
+          T *r = R(arma_forecast)(info, 5, ZORVS_PSI_WEIGHTS, &psi, 0); std::free(info); return none(r, psi);),
 };
 
 #undef ROW
-#undef TWIN_ROWS
-#undef TWIN_ROWS_STANDING
+#undef TWINS
+#undef TWINS_STANDING
 #undef R
 
 // Each row: every allocation it reaches fails in turn, cleanly.
 TEST(AllocationFailure, EveryRoutineEndsCleanlyAtEachAllocation) {
     zorvs_test::UnitCapture output(false);
-    int routines = 0, failures = 0, recovered = 0;
+    int failures = 0, recovered = 0;
     for (const Row &row : rows) {
         SCOPED_TRACE(row.routine);
-        const int reached = each_allocation_failing(row.call, row.standing, &recovered);
+        const int reached = zorvs_test::each_allocation_failing(row.call, row.standing, &recovered);
         EXPECT_EQ(reached > 0, row.allocates) << "allocations reached: " << reached;
-        ++routines;
         failures += reached;
         output.take();
     }
-    std::printf("[measure] allocation failure: %d rows, %d failing allocations, %d of them recovered\n", routines,
-                failures, recovered);
+    EXPECT_GT(recovered, 0);  // the regressors' transposition without its buffer
+    std::printf("[measure] allocation failure: %zu rows, %d failing allocations, %d of them recovered\n",
+                std::size(rows), failures, recovered);
 }
 
-// Every routine the public header declares has a row.
+// Every routine the public header declares has a row, and every routine a
+// row names is declared.
 TEST(AllocationFailure, EveryPublicRoutineHasARow) {
     std::ifstream header(ZORVS_TEST_DATA_DIR "/../../include/zorvstat.h");
     ASSERT_TRUE(header) << "public header not found";
@@ -305,7 +274,13 @@ TEST(AllocationFailure, EveryPublicRoutineHasARow) {
     std::set<std::string> declared, listed;
     for (std::string line; std::getline(header, line);)
         if (std::smatch m; std::regex_search(line, m, prototype)) declared.insert(m[1]);
-    for (const Row &row : rows) listed.insert(row.routine);
+    for (const Row &row : rows) {  // "zorvs_f_ erf erfc" lists zorvs_f_erf and zorvs_f_erfc
+        std::istringstream words(row.routine);
+        std::string prefix;
+        for (std::string w; words >> w;)
+            if (w.back() == '_') prefix = w;
+            else listed.insert(prefix + w);
+    }
     EXPECT_GT(declared.size(), 100u);
     for (const std::string &name : declared) EXPECT_TRUE(listed.count(name)) << name << " has no row";
     for (const std::string &name : listed) EXPECT_TRUE(declared.count(name)) << name << " is not declared";

@@ -212,47 +212,6 @@ int each_allocation_failing(F call, const std::vector<int> &standing = {}, int *
     }
 }
 
-// Rows of calls whose allocations are made to fail one at a time.  The
-// call frees what it got and says whether nothing was handed over.  The
-// n-th failure raises codes[n - 1] where the row lists one: a memory
-// message (200 to 202) hands nothing over, an output's own message keeps
-// the result.  Past the list, each failure raises a memory message and
-// hands nothing over, or, with `fallback`, may be absorbed (no message, the
-// full result).  A call makes at least `allocations` allocations.
-struct Failing {
-    const char *what;
-    std::function<bool()> call;
-    int allocations;
-    std::vector<int> codes = {};
-    bool fallback = false;
-};
-inline void expect_allocation_failures(const std::vector<Failing> &rows) {
-    Quiet q;
-    CodeLog log;
-    for (const Failing &r : rows) {
-        int n = 1;
-        for (;; ++n) {
-            SCOPED_TRACE(::testing::Message() << r.what << ", allocation " << n);
-            log.clear();
-            zorvs::allocation_failure_countdown = n;
-            const bool nothing = r.call();
-            const bool reached = zorvs::allocation_failure_countdown == 0;
-            zorvs::allocation_failure_countdown = 0;
-            if (!reached) break;
-            const int code = n <= int(r.codes.size()) ? r.codes[n - 1] : 0;
-            const bool memory = log.has(5, 200) || log.has(5, 201) || log.has(5, 202);
-            if (code > 202) {
-                EXPECT_TRUE(log.has(5, code) && !nothing);
-            } else if (code > 0) {
-                EXPECT_TRUE(log.has(5, code) && nothing);
-            } else {
-                EXPECT_TRUE((memory && nothing) || (r.fallback && log.entries().empty() && !nothing));
-            }
-        }
-        EXPECT_GE(n - 1, r.allocations) << r.what;
-    }
-}
-
 // The largest of a family's errors, printed as a measurement when done.
 class Worst {
 public:

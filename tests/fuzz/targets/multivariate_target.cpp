@@ -4,61 +4,42 @@
 // beyond rounding with a warning).
 #include "fuzz_input.hpp"
 
-namespace {
+namespace zorvs_fuzz::multivariate {
 
-using zorvs_fuzz::Item;
-using zorvs_fuzz::require;
-
-template <class T>
-zorvs_fuzz::Store<T> store;
-
-const Item k_means_menu[] = {{ZORVS_RETURN_USER, "k"},         {ZORVS_MAX_ITERATIONS, "d"},
-                             {ZORVS_WEIGHTS, "X"},             {ZORVS_FREQUENCIES, "X"},
-                             {ZORVS_X_COL_DIM, "d"},           {ZORVS_CLUSTER_SEEDS_COL_DIM, "d"},
-                             {ZORVS_CLUSTER_MEANS_COL_DIM, "d"}, {ZORVS_CLUSTER_MEANS, "a"},
-                             {ZORVS_CLUSTER_MEANS_USER, "o"},  {ZORVS_CLUSTER_SSQ, "a"},
-                             {ZORVS_CLUSTER_SSQ_USER, "o"},    {ZORVS_CLUSTER_COUNTS, "a"},
-                             {ZORVS_CLUSTER_COUNTS_USER, "k"}, {ZORVS_X_COLUMNS, "n"}};
-const Item components_menu[] = {{ZORVS_RETURN_USER, "o"},     {ZORVS_COV_COL_DIM, "d"},      {ZORVS_COVARIANCE_MATRIX, ""},
-                                {ZORVS_CORRELATION_MATRIX, ""}, {ZORVS_EIGENVECTORS, "a"},     {ZORVS_EIGENVECTORS_USER, "o"},
-                                {ZORVS_CORRELATIONS, "a"},    {ZORVS_CORRELATIONS_USER, "o"}, {ZORVS_CUM_PERCENT, "a"},
-                                {ZORVS_CUM_PERCENT_USER, "o"}, {ZORVS_STD_DEV, "ia"},          {ZORVS_STD_DEV_USER, "io"}};
+const Item k_means_menu[] = {{ZORVS_RETURN_USER, "k"}, {ZORVS_MAX_ITERATIONS, "d"}, {ZORVS_WEIGHTS, "X"},
+    {ZORVS_FREQUENCIES, "X"}, {ZORVS_X_COL_DIM, "d"}, {ZORVS_CLUSTER_SEEDS_COL_DIM, "d"},
+    {ZORVS_CLUSTER_MEANS_COL_DIM, "d"}, {ZORVS_CLUSTER_MEANS, "a"}, {ZORVS_CLUSTER_MEANS_USER, "o"},
+    {ZORVS_CLUSTER_SSQ, "a"}, {ZORVS_CLUSTER_SSQ_USER, "o"}, {ZORVS_CLUSTER_COUNTS, "a"},
+    {ZORVS_CLUSTER_COUNTS_USER, "k"}, {ZORVS_X_COLUMNS, "n"}};
+const Item components_menu[] = {{ZORVS_RETURN_USER, "o"}, {ZORVS_COV_COL_DIM, "d"}, {ZORVS_COVARIANCE_MATRIX, ""},
+    {ZORVS_CORRELATION_MATRIX, ""}, {ZORVS_EIGENVECTORS, "a"}, {ZORVS_EIGENVECTORS_USER, "o"},
+    {ZORVS_CORRELATIONS, "a"}, {ZORVS_CORRELATIONS_USER, "o"}, {ZORVS_CUM_PERCENT, "a"}, {ZORVS_CUM_PERCENT_USER, "o"},
+    {ZORVS_STD_DEV, "ia"}, {ZORVS_STD_DEV_USER, "io"}};
 
 template <class T>
-void one(zorvs_fuzz::Input &in) {
-    using zorvs_fuzz::call;
-    using zorvs_fuzz::twin;
-    auto &s = store<T>;
-    s.reset();
+void one(Input &in, Store<T> &s) {
     in.fill(s.data, 3000);
     in.fill_ints(s.ints, 64, -1, 8);
-    zorvs_fuzz::Builder<T> b(in, s);
+    Builder<T> b(in, s);
     if (in.one_in(2)) {
         const int n = in.count(60), nv = in.count(6), k = in.count(8);
         auto &l = b.from(k_means_menu, 5);
-        int *cl = call(twin<T>(zorvs_f_cluster_k_means, zorvs_d_cluster_k_means), l, n, nv, s.data, k,
-                       s.data + 2500 + in.pick(100));
-        for (int i = 0; cl && !zorvs_fuzz::has(l, ZORVS_RETURN_USER) && i < n; ++i)
+        int *cl = call(F(cluster_k_means), l, n, nv, s.data, k, s.data + 2500 + in.pick(100));
+        for (int i = 0; cl && !l.has(ZORVS_RETURN_USER) && i < n; ++i)
             require(cl[i] >= 1 && cl[i] <= k, "cluster_k_means", "cluster number outside 1..k", cl[i]);
-        s.free_result(cl);
-    } else {
-        const int nv = in.count(10);
-        for (int i = 0; i < nv; ++i)  // symmetric as a rule, not always
-            for (int j = 0; j < i; ++j)
-                if (!in.one_in(16)) s.data[i * nv + j] = s.data[j * nv + i];
-        auto &l = b.from(components_menu, 5);
-        T *values = call(twin<T>(zorvs_f_principal_components, zorvs_d_principal_components), l, nv, s.data);
-        int at = std::snprintf(zorvs_fuzz::context, sizeof zorvs_fuzz::context, "order %d:", nv);
-        for (int i = 0; values && i < nv && at < 200; ++i)
-            at += std::snprintf(zorvs_fuzz::context + at, sizeof zorvs_fuzz::context - at, " %g", double(values[i]));
-        for (int i = 0; values && !zorvs_fuzz::has(l, ZORVS_RETURN_USER) && i + 1 < nv; ++i)
-            require(!(std::fabs(values[i]) < std::fabs(values[i + 1])), "principal_components",
-                    "eigenvalues not decreasing in magnitude", values[i + 1]);
-        s.free_result(values);
+        return;
     }
-    s.release();
+    const int nv = in.count(10);
+    for (int i = 0; i < nv; ++i)  // symmetric as a rule, not always
+        for (int j = 0; j < i; ++j)
+            if (!in.one_in(16)) s.data[i * nv + j] = s.data[j * nv + i];
+    auto &l = b.from(components_menu, 5);
+    T *values = call(F(principal_components), l, nv, s.data);
+    for (int i = 0; values && !l.has(ZORVS_RETURN_USER) && i + 1 < nv; ++i)
+        require(!(std::fabs(values[i]) < std::fabs(values[i + 1])), "principal_components",
+                "eigenvalues not decreasing in magnitude", values[i + 1]);
 }
 
-}  // namespace
+}  // namespace zorvs_fuzz::multivariate
 
-ZORVS_FUZZ_TWIN_TARGET(one)
+ZORVS_FUZZ_TARGET(multivariate)

@@ -4,26 +4,12 @@
 // Poisson counts not negative), a result only without failure.
 #include "fuzz_input.hpp"
 
-namespace {
+namespace zorvs_fuzz::random {
+
+const Item reals_menu[] = {{ZORVS_RETURN_USER, "o"}}, ints_menu[] = {{ZORVS_RETURN_USER, "k"}};
 
 template <class T>
-zorvs_fuzz::Store<T> store;
-
-template <class T, class V, class P>
-void deviates(V *r, int n, P in_support, const char *name) {
-    if (n > 0) zorvs_fuzz::result_or_failure(r, name);
-    for (int i = 0; r && !zorvs_fuzz::failed() && i < n; ++i)
-        if (!in_support(r[i])) zorvs_fuzz::require(false, name, "deviate outside its support", double(r[i]));
-}
-
-template <class T>
-void one(zorvs_fuzz::Input &in) {
-    using zorvs_fuzz::call;
-    using zorvs_fuzz::twin;
-    auto &s = store<T>;
-    s.reset();
-    static const zorvs_fuzz::Item reals_menu[] = {{ZORVS_RETURN_USER, "o"}};
-    static const zorvs_fuzz::Item ints_menu[] = {{ZORVS_RETURN_USER, "k"}};
+void one(Input &in, Store<T> &s) {
     if (in.one_in(4)) zorvs_random_option(in.pick(10) - 1);
     if (in.one_in(4)) zorvs_random_seed_set(in.any_int());
     if (in.one_in(8)) {
@@ -32,41 +18,45 @@ void one(zorvs_fuzz::Input &in) {
     }
     const int n = in.count(300);
     const T a = T(in.real()), b = T(in.real());
-    zorvs_fuzz::Builder<T> list(in, s);
+    Builder<T> list(in, s);
     const int routine = in.pick(7);
     auto &l = routine == 4 ? list.from(ints_menu, 2) : list.from(reals_menu, 2);
     T *r = nullptr;
-    int *k = nullptr;
+    int m = n, order = 0;
+    bool finite = true;
+    const char *name = "a generator (routine 0 to 6 of the switch)";
     switch (routine) {
-        case 0: r = call(twin<T>(zorvs_f_random_uniform, zorvs_d_random_uniform), l, n);
-            deviates<T>(r, n, [](T u) { return u > 0 && u < 1; }, "random_uniform"); break;
-        case 1: r = call(twin<T>(zorvs_f_random_normal, zorvs_d_random_normal), l, n);
-            deviates<T>(r, n, [](T z) { return std::isfinite(z); }, "random_normal"); break;
-        case 2: r = call(twin<T>(zorvs_f_random_exponential, zorvs_d_random_exponential), l, n);
-            deviates<T>(r, n, [](T e) { return e >= 0; }, "random_exponential"); break;
-        case 3: r = call(twin<T>(zorvs_f_random_gamma, zorvs_d_random_gamma), l, n, a);
-            deviates<T>(r, n, [](T g) { return g >= 0; }, "random_gamma"); break;
-        case 4: k = call(zorvs_random_poisson, l, n, float(a));
-            deviates<T>(k, n, [](int c) { return c >= 0; }, "random_poisson"); break;
-        case 5: r = call(twin<T>(zorvs_f_random_beta, zorvs_d_random_beta), l, n, a, b);
-            deviates<T>(r, n, [](T x) { return x >= 0 && x <= 1; }, "random_beta"); break;
-        default: {
-            const int m = in.count(40), order = in.count(6);
-            const int size = order > 0 ? order * order : 0;
-            in.fill(s.data, size);
-            bool finite = true;
-            for (int i = 0; i < size; ++i) finite = finite && std::isfinite(s.data[i]);
-            r = call(twin<T>(zorvs_f_random_normal_multivariate, zorvs_d_random_normal_multivariate), l, m, order,
-                     static_cast<const T *>(s.data));
-            deviates<T>(r, m > 0 && order > 0 ? m * order : 0, [&](T z) { return std::isfinite(z) || !finite; },
-                        "random_normal_multivariate");
+        case 0: r = call(F(random_uniform), l, n); break;
+        case 1: r = call(F(random_normal), l, n); break;
+        case 2: r = call(F(random_exponential), l, n); break;
+        case 3: r = call(F(random_gamma), l, n, a); break;
+        case 4: {
+            int *k = call(zorvs_random_poisson, l, n, float(a));
+            if (n > 0) result_or_failure(k, name);
+            each(k, n, [](int c) { return c >= 0; }, name, "deviate outside its support");
+            return;
         }
+        case 5: r = call(F(random_beta), l, n, a, b); break;
+        default:
+            m = in.count(40), order = in.count(6);
+            in.fill(s.data, order > 0 ? order * order : 0);
+            finite = s.finite(order > 0 ? order * order : 0);
+            r = call(F(random_normal_multivariate), l, m, order, static_cast<const T *>(s.data));
+            m = m > 0 && order > 0 ? m * order : 0;
     }
-    s.free_result(r);
-    s.free_result(k);
-    s.release();
+    auto support = [&](T x) {
+        switch (routine) {
+            case 0: return x > 0 && x < 1;
+            case 1: return bool(std::isfinite(x));
+            case 5: return x >= 0 && x <= 1;
+            case 6: return std::isfinite(x) || !finite;
+            default: return x >= 0;
+        }
+    };
+    if (m > 0) result_or_failure(r, name);
+    each(r, m, support, name, "deviate outside its support");
 }
 
-}  // namespace
+}  // namespace zorvs_fuzz::random
 
-ZORVS_FUZZ_TWIN_TARGET(one)
+ZORVS_FUZZ_TARGET(random)
