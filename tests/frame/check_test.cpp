@@ -13,14 +13,6 @@ using zorvs_test::slots;
 
 const double nan = std::nan(""), inf = std::numeric_limits<double>::infinity();
 
-// Runs checks inside a frame, so that their messages belong to a routine.
-class Check : public ::testing::Test {
-protected:
-    void SetUp() override { zorvs_e1psh("zorvs_checked_routine"); }
-    void TearDown() override { zorvs_e1pop("zorvs_checked_routine"); }
-    zorvs_test::Quiet q;
-};
-
 const double r_bad[] = {1, 0, 0, 2, 0, 0, 3, 4, 5};  // row 2: zero diagonal, 4 and 5 to its right
 const float r_good[] = {1, 0, 0, 2, 0, 0, 3, 0, 5};
 const int indcl[] = {1, 4}, nvef[] = {1, 2}, indef[] = {1, 2, 3}, bad_nvef[] = {0, 2}, bad_indef[] = {1, 5, 2};
@@ -61,7 +53,10 @@ const struct {
     {[](int *a) { zorvs_c1ef(0, 0, nullptr, 0, nullptr, nullptr, a); }, 5, 603, "l1=NCOL", -1},
 };
 
-TEST_F(Check, EachCheck) {
+// The checks run inside a frame, so that their messages belong to a routine.
+TEST(Check, EachCheck) {
+    zorvs_test::Quiet q;
+    zorvs_e1psh("zorvs_checked_routine");
     for (const auto &c : check_cases) {
         SCOPED_TRACE(&c - check_cases);
         zorvs_e1mes(0, 0, nullptr);
@@ -74,6 +69,7 @@ TEST_F(Check, EachCheck) {
             EXPECT_EQ(arg, 10 + c.counted);
         }
     }
+    zorvs_e1pop("zorvs_checked_routine");
 }
 
 // The safe division, and the safe F and t ratios with their upper and
@@ -126,8 +122,9 @@ TEST(CheckArithmetic, DivisionAndRatios) {
 
 // One row's frequency and weight from columns 2 and 3 of a 5 x 3 matrix:
 // rows (1, 1, 2), (2, 0, NaN), (3, NaN, NaN), (4, -2, 1), (5, 6, -4).
-template <class T>
-void check_frequency_reader() {
+ZORVS_TWIN_SUITE(FrequencyReader);
+TYPED_TEST(FrequencyReader, RowByRow) {
+    using T = TypeParam;
     const T x[] = {1, 2, 3, 4, 5, 1, 0, T(nan), -2, 6, 2, T(nan), T(nan), 1, -4};
     // The count of missing rows, nmiss, runs on from row to row.
     const struct {
@@ -146,6 +143,8 @@ void check_frequency_reader() {
         {0, 0, 5, 1, 0, 3, 3, 0, 4, 11057, 1, -4, ""},
         {1, 3, 4, 1, 2, 0, 3, 0, 4, 11054, -2, 1, ""},
     };
+    zorvs_test::Quiet q;
+    zorvs_e1psh("zorvs_checked_routine");
     int nmiss = 0;
     for (const auto &c : cases) {
         SCOPED_TRACE(&c - cases);
@@ -159,11 +158,7 @@ void check_frequency_reader() {
         EXPECT_EQ(std::make_pair(zorvs_n1rty(0), zorvs_n1rcd(0)), std::make_pair(c.type, c.code));
         EXPECT_EQ(slots(c.slots), c.slots);
     }
-}
-
-TEST_F(Check, FrequencyReader) {
-    check_frequency_reader<double>();
-    check_frequency_reader<float>();
+    zorvs_e1pop("zorvs_checked_routine");
 }
 
 }  // namespace

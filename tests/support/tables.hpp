@@ -229,9 +229,7 @@ public:
     ~Worst() { std::printf("[measure] %s: largest %.3g\n", name_.c_str(), value_); }
     Worst(const Worst &) = delete;
     Worst &operator=(const Worst &) = delete;
-    void add(double e) {
-        if (e > value_) value_ = e;
-    }
+    void add(double e) { value_ = std::max(value_, e); }  // a NaN leaves it as it is
     double value() const { return value_; }
 
 private:
