@@ -128,9 +128,7 @@ TYPED_TEST(FrequencyReader, RowByRow) {
     const T x[] = {1, 2, 3, 4, 5, 1, 0, T(nan), -2, 6, 2, T(nan), T(nan), 1, -4};
     // The count of missing rows, nmiss, runs on from row to row.
     const struct {
-        int ido, group, row, sign, ifrq, iwt, status, nmiss, type, code;
-        double freq, weight;
-        const char *slots;
+        int ido, group, row, sign, ifrq, iwt, status, nmiss, type, code; double freq, weight; const char *slots;
     } cases[] = {
         {0, 0, 1, 1, 2, 3, 0, 0, 0, 0, 1, 2, ""},
         {0, 0, 2, 1, 2, 3, 1, 0, 0, 0, 0, nan, ""},  // zero frequency: not missing

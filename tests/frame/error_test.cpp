@@ -113,14 +113,17 @@ const struct {
     {"+o;4 99902 outer;+i;3 99901 inner;-i;?;-o", 4, 99902, "[0 0 3 99901]\n*** FATAL    Error 99902 from o.  inner\n\n"},
     {"+o;3 99901 x;?;+i;?;-i;-o", 3, 99901, "[3 99901 0 0][0 0 0 0]\n*** WARNING  Error 99901 from o.  x\n\n"},
     // (-1, -1) gives a new text to the same message; (-1, code) only a code.
-    {"+r;6 99901 one;-1 -1 two;-1 12345 ignored;?;-r", 6, 12345, "\n*** WARNING_IMMEDIATE Error from r.  one\n\n\n*** WARNING_IMMEDIATE Error from r.  two\n\n[6 12345 0 0]"},
+    {"+r;6 99901 one;-1 -1 two;-1 12345 ignored;?;-r", 6, 12345,
+     "\n*** WARNING_IMMEDIATE Error from r.  one\n\n\n*** WARNING_IMMEDIATE Error from r.  two\n\n[6 12345 0 0]"},
     {"+r;3 99901 dropped;0 0;?;-r", 0, 0, "[0 0 0 0]"},
     // The default printer names the routine the user called.
     {"+zorvs_public;+zorvs_worker;6 99901 hello;-zorvs_worker;-zorvs_public", 6, 99901, "\n*** WARNING_IMMEDIATE Error from zorvs_public.  hello\n\n"},
     // A routine that calls user code makes library calls from it user level.
-    {"+u;usr ON;+p;3 99901 inside;-p;usr OFF;+q;3 99902 nested;-q;.;-u", 3, 99902, "\n*** WARNING  Error 99901 from p.  inside\n\n|\n*** WARNING  Error 99902 from u.  nested\n\n"},
+    {"+u;usr ON;+p;3 99901 inside;-p;usr OFF;+q;3 99902 nested;-q;.;-u", 3, 99902,
+     "\n*** WARNING  Error 99901 from p.  inside\n\n|\n*** WARNING  Error 99902 from u.  nested\n\n"},
     // The observer sees each release and each raise of an immediate type.
-    {"o;+c;-c;+n;1 99901 note;-n;+t;5 99902 loud;-t;V;O", 5, 0, "{0 0 }{1 99901 note}{5 99902 loud}\n*** TERMINAL Error from t.  loud\n\n{5 99902 }{0 0 }"},
+    {"o;+c;-c;+n;1 99901 note;-n;+t;5 99902 loud;-t;V;O", 5, 0,
+     "{0 0 }{1 99901 note}{5 99902 loud}\n*** TERMINAL Error from t.  loud\n\n{5 99902 }{0 0 }"},
     {"P;+a;2 99901 now visible;-a", 2, 99901, "\n*** ALERT    Error 99901 from a.  now visible\n\n"},
     // Value routines: a plain one leaves nothing; a trap mark unwinds to it.
     {"+o;3 99901 kept;V;?;-o", 3, 99901, "[0 0 0 0]\n*** WARNING  Error 99901 from o.  kept\n\n"},

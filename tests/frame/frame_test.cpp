@@ -108,7 +108,7 @@ TEST(Frame, Calls) {
         {"unknown first", [] { test_f_fill(2, 777, 0); }, 5, 11001, "i1=777 i2=2", "TERMINAL Error from test_f_fill."},
         {"after a count", [] { test_f_fill(2, ZORVS_X_COL_DIM, 3, 888, 0); }, 5, 11001, "i2=4"},
         // Float reals travel as double.
-        {"after two reals", [] { EXPECT_TRUE((test_f_fill(2, ZORVS_DATA_BOUNDS, 0.1f, 1e30f, 999, 0), seen.upper == 1e30f)); },
+        {"two reals", [] { EXPECT_TRUE((test_f_fill(2, ZORVS_DATA_BOUNDS, 0.1f, 1e30f, 999, 0), seen.upper == 1e30f)); },
          5, 11001, "i1=999 i2=5"},
         // Blocks the caller frees: the plain and the two-count failures; the
         // exit test of a body that keeps its own block.
@@ -130,7 +130,7 @@ TEST(Frame, Calls) {
          "WARNING  Error 99960 from test_outer.  raised on request"},
         // A user function calls the library as from the top: released inside.
         {"user function",
-         [] { zorvs::keyword_routine("with_user_function", [] { EXPECT_EQ(zorvs::call_user_function(user_function, 1.0), 2.0); }); },
+         [] { zorvs::framed("calls_user", [] { EXPECT_EQ(zorvs::call_user_function(user_function, 1.0), 2.0); }); },
          3, 99960, "", "WARNING  Error 99960 from test_d_fill."},
     });
     zorvs::allocation_failure_countdown = 0;
