@@ -1,7 +1,7 @@
-// Message catalogue: the text source against the library's raises, the
-// layout of the generated files read independently of the library, every
-// file variant and search path read by the library in a fresh process, the
-// fallbacks, and message heads with symbolic names.
+// Message catalogue: the text source against the library's raises, and every
+// file variant and search path read by the library in a fresh process, with
+// the fallbacks.  (Message heads with
+// symbolic names are among the error stack's scenarios.)
 #include "support/tables.hpp"
 
 #include <filesystem>
@@ -17,6 +17,10 @@ const std::string build_dir = ZORVS_BUILD_DIR, variants = ZORVS_CATALOGUE_VARIAN
 
 using zorvs_test::read_all;
 struct Entry { std::string name, text; };
+
+// The text and the name the library gives for a code.
+std::string message(int code) { return zorvs_find_message(code); }
+std::string name(int code) { return zorvs_find_name(code); }
 
 // The source format, read here on its own: "CODE NAME" at the start of a
 // line, the template on indented lines joined by blanks, '#' comments.
@@ -52,29 +56,26 @@ std::set<std::pair<char, int>> placeholders(const std::string &t) {
     return out;
 }
 
-TEST(CatalogueSource, NamesAndTemplatesAreWellFormed) {
-    ASSERT_GT(catalogue().size(), 250u);
-    std::set<std::string> names;
-    for (const auto &[code, e] : catalogue()) {
-        EXPECT_TRUE(e.name.size() <= 31 && std::regex_match(e.name, std::regex("[A-Z][A-Z0-9_]*"))) << code;
-        EXPECT_TRUE(names.insert(e.name).second) << "name twice: " << e.name;
-        EXPECT_EQ(code / 100000, 0) << code;
-        // A text is a sentence for a terminal: it ends in a full stop.
-        EXPECT_TRUE(!e.text.empty() && e.text.back() == '.') << code;
-        for (auto [kind, slot] : placeholders(e.text)) EXPECT_TRUE(kind != '?' && slot >= 1) << code;
-    }
-}
-
-// Every code a routine of the library raises has a text: literal codes of
+// Names are unique, of capitals, digits and '_', at most 31 long; codes fit
+// the file's 16-bit words; every text is a sentence whose placeholders are of
+// a known kind.  Every code a routine of the library raises has a text: literal codes of
 // zorvs_ermes and of raising helpers, and the codes of unknown keywords.
 // Where the slots stored before a raise are in sight (back to the previous
 // raise or the start of the function, at most 20 lines), its text uses only
 // those, so that no text prints a value left over from an earlier message.
-TEST(CatalogueSource, EveryRaisedCodeHasATextThatUsesTheSlotsSet) {
+TEST(CatalogueSource, TextsAndTheCodesRaised) {
     const std::regex ermes(R"(zorvs_ermes\s*\(\s*[1-8]\s*,([^;]*?)\)\s*;)");
     const std::regex other(R"(\b\w*(?:raise|ermes)\w*\s*\(\s*[1-8]\s*,\s*(\d{3,6})\b|\bunknown\s*\([^,()]*,\s*(\d{3,6})\s*\))");
     const std::regex number(R"(\b\d{3,6}\b)"), literal(R"(zorvs_ermes\s*\(\s*[1-8]\s*,\s*(\d{3,6})\s*\))");
     const std::regex setter(R"(zorvs_e1st([ilrd])\s*\(\s*-?(\d)|zorvs_error_param\.([ilr])\s*\[\s*(\d)\s*\])");
+    ASSERT_GT(catalogue().size(), 250u);
+    std::set<std::string> names;
+    for (const auto &[code, e] : catalogue()) {
+        EXPECT_TRUE(e.name.size() <= 31 && std::regex_match(e.name, std::regex("[A-Z][A-Z0-9_]*"))) << code;
+        EXPECT_TRUE(names.insert(e.name).second && code < 65536) << "name twice or code too large: " << code;
+        EXPECT_TRUE(!e.text.empty() && e.text.back() == '.') << code;  // a sentence for a terminal
+        for (auto [kind, slot] : placeholders(e.text)) EXPECT_TRUE(kind != '?' && slot >= 1) << code;
+    }
     std::map<long, std::string> raised;
     int windows = 0;
     for (const auto &entry : fs::recursive_directory_iterator(source_root + "/lib")) {
@@ -118,67 +119,6 @@ TEST(CatalogueSource, EveryRaisedCodeHasATextThatUsesTheSlotsSet) {
         EXPECT_TRUE(catalogue().count(code)) << code;
 }
 
-// The generated file decoded without the library: magic 29432, the count,
-// the offset unit 2^shift, ascending codes, then text and name of each.
-bool decode(const std::string &path, bool big, std::map<long, Entry> &entries, std::size_t &text_start) {
-    const std::string b = read_all(path);
-    auto word = [&](std::size_t at) -> unsigned {
-        unsigned x = static_cast<unsigned char>(b[at]), y = static_cast<unsigned char>(b[at + 1]);
-        return big ? (x << 8 | y) : (y << 8 | x);
-    };
-    if (b.size() < 14 || word(0) != 29432) return false;
-    const std::size_t n = word(4), shift = word(12);
-    text_start = shift == 0 ? 4 * n + 15 : ((4 * n + 16 + (1u << shift) - 1) >> shift) << shift;
-    for (std::size_t k = 0; k < n; ++k) {
-        const unsigned code = word(14 + 2 * k);
-        const std::size_t at = text_start + (static_cast<std::size_t>(word(14 + 2 * n + 2 * k)) << shift);
-        if ((k > 0 && code <= entries.rbegin()->first) || at >= b.size()) return false;
-        Entry &e = entries[code];
-        e.text = b.c_str() + at;
-        e.name = b.c_str() + at + e.text.size() + 1;
-    }
-    return true;
-}
-
-TEST(CatalogueFile, EveryVariantHoldsEverySourceMessage) {
-    const std::size_t n = catalogue().size(), padded = (4 * n + 16 + 3) / 4 * 4;
-    const struct {
-        std::string path;
-        bool big;
-        std::size_t text_start;
-    } files[] = {{build_dir + "/zorvs_e.bin", false, 4 * n + 15}, {variants + "/le0/zorvs_e.bin", false, 4 * n + 15},
-                 {variants + "/be0/zorvs_e.bin", true, 4 * n + 15}, {variants + "/le2/zorvs_e.bin", false, padded},
-                 {variants + "/be2/zorvs_e.bin", true, padded}};
-    for (const auto &f : files) {
-        std::map<long, Entry> entries;
-        std::size_t start = 0;
-        ASSERT_TRUE(decode(f.path, f.big, entries, start)) << f.path;
-        EXPECT_EQ(start, f.text_start) << f.path;
-        EXPECT_EQ(entries.size(), n) << f.path;
-        for (const auto &[code, e] : catalogue())
-            EXPECT_TRUE(entries[code].text == e.text && entries[code].name == e.name) << f.path << " " << code;
-        // Read in the wrong byte order the magic does not match.
-        EXPECT_FALSE(decode(f.path, !f.big, entries, start)) << f.path;
-    }
-}
-
-TEST(CatalogueFile, GeneratorRefusesBadSources) {
-    const std::string dir = fs::temp_directory_path() / ("zorvs_catalogue_" + std::to_string(getpid()));
-    fs::create_directories(dir);
-    const std::pair<std::string, bool> cases[] = {
-        {"7 GOOD_NAME\n    A text.\n", true},       {"7 SAME\n    A.\n8 SAME\n    B.\n", false},
-        {"7 ONE\n    A.\n7 TWO\n    B.\n", false},   {"7 " + std::string(31, 'N') + "\n    A.\n", true},
-        {"7 " + std::string(32, 'N') + "\n    A.\n", false}, {"7 lower_case\n    A.\n", false},
-        {"7 NO_TEXT\n", false},                      {"70000 LOW_PART_TOO_LARGE\n    A.\n", false},
-    };
-    for (const auto &[source, good] : cases) {
-        std::ofstream(dir + "/in.msg") << source;
-        std::string cmd = std::string(ZORVS_CATALOGUE_TOOL) + " -o " + dir + "/out.bin " + dir + "/in.msg 2>/dev/null";
-        EXPECT_EQ(std::system(cmd.c_str()) == 0, good) << source;
-    }
-    fs::remove_all(dir);
-}
-
 // Reading by the library, in a fresh process each (a catalogue is opened once
 // for the life of a process): the search path, what the lookups give, and
 // what the process prints on its error unit.
@@ -195,93 +135,57 @@ TEST(CatalogueProcess, PathsVariantsAndFallbacks) {
     unsetenv("ZORVS_TEST_UNSET_VARIABLE");
     static const auto all_agree = [] {
         for (const auto &[code, e] : catalogue())
-            if (zorvs_find_message(int(code)) != e.text || zorvs_find_name(int(code)) != e.name) return false;
+            if (message(int(code)) != e.text || name(int(code)) != e.name) return false;
         return true;
     };
     const struct { std::string path; bool (*lookups)(); const char *printed; } cases[] = {
-        {variants + "/le0/", all_agree, "^$"}, {variants + "/be0/", all_agree, "^$"},
-        {variants + "/le2/", all_agree, "^$"}, {variants + "/be2/", all_agree, "^$"},
-        // Codes 102 and 100102 look in two different files.
+        // Both byte orders, both offset units: every message as in the source.
+        {variants + "/le0/", all_agree, "^$"},
+        {variants + "/be0/", all_agree, "^$"},
+        {variants + "/le2/", all_agree, "^$"},
+        {variants + "/be2/", all_agree, "^$"},
+        // Codes 102 and 100102 look in two different files; codes without a
+        // text get "Error code N." and the number as their name.
         {variants + "/file1/:" + build_dir + "/",
          [] {
-             return zorvs_find_message(102) == catalogue().at(102).text &&
-                    std::string(zorvs_find_message(100102)) ==
-                        "This text comes from the second catalogue file, slot %(i1)." &&
-                    std::string(zorvs_find_name(100102)) == "SECOND_FILE_MESSAGE" &&
-                    std::string(zorvs_find_message(100103)) == "Error code 100103.";
+             return message(102) == catalogue().at(102).text && name(100102) == "SECOND_FILE_MESSAGE" && name(-7) == "-7" &&
+                    message(100102) == "This text comes from the second catalogue file, slot %(i1)." &&
+                    message(100103) == "Error code 100103." && message(300001) == "Error code 300001.";
          },
          "^$"},
         // "$VAR/rest" expands, an unset variable's entry is skipped, a
         // variable may hold the whole prefix; no "/" is added.
-        {"$ZORVS_TEST_UNSET_VARIABLE/:/nonexistent:$ZORVS_TEST_CATALOGUE_DIR/be2/",
-         [] { return std::string(zorvs_find_name(11001)) == "UNKNOWN_KEYWORD"; }, "^$"},
-        {"/nonexistent/:$ZORVS_TEST_CATALOGUE_PREFIX",
-         [] { return std::string(zorvs_find_name(132)) == "INDEX_OUT_OF_RANGE"; }, "^$"},
+        {"$ZORVS_TEST_UNSET_VARIABLE/:/nonexistent:$ZORVS_TEST_CATALOGUE_DIR/be2/", [] { return name(11001) == "UNKNOWN_KEYWORD"; }, "^$"},
+        {"/nonexistent/:$ZORVS_TEST_CATALOGUE_PREFIX", [] { return name(132) == "INDEX_OUT_OF_RANGE"; }, "^$"},
         // A path set through the options is used, and kept where they keep it.
         {"/nonexistent/zorvs/",
          [] {
              const std::string good = variants + "/be0/";
              zorvs_error_options(ZORVS_ERROR_MSG_PATH, good.c_str(), 0);
-             return std::string(zorvs_find_name(20422)) == "PERMUTATION_ENTRY_OUT_OF_RANGE" &&
-                    good == zorvs_error_param.path;
+             return name(20422) == "PERMUTATION_ENTRY_OUT_OF_RANGE" && good == zorvs_error_param.path;
          },
          "^$"},
         // A process that raises nothing never looks for the file.
-        {"/nonexistent/zorvs/",
-         [] {
-             int w = 0;
-             zorvs_page(1, &w);
-             return zorvs_d_vmax(3, 1.0, 5.0, 2.0) == 5.0 && w == 78 && zorvs_f_machine(4) > 0;
-         },
-         "^$"},
+        {"/nonexistent/zorvs/", [] { return zorvs_d_vmax(3, 1.0, 5.0, 2.0) == 5.0 && zorvs_f_machine(4) > 0; }, "^$"},
         // Without a catalogue: the notice once, then "Error code N." named by N.
         {"/nonexistent/zorvs/",
          [] {
              zorvs_error_options(ZORVS_SET_STOP, 4, 0, 0);
-             for (int k = 0; k < 2; ++k) {
-                 zorvs_e1psh("zorvs_d_vmax");
-                 zorvs_ermes(4, 11054);
-                 zorvs_e1pop("zorvs_d_vmax");
-             }
+             for (int k = 0; k < 2; ++k) zorvs::framed("zorvs_d_vmax", [] { zorvs_ermes(4, 11054); });
              return true;
          },
          "^Error in reading zorvs_e.bin\nFile not found.\n\n"
          "\\*\\*\\* FATAL    Error 11054 from zorvs_d_vmax.  Error code 11054.\n\n"
          "\n\\*\\*\\* FATAL    Error 11054 from zorvs_d_vmax.  Error code 11054.\n\n$"},
-        {bad_dir + "/magic/",
-         [] { return std::string(zorvs_find_message(132)) == "Error code 132." && std::string(zorvs_find_name(11001)) == "11001"; },
+        {bad_dir + "/magic/", [] { return message(132) == "Error code 132." && name(11001) == "11001"; },
          "^Error in reading zorvs_e.bin\nFile is not in zorverr.bin format.\n$"},
-        {bad_dir + "/short/", [] { return std::string(zorvs_find_message(11001)) == "Error code 11001."; },
-         "^Error in reading zorvs_e.bin\n"},
+        {bad_dir + "/short/", [] { return message(11001) == "Error code 11001."; }, "^Error in reading zorvs_e.bin\n"},
     };
     for (const auto &c : cases)
         EXPECT_EXIT((setenv("ZORVSERRPATH", c.path.c_str(), 1), std::exit(c.lookups() ? 0 : 1)),
                     ::testing::ExitedWithCode(0), c.printed)
             << c.path;
     fs::remove_all(bad_dir);
-}
-
-// Texts in printed messages, from the catalogue of the build tree.
-TEST(CataloguePrint, HeadsCarryTheSymbolicName) {
-    // Codes without a text: the fallback text and the number as the name.
-    EXPECT_STREQ(zorvs_find_name(-7), "-7");
-    EXPECT_STREQ(zorvs_find_message(300001), "Error code 300001.");
-    zorvs_test::Quiet q;
-    zorvs_e1psh("zorvs_d_vmax");
-    zorvs_e1sti(1, 3);
-    zorvs_e1str(1, -2.0);
-    zorvs_ermes(4, 11054);
-    zorvs_e1pop("zorvs_d_vmax");
-    zorvs_e1psh("zorvs_f_table_oneway");
-    zorvs_e1sti(1, 0);
-    zorvs_ermes(4, 11002);
-    zorvs_e1pop("zorvs_f_table_oneway");
-    EXPECT_EQ(q.errors.take(),
-              "\n*** FATAL    Error NEGATIVE_FREQUENCY from zorvs_d_vmax.  The frequency -2\n"
-              "***          in row 3 of the data given in this call is negative; frequencies\n"
-              "***          must be 0 or more.\n\n"
-              "\n*** FATAL    Error TOO_FEW_OBSERVATIONS from zorvs_f_table_oneway.  The\n"
-              "***          number of observations, 0, must be at least 1.\n\n");
 }
 
 }  // namespace

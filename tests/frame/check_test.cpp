@@ -13,17 +13,6 @@ using zorvs_test::slots;
 
 const double nan = std::nan(""), inf = std::numeric_limits<double>::infinity();
 
-// Runs checks inside a frame, so that their messages belong to a routine.
-class Check : public zorvs_test::Fresh {
-protected:
-    void SetUp() override {
-        Fresh::SetUp();
-        zorvs_e1psh("zorvs_checked_routine");
-    }
-    void TearDown() override { zorvs_e1pop("zorvs_checked_routine"); }
-    zorvs_test::Quiet q;
-};
-
 const double r_bad[] = {1, 0, 0, 2, 0, 0, 3, 4, 5};  // row 2: zero diagonal, 4 and 5 to its right
 const float r_good[] = {1, 0, 0, 2, 0, 0, 3, 0, 5};
 const int indcl[] = {1, 4}, nvef[] = {1, 2}, indef[] = {1, 2, 3}, bad_nvef[] = {0, 2}, bad_indef[] = {1, 5, 2};
@@ -64,7 +53,10 @@ const struct {
     {[](int *a) { zorvs_c1ef(0, 0, nullptr, 0, nullptr, nullptr, a); }, 5, 603, "l1=NCOL", -1},
 };
 
-TEST_F(Check, EachCheck) {
+// The checks run inside a frame, so that their messages belong to a routine.
+TEST(Check, EachCheck) {
+    zorvs_test::Quiet q;
+    zorvs_e1psh("zorvs_checked_routine");
     for (const auto &c : check_cases) {
         SCOPED_TRACE(&c - check_cases);
         zorvs_e1mes(0, 0, nullptr);
@@ -77,74 +69,79 @@ TEST_F(Check, EachCheck) {
             EXPECT_EQ(arg, 10 + c.counted);
         }
     }
+    zorvs_e1pop("zorvs_checked_routine");
 }
 
-TEST(CheckArithmetic, SafeDivision) {
-    const struct { bool single; double a, b, expected; } cases[] = {
-        {false, 0, 0, nan},         {false, 1, 0, inf},        {false, -1, 0, -inf},
-        {false, 1e300, 1e-300, inf}, {false, -1e300, 1e-10, -inf}, {false, 1e-300, 1e100, 0},
-        {false, 6, 3, 2},           {false, nan, 3, nan},      {true, 1e30, 1e-20, inf},
-        {true, 3, -0.5, -6},
-    };
-    for (const auto &c : cases) {
-        double r;
-        float f;
-        if (c.single) zorvs_c1div(static_cast<float>(c.a), static_cast<float>(c.b), &f), r = f;
-        else zorvs_dc1div(c.a, c.b, &r);
-        EXPECT_TRUE(agrees(r, c.expected)) << c.a << " / " << c.b << " gave " << r;
-    }
-}
-
-// The safe F and t ratios with their upper and two-sided tail probabilities
-// (references from R: pf(2, 3, 10, lower = FALSE), 2 * pt(-2, 10), 2 * pt(-3, 4)).
-TEST(CheckArithmetic, FAndTRatios) {
-    // Kinds 'F' and 'T', and 'f' and 't' for the float twins.
-    const struct { char kind; double a, b, df1, df2, ratio, p, tolerance; } cases[] = {
-        {'F', 4, 2, 3, 10, 2, 0.178007407375175, 1e-12}, {'F', 1, 0, 3, 10, inf, 0, 0}, {'F', 0, 0, 3, 10, nan, nan, 0},
-        {'F', 2, 1, 0, 10, 2, nan, 0}, {'F', nan, 1, 3, 10, nan, nan, 0}, {'f', 4, 2, 3, 10, 2, 0.1780074, 1e-5},
-        {'T', -4, 2, 10, 0, -2, 0.0733880347707404, 1e-12}, {'T', -1, 0, 10, 0, -inf, 0, 0},
-        {'T', 1, 2, 0, 0, 0.5, nan, 0}, {'T', 0, 0, 5, 0, nan, nan, 0}, {'t', 3, 1, 4, 0, 3, 0.0399420, 1e-5},
+// The safe division, and the safe F and t ratios with their upper and
+// two-sided tail probabilities (references from R: pf(2, 3, 10, lower = FALSE),
+// 2 * pt(-2, 10), 2 * pt(-3, 4)).  Kinds '/', 'F' and 'T', and '|', 'f' and 't'
+// for the float twins.
+TEST(CheckArithmetic, DivisionAndRatios) {
+    const struct { char kind; double a, b; int df1, df2; double ratio, p, tolerance; } cases[] = {
+        {'/', 0, 0, 0, 0, nan, 0, 0},
+        {'/', 1, 0, 0, 0, inf, 0, 0},
+        {'/', -1, 0, 0, 0, -inf, 0, 0},
+        {'/', 1e300, 1e-300, 0, 0, inf, 0, 0},
+        {'/', -1e300, 1e-10, 0, 0, -inf, 0, 0},
+        {'/', 1e-300, 1e100, 0, 0, 0, 0, 0},
+        {'/', 6, 3, 0, 0, 2, 0, 0},
+        {'/', nan, 3, 0, 0, nan, 0, 0},
+        {'|', 1e30, 1e-20, 0, 0, inf, 0, 0},
+        {'|', 3, -0.5, 0, 0, -6, 0, 0},
+        {'F', 4, 2, 3, 10, 2, 0.178007407375175, 1e-12},
+        {'F', 1, 0, 3, 10, inf, 0, 0},
+        {'F', 0, 0, 3, 10, nan, nan, 0},
+        {'F', 2, 1, 0, 10, 2, nan, 0},
+        {'F', nan, 1, 3, 10, nan, nan, 0},
+        {'f', 4, 2, 3, 10, 2, 0.1780074, 1e-5},
+        {'T', -4, 2, 10, 0, -2, 0.0733880347707404, 1e-12},
+        {'T', -1, 0, 10, 0, -inf, 0, 0},
+        {'T', 1, 2, 0, 0, 0.5, nan, 0},
+        {'T', 0, 0, 5, 0, nan, nan, 0},
+        {'t', 3, 1, 4, 0, 3, 0.0399420, 1e-5},
     };
     zorvs_test::Quiet q;
     for (const auto &c : cases) {
-        double ratio, p;
-        float fr, fp;
+        SCOPED_TRACE(::testing::Message() << c.kind << " " << c.a << " " << c.b);
+        double ratio = 0, p = 0;
+        float fr = 0, fp = 0;
         switch (c.kind) {
-            case 'F': zorvs_dc1f(c.a, c.b, static_cast<int>(c.df1), static_cast<int>(c.df2), &ratio, &p); break;
-            case 'T': zorvs_dc1t(c.a, c.b, static_cast<int>(c.df1), &ratio, &p); break;
-            case 'f': zorvs_c1f(c.a, c.b, static_cast<int>(c.df1), static_cast<int>(c.df2), &fr, &fp); break;
-            default: zorvs_c1t(c.a, c.b, static_cast<int>(c.df1), &fr, &fp);
+            case '/': zorvs_dc1div(c.a, c.b, &ratio); break;
+            case '|': zorvs_c1div(static_cast<float>(c.a), static_cast<float>(c.b), &fr); break;
+            case 'F': zorvs_dc1f(c.a, c.b, c.df1, c.df2, &ratio, &p); break;
+            case 'T': zorvs_dc1t(c.a, c.b, c.df1, &ratio, &p); break;
+            case 'f': zorvs_c1f(c.a, c.b, c.df1, c.df2, &fr, &fp); break;
+            default: zorvs_c1t(c.a, c.b, c.df1, &fr, &fp);
         }
-        if (c.kind == 'f' || c.kind == 't') ratio = fr, p = fp;
-        EXPECT_TRUE(agrees(ratio, c.ratio)) << c.kind << " " << c.a << "/" << c.b << ": " << ratio;
-        EXPECT_TRUE(agrees(p, c.p, c.tolerance)) << c.kind << " " << c.a << "/" << c.b << ": " << p;
+        if (std::strchr("|ft", c.kind)) ratio = fr, p = fp;
+        EXPECT_TRUE(agrees(ratio, c.ratio)) << ratio;
+        EXPECT_TRUE(agrees(p, c.p, c.tolerance)) << p;
         EXPECT_EQ(zorvs_error_type(), 0);
     }
 }
 
 // One row's frequency and weight from columns 2 and 3 of a 5 x 3 matrix:
 // rows (1, 1, 2), (2, 0, NaN), (3, NaN, NaN), (4, -2, 1), (5, 6, -4).
-template <class T>
-void check_frequency_reader() {
+ZORVS_TWIN_SUITE(FrequencyReader);
+TYPED_TEST(FrequencyReader, RowByRow) {
+    using T = TypeParam;
     const T x[] = {1, 2, 3, 4, 5, 1, 0, T(nan), -2, 6, 2, T(nan), T(nan), 1, -4};
     // The count of missing rows, nmiss, runs on from row to row.
     const struct {
-        int ido, group, row, sign, ifrq, iwt, status, nmiss;
-        double freq, weight;
-        int type, code;
-        const char *slots;
+        int ido, group, row, sign, ifrq, iwt, status, nmiss, type, code; double freq, weight; const char *slots;
     } cases[] = {
-        {0, 0, 1, 1, 2, 3, 0, 0, 1, 2, 0, 0, ""},
-        {0, 0, 2, 1, 2, 3, 1, 0, 0, nan, 0, 0, ""},  // zero frequency: not missing
-        {0, 0, 3, 1, 2, 3, 2, 1, nan, nan, 0, 0, ""},
-        {0, 0, 1, -1, 2, 3, 0, 1, -1, 2, 0, 0, ""},  // removing a row turns the sign
-        {0, 0, 3, -1, 2, 3, 2, 0, nan, nan, 0, 0, ""},
-        {0, 0, 4, 1, 0, 0, 0, 0, 1, 1, 0, 0, ""},  // no columns: 1 and 1
-        {0, 0, 4, 1, 2, 0, 3, 0, -2, 1, 4, 11055, "i1=4 r1=-2"},
-        {2, 7, 5, 1, 2, 3, 3, 0, 6, -4, 4, 11056, "i2=7 r1=-4"},
-        {0, 0, 5, 1, 0, 3, 3, 0, 1, -4, 4, 11057, ""},
-        {1, 3, 4, 1, 2, 0, 3, 0, -2, 1, 4, 11054, ""},
+        {0, 0, 1, 1, 2, 3, 0, 0, 0, 0, 1, 2, ""},
+        {0, 0, 2, 1, 2, 3, 1, 0, 0, 0, 0, nan, ""},  // zero frequency: not missing
+        {0, 0, 3, 1, 2, 3, 2, 1, 0, 0, nan, nan, ""},
+        {0, 0, 1, -1, 2, 3, 0, 1, 0, 0, -1, 2, ""},  // removing a row turns the sign
+        {0, 0, 3, -1, 2, 3, 2, 0, 0, 0, nan, nan, ""},
+        {0, 0, 4, 1, 0, 0, 0, 0, 0, 0, 1, 1, ""},  // no columns: 1 and 1
+        {0, 0, 4, 1, 2, 0, 3, 0, 4, 11055, -2, 1, "i1=4 r1=-2"},
+        {2, 7, 5, 1, 2, 3, 3, 0, 4, 11056, 6, -4, "i2=7 r1=-4"},
+        {0, 0, 5, 1, 0, 3, 3, 0, 4, 11057, 1, -4, ""},
+        {1, 3, 4, 1, 2, 0, 3, 0, 4, 11054, -2, 1, ""},
     };
+    zorvs_test::Quiet q;
     zorvs_e1psh("zorvs_checked_routine");
     int nmiss = 0;
     for (const auto &c : cases) {
@@ -152,21 +149,14 @@ void check_frequency_reader() {
         zorvs_e1mes(0, 0, nullptr);
         int status = -1;
         T f = 0, w = 0;
-        if constexpr (sizeof(T) == sizeof(float))
-            zorvs_c1wfr(c.ido, c.group, x, 5, c.row, c.sign, c.ifrq, c.iwt, 0, &nmiss, &f, &w, &status);
-        else
-            zorvs_dc1wfr(c.ido, c.group, x, 5, c.row, c.sign, c.ifrq, c.iwt, 0, &nmiss, &f, &w, &status);
+        zorvs_test::twin<T>(zorvs_c1wfr, zorvs_dc1wfr)(c.ido, c.group, x, 5, c.row, c.sign, c.ifrq, c.iwt, 0, &nmiss, &f,
+                                                       &w, &status);
         EXPECT_EQ(std::make_pair(status, nmiss), std::make_pair(c.status, c.nmiss));
         EXPECT_TRUE(status == 1 || status == 2 || (agrees(f, c.freq) && agrees(w, c.weight))) << f << " " << w;
         EXPECT_EQ(std::make_pair(zorvs_n1rty(0), zorvs_n1rcd(0)), std::make_pair(c.type, c.code));
         EXPECT_EQ(slots(c.slots), c.slots);
     }
     zorvs_e1pop("zorvs_checked_routine");
-}
-
-TEST_F(Check, FrequencyReader) {
-    check_frequency_reader<double>();
-    check_frequency_reader<float>();
 }
 
 }  // namespace

@@ -36,7 +36,6 @@ TEST(Machine, CallsAndTheirMessages) {
     static int v;
     static FILE *f;
     zorvs_test::expect_calls({
-        {"valid indices", [] { for (int i = 1; i <= 8; ++i) zorvs_f_machine(i), zorvs_d_machine(i); }, 0, 0},
         {"f_machine(0)", [] { EXPECT_EQ(zorvs_f_machine(0), 0.0f); }, 5, 132, "i1=1 i2=8 i3=0 l1=n",
          "TERMINAL Error from zorvs_f_machine.  The argument n = 0 must be from 1 to 8."},
         {"d_machine(9)", [] { EXPECT_EQ(zorvs_d_machine(9), 0.0); }, 5, 132, "i1=1 i2=8 i3=9", "from zorvs_d_machine"},
@@ -53,31 +52,10 @@ TEST(Machine, CallsAndTheirMessages) {
         {"page length 9", [] { zorvs_page(-2, &v); }, 5, 10022, "i1=9"},
         {"page option 0", [] { zorvs_page(0, &v); }, 5, 10020},
         {"page option 3", [] { zorvs_page(3, &v), zorvs_page(-3, &v); EXPECT_EQ(v, 9); }, 5, 10020},
-        {"null argument",
-         [] {
-             zorvs_e1psh("zorvs_f_write_matrix");
-             zorvs_null_pointer("title", -1, &v);
-             zorvs_null_pointer("title", -1, nullptr);
-             zorvs_e1pop("zorvs_f_write_matrix");
-         },
-         5, 150, "l1=title", "The argument title is a null pointer"},
+        {"null argument", [] { zorvs_null_pointer("title", -1, &v), zorvs_null_pointer("title", -1, nullptr); }, 5, 150, "l1=title"},
         {"null element", [] { zorvs_null_pointer("rlabel", 3, nullptr); }, 5, 151, "i1=3 l1=rlabel",
          "Element 3 of the array rlabel is a null pointer"},
     });
-}
-
-// Units are read and set by every capture of the suite; here the input
-// unit and the settings that are not: the units by number, the page length.
-TEST(Machine, UnitsAndPage) {
-    FILE *in = nullptr, *out = nullptr, *mine = std::tmpfile();
-    zorvs_umach(1, &in), zorvs_umach(-2, &mine), zorvs_umach(2, &out);
-    EXPECT_TRUE(in == stdin && out == mine);
-    out = stdout;
-    zorvs_umach(-2, &out);
-    std::fclose(mine);
-    int length = 0, v = 10;
-    zorvs_page(2, &length), zorvs_page(-2, &v), zorvs_page(2, &v);
-    EXPECT_EQ(length * 100 + v, 60 * 100 + 10);
 }
 
 TEST(Machine, VersionsAndTime) {
@@ -88,16 +66,11 @@ TEST(Machine, VersionsAndTime) {
     EXPECT_NE(std::strstr(compiler, __VERSION__), nullptr) << compiler;
     EXPECT_EQ(std::strncmp(os, "Linux", 5), 0) << os;
     for (char *p : {a, b, compiler, os}) std::free(p);
-    // Processor time moves with work (spin until a tick passes, bounded).
+    // Processor time moves with work: the inquiries themselves, until a tick
+    // passes (bounded).
     double t0 = zorvs_ctime(), t1 = t0;
-    volatile double sink = 0.0;
-    for (long k = 0; k < 2000000000L && t1 <= t0; ++k) {
-        sink = sink + std::sqrt(static_cast<double>(k));
-        if ((k & 0xFFFFF) == 0) t1 = zorvs_ctime();
-    }
-    EXPECT_GE(t0, 0.0);
-    EXPECT_GT(t1, t0);
-    EXPECT_LT(t1 - t0, 60.0);
+    for (long k = 0; k < 100000000L && t1 <= t0; ++k) t1 = zorvs_ctime();
+    EXPECT_TRUE(t0 >= 0 && t1 > t0 && t1 - t0 < 60) << t0 << " " << t1;
 }
 
 }  // namespace

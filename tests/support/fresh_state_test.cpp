@@ -7,28 +7,24 @@
 
 namespace {
 
+// The page size the process started with, read before the first test.
+int width = 0, length = 0;
+
 class FreshState : public ::testing::EmptyTestEventListener {
-public:
-    FreshState() {
-        zorvs_page(1, &width_);
-        zorvs_page(2, &length_);
-    }
     void OnTestStart(const ::testing::TestInfo &) override {
+        int unused = 0, w = width, l = length;
         zorvs_e1mes(0, 0, nullptr);
-        int unused = 0;
         zorvs_write_options(0, &unused);
-        int w = width_, l = length_;
         zorvs_page(-1, &w);
         zorvs_page(-2, &l);
         zorvs_error_options(ZORVS_SET_STOP, 1, 0, ZORVS_SET_STOP, 2, 0, ZORVS_SET_STOP, 3, 0, ZORVS_SET_STOP, 4, 1,
                             ZORVS_SET_STOP, 5, 1, 0);
     }
-
-private:
-    int width_ = 0, length_ = 0;
 };
 
 const bool registered = [] {
+    zorvs_page(1, &width);
+    zorvs_page(2, &length);
     ::testing::UnitTest::GetInstance()->listeners().Append(new FreshState);
     return true;
 }();

@@ -1,39 +1,32 @@
 // tables.hpp - helpers of the table-driven tests: rows of calls with the
-// value and the (type, code) each must give, rows of process stops, the
-// float or double routine of a twin, and the largest error of a sweep.  The
-// one header a test file includes besides the headers of what it tests:
+// value and the (type, code) each must give, the float or double routine of
+// a twin, and the largest error of a sweep.  The one header a test file includes besides the headers of what it tests:
 // GoogleTest, the standard headers the tests use, the public header and the
 // frame's internals (allocation failures, the routine frame).
 #ifndef ZORVS_TEST_TABLES_HPP
 #define ZORVS_TEST_TABLES_HPP
 
-#include <gtest/gtest.h>
+// GoogleTest, the public header and the standard headers of capture.hpp
+// (<algorithm>, <cstdio>, <cstdlib>, <functional>, <sstream>, <string>,
+// <vector>) come with it.
+#include "support/capture.hpp"
 
-#include <algorithm>
 #include <array>
 #include <cfloat>
 #include <climits>
 #include <cmath>
 #include <cstdarg>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <functional>
 #include <limits>
 #include <map>
 #include <numeric>
 #include <random>
-#include <sstream>
-#include <string>
 #include <type_traits>
-#include <vector>
 
 #include <unistd.h>
 
 #include "frame/frame.hpp"
-#include "support/capture.hpp"
-#include "zorvstat.h"
 
 namespace zorvs_test {
 
@@ -92,24 +85,14 @@ constexpr auto twin(F f, D d) {
 // within 1e-4 of it), i for integers, l for texts.
 inline void expect_params(const char *params) {
     std::istringstream in(params);
-    std::string item;
-    while (in >> item) {
+    for (std::string item; in >> item;) {
         const int k = item[1] - '0';
-        const std::string v = item.substr(3);
-        if (item[0] == 'i') {
-            EXPECT_EQ(zorvs_error_param.i[k], std::stoi(v)) << item;
-        } else if (item[0] == 'l') {
-            EXPECT_STREQ(zorvs_error_param.l[k], v.c_str()) << item;
-        } else {
-            const double want = std::strtod(v.c_str(), nullptr), got = zorvs_error_param.r[k];
-            if (std::isnan(want)) {
-                EXPECT_TRUE(std::isnan(got)) << item;
-            } else if (item[2] == '~') {
-                EXPECT_NEAR(got, want, 1e-4 * std::fabs(want)) << item;
-            } else {
-                EXPECT_DOUBLE_EQ(got, want) << item;
-            }
-        }
+        const double want = std::strtod(item.c_str() + 3, nullptr), got = zorvs_error_param.r[k];
+        if (item[0] == 'i') { EXPECT_EQ(zorvs_error_param.i[k], std::stoi(item.substr(3))) << item; }
+        else if (item[0] == 'l') { EXPECT_STREQ(zorvs_error_param.l[k], item.c_str() + 3) << item; }
+        else if (std::isnan(want)) { EXPECT_TRUE(std::isnan(got)) << item; }
+        else if (item[2] == '~') { EXPECT_NEAR(got, want, 1e-4 * std::fabs(want)) << item; }
+        else { EXPECT_DOUBLE_EQ(got, want) << item; }
     }
 }
 
@@ -137,28 +120,14 @@ inline void expect_rows(const std::vector<Call> &rows) {
         SCOPED_TRACE(c.what);
         zorvs_e1mes(0, 0, " ");
         const double got = c.call();
-        if (std::isnan(c.want)) {
-            EXPECT_TRUE(std::isnan(got)) << got;
-        } else if (c.want != any && got != c.want) {
-            EXPECT_NEAR(got, c.want, c.tol);
-        }
+        if (std::isnan(c.want)) { EXPECT_TRUE(std::isnan(got)) << got; }
+        else if (c.want != any && got != c.want) { EXPECT_NEAR(got, c.want, c.tol); }
         if (c.type >= 0) { EXPECT_EQ(zorvs_error_type(), c.type) << "code " << zorvs_error_code(); }
         if (c.type > 0 && c.code >= 0) { EXPECT_EQ(zorvs_error_code(), c.code); }
         expect_params(c.params);
         const std::string shown = flat(q.errors.take());
         EXPECT_NE(shown.find(c.text), std::string::npos) << shown;
     }
-}
-
-// A call that must stop the process with the status and a text matching the
-// pattern (a routine's name or its code).
-struct Stop {
-    void (*call)();
-    int status;
-    const char *pattern;
-};
-inline void expect_stops(const std::vector<Stop> &rows) {
-    for (const Stop &s : rows) EXPECT_EXIT(s.call(), ::testing::ExitedWithCode(s.status), s.pattern);
 }
 
 // The first elements of p are the values v, in order (a null p holds none).
@@ -219,9 +188,7 @@ public:
     ~Worst() { std::printf("[measure] %s: largest %.3g\n", name_.c_str(), value_); }
     Worst(const Worst &) = delete;
     Worst &operator=(const Worst &) = delete;
-    void add(double e) {
-        if (e > value_) value_ = e;
-    }
+    void add(double e) { value_ = std::max(value_, e); }  // a NaN leaves it as it is
     double value() const { return value_; }
 
 private:
