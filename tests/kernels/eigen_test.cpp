@@ -141,12 +141,14 @@ double block_warning(T bad, bool sorted, std::vector<int> &order) {
 }
 
 TEST(Eigen, MessagesAsRows) {
-    double a[4] = {1, 0, 0, 1}, eval[2], evec[4], work[4];
+    double a[4] = {1, 0, 0, 1}, eval[2], evec[4], work[4], null[4] = {};
     float af[4] = {1, 0, 0, 1}, ef[2], vf[4], wf[4];
     int iwork[2], zero = 0, one = 1, two = 2;
     std::vector<int> order;
     const std::vector<int> all = {1, 2, 3};
     expect_rows({
+        {ZORVS_DO(zorvs_de5csf(&two, null, &two, eval, evec, &two, work, iwork)), any, 0},
+        {ZORVS_CALL(holds(eval, 0, 0) && holds(evec, 1, 0, 0, 1)), 1},  // the zero matrix: 0 and the identity
         {ZORVS_DO(zorvs_de2csf(&zero, a, &two, eval, evec, &two, work)), any, 5, 20407, "i1=0"},
         {ZORVS_DO(zorvs_de2csf(&two, a, &one, eval, evec, &two, work)), any, 5, 20408, "i1=1 i2=2"},
         {ZORVS_DO(zorvs_e2csf(&two, af, &two, ef, vf, &one, wf)), any, 5, 20409},

@@ -101,7 +101,7 @@ TEST(SortChecks, BadCountsAndEntriesRaiseAndSortNothing) {
     float a[2] = {2, 1}, b[2] = {9, 9}, x[3] = {1, 2, 3}, out[3];
     int p[2] = {1, 2}, ia[2] = {2, 1}, ib[2], zero = 0, three = 3, path = 1, path2 = 2, bad[3] = {2, 4, 1};
     double dx[3] = {1, 2, 3}, dout[3];
-    int twice[3] = {2, 2, 3};
+    int twice[3] = {2, 2, 3}, ix[3] = {7, 8, 9}, cycle[3] = {2, 3, 1}, iout[3];
     expect_rows({
         {ZORVS_DO(zorvs_svrgn(0, a, b)), any, 5, 615, "i1=0"},
         {ZORVS_CALL(b[0]), 9},
@@ -114,6 +114,8 @@ TEST(SortChecks, BadCountsAndEntriesRaiseAndSortNothing) {
         {ZORVS_DO(zorvs_dpermu(&three, dx, twice, &path, dout)), any, 5, 20425, "i1=1 i2=1"},
         {ZORVS_DO(zorvs_dpermu(&three, dx, twice, &path2, dout)), any, 5, 20425, "i1=1 i2=1"},
         {ZORVS_CALL(twice[0] == 2 && twice[1] == 2 && dout[0] == 1 && dout[1] == 2), 1},
+        {ZORVS_DO(zorvs::l_permu(&three, ix, cycle, &path, iout)), any, 0},
+        {ZORVS_CALL(holds(iout, 8, 9, 7)), 1},
         {ZORVS_DO(zorvs_svrgn(2, a, b)), any, 0},
         {ZORVS_CALL(b[0] == 1 && b[1] == 2), 1},
     });

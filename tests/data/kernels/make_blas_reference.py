@@ -6,11 +6,15 @@
 Every operation is done one at a time in numpy's float32 or float64 scalars,
 so each result is rounded as the type rounds it, with the additions in
 ascending element order in one accumulator (the order the kernels promise).
-The inputs are the same integer formula as the test's: element k of input
+The norms (kind 7) are the exact ones, correctly rounded to double.  The
+inputs are the same integer formula as the test's: element k of input
 array s is ((k * 7919 + s * 104729) % 4001 - 2000) / 1000, rounded to the
 type.  Each case lists the expected values it consumes, in the order the
 test reads them; the float and double values share one layout.
 """
+from decimal import Decimal, getcontext
+from fractions import Fraction
+
 import numpy as np
 
 STRIDES = [1, 2, 3, -1, -2, -3]
@@ -133,12 +137,24 @@ def trsv(T, n, form, incx):
     return X
 
 
+def norm(T, n, power):
+    """The Euclidean norm, correctly rounded, of n inputs scaled by 2^power
+    (squares that overflow or underflow the type); 0 where the type cannot
+    hold the scaled inputs (the test skips those)."""
+    if T is np.float32 and abs(power) > 120:
+        return [0.0]
+    x = [Fraction(float(v)) * Fraction(2) ** power for v in inputs(T, 1, n)]
+    getcontext().prec = 60
+    total = sum(v * v for v in x)
+    return [float((Decimal(total.numerator) / Decimal(total.denominator)).sqrt())]
+
+
 def cases():
     """(kind, n, m, k, incx, incy, incz, option) and the function giving its values."""
     for n in (0, 1, 5, 17):
         for i, incx in enumerate(STRIDES):
             for j, incy in enumerate(STRIDES):
-                incz, flag = STRIDES[(i + 2 * j + n) % 6], (i + j + n) % 4
+                incz, flag = STRIDES[(i + 2 * j + n) % 6] if i or j else 1, (i + j + n) % 4
                 yield (0, n, 0, 0, incx, incy, incz, flag), lambda T, a=(n, incx, incy, incz, flag): level_one(T, *a)
         for inc in (1, 2, 3, 0, -1):
             yield (1, n, 0, 0, inc, 0, 0, 0), lambda T, a=(n, inc): count_rule(T, *a)
@@ -155,6 +171,9 @@ def cases():
                 for trans in range(3):
                     yield (4, n, m, 0, incx, incy, 0, trans), lambda T, a=(m, n, trans, incx, incy): gemv(T, *a)
                 yield (5, n, m, 0, incx, incy, 0, 0), lambda T, a=(m, n, incx, incy): ger(T, *a)
+    for power in (-1000, -100, -66, 0, 66, 100, 1000):
+        for n in (1, 2, 5, 100):
+            yield (7, n, 0, 0, power, 0, 0, 0), lambda T, a=(n, power): norm(T, *a)
     for n in (1, 2, 5, 17):
         for form in range(8):
             for incx in STRIDES:
