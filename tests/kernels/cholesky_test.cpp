@@ -188,12 +188,8 @@ TYPED_TEST(CholeskyTwins, SweepRefusesDependentPivotsAndChecksRaise) {
 TEST(Cholesky, SmallUtilitiesAndTheirMessages) {
     int zero = 0, one = 1, two = 2, three = 3, nf = 0, f[9], e[9], p[9];
     double x = -3, b = 0, m[9] = {1, -9, -9, 2, 3, -9, -4, 5, 6}, c[9] = {0}, a[9] = {0}, norm = 0;
-    float a32[] = {1, 2, 3, 4, 5, 6}, b22[4], cf[9], copy[9], nfl = 0;
-    for (int k = 0; k < 9; ++k) cf[k] = float(m[k]);
-    auto factors = [&](int n) {
-        zorvs_prime(&n, &nf, f, e, p);
-        return nf;
-    };
+    float a32[] = {1, 2, 3, 4, 5, 6}, b22[4], cf[9] = {1, -9, -9, 2, 3, -9, -4, 5, 6}, copy[9], nfl = 0;
+    auto factors = [&](int n) { return zorvs_prime(&n, &nf, f, e, p), nf; };
     expect_rows({
         {ZORVS_DO(zorvs_dmxtxf(&one, &one, &x, &one, &one, &b, &one)), any, 0},
         {ZORVS_CALL(b), 9},

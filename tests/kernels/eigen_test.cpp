@@ -44,7 +44,8 @@ std::vector<double> test_matrix(int kind, int n, int seed) {
 struct Quality { double values = 0, residual = 0, orthogonal = 0; };
 
 template <class T>
-Quality assess(int n, const std::vector<T> &a, const std::vector<T> &eval, std::vector<T> evec, const double *reference) {
+Quality assess(int n, const std::vector<T> &a, const std::vector<T> &eval, std::vector<T> evec,
+               const double *reference) {
     const double eps = eps_of<T>;
     auto A = [&](int i, int j) { return double(a[Index(j) * n + i]); };
     auto V = [&](int i, int j) -> T & { return evec[Index(j) * n + i]; };
@@ -114,8 +115,7 @@ TEST(Eigen, GeneratedMatricesAndDataCovariancesAgainstReferenceBothSolvers) {
     }
     for (const auto &c : data_covariances) {
         const std::vector<double> a(c.cov, c.cov + Index(c.n) * c.n);
-        std::vector<double> ascending(c.values, c.values + c.n);
-        std::reverse(ascending.begin(), ascending.end());
+        const std::vector<double> ascending(std::reverse_iterator(c.values + c.n), std::reverse_iterator(c.values));
         const Quality q = solve(true, c.n, a, eval, ascending.data());
         EXPECT_TRUE(q.values < 1 && q.residual < 2 && q.orthogonal < 2) << c.name;
         for (int i = 0; i < c.n; ++i) EXPECT_NEAR(eval[i], c.values[i], 4 * c.n * 2.2e-16 * c.values[0]) << c.name;
@@ -144,8 +144,7 @@ TEST(Eigen, MessagesAsRows) {
     double a[4] = {1, 0, 0, 1}, eval[2], evec[4], work[4], null[4] = {};
     float af[4] = {1, 0, 0, 1}, ef[2], vf[4], wf[4];
     int iwork[2], zero = 0, one = 1, two = 2;
-    std::vector<int> order;
-    const std::vector<int> all = {1, 2, 3};
+    std::vector<int> order, all = {1, 2, 3};
     expect_rows({
         {ZORVS_DO(zorvs_de5csf(&two, null, &two, eval, evec, &two, work, iwork)), any, 0},
         {ZORVS_CALL(holds(eval, 0, 0) && holds(evec, 1, 0, 0, 1)), 1},  // the zero matrix: 0 and the identity
@@ -155,12 +154,10 @@ TEST(Eigen, MessagesAsRows) {
         {ZORVS_DO(zorvs_de5csf(&two, a, &one, eval, evec, &two, work, iwork)), any, 5, -1},
         {ZORVS_DO(zorvs_e5csf(&two, af, &two, ef, vf, &one, wf, iwork)), any, 5, -1, "", 0, "e5csf"},
         {ZORVS_CALL(block_warning(std::nan(""), false, order)), any, 4, 20410},
-        {ZORVS_CALL(block_warning(NaN, true, order) && order == all), 1, 3, 20103, "", 0,
-         "Error EIGEN_BLOCK_NO_CONVERGENCE from zorvs_de5csf."},
+        {ZORVS_CALL(block_warning(NaN, true, order) && order == all), 1, 3, 20103, "", 0, "from zorvs_de5csf."},
         {ZORVS_CALL(block_warning(Inf, true, order) && order == all), 1, 3, 20103},
-        {ZORVS_CALL(block_warning(std::numeric_limits<float>::quiet_NaN(), true, order) && order == all), 1, 3, 20103,
-         "", 0, "Error EIGEN_BLOCK_NO_CONVERGENCE from zorvs_e5csf."},
-        {ZORVS_CALL(block_warning(-std::numeric_limits<float>::infinity(), true, order) && order == all), 1, 3, 20103},
+        {ZORVS_CALL(block_warning(float(NaN), true, order) && order == all), 1, 3, 20103, "", 0, "from zorvs_e5csf."},
+        {ZORVS_CALL(block_warning(-float(Inf), true, order) && order == all), 1, 3, 20103},
     });
 }
 

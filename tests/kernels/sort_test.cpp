@@ -33,12 +33,10 @@ std::vector<T> make_input(Shape shape, int n, unsigned seed) {
 // p is a permutation of 1..n taking a to sorted: a[p[i] - 1] = sorted[i].
 template <class T>
 void expect_permutation(const std::vector<int> &p, const std::vector<T> &a, const std::vector<T> &sorted) {
-    std::vector<bool> seen(p.size(), false);
-    for (std::size_t i = 0; i < p.size(); ++i) {
-        ASSERT_TRUE(p[i] >= 1 && p[i] <= int(p.size()) && !seen[p[i] - 1]) << i;
-        seen[p[i] - 1] = true;
-        ASSERT_EQ(a[p[i] - 1], sorted[i]) << i;
-    }
+    std::vector<int> q = p;
+    std::sort(q.begin(), q.end());
+    for (std::size_t i = 0; i < q.size(); ++i) ASSERT_EQ(q[i], int(i) + 1);
+    for (std::size_t i = 0; i < p.size(); ++i) ASSERT_EQ(a[p[i] - 1], sorted[i]) << i;
 }
 
 // The keys-only and the carrying sort of each type; the integer sort with a
@@ -57,9 +55,8 @@ TYPED_TEST_SUITE(SortKeys, Keys);
 
 TYPED_TEST(SortKeys, KeysAndPermutationAgreeWithStdSort) {
     using T = TypeParam;
-    for (int n : {1, 2, 3, 11, 12, 13, 100, 1000, 100000, 1000000}) {
-        for (Shape s : {Shape::random, Shape::sorted, Shape::reverse, Shape::equal, Shape::ties, Shape::organ,
-                        Shape::nearly}) {
+    for (int n : {1, 2, 3, 11, 12, 13, 100, 1000, 100000, 1000000})
+        for (Shape s = Shape::random; s <= Shape::nearly; s = Shape(int(s) + 1)) {
             if (n == 1000000 && s != Shape::random && s != Shape::ties && s != Shape::nearly) continue;
             const auto a = make_input<T>(s, n, 100 + n);
             auto expected = a;
@@ -76,20 +73,19 @@ TYPED_TEST(SortKeys, KeysAndPermutationAgreeWithStdSort) {
                 // by magnitude, the signs kept, with equal magnitudes of both signs
                 auto v = a;
                 for (int i = 0; i < n; i += 3) v[i] = -v[i + 1 < n ? i + 1 : i];
-                std::vector<T> out(n), mags(n);
-                std::transform(v.begin(), v.end(), mags.begin(), [](T e) { return std::fabs(e); });
-                std::sort(mags.begin(), mags.end());
+                std::vector<T> out(n), m(n);  // the sorted magnitudes
+                std::transform(v.begin(), v.end(), m.begin(), [](T e) { return std::fabs(e); });
+                std::sort(m.begin(), m.end());
                 ZORVS_TWIN(svrbn, dsvrbn)(&n, v.data(), out.data());
                 std::iota(p.begin(), p.end(), 1);
                 zorvs::l_svrbp(&n, v.data(), c.data(), p.data());
-                for (int i = 0; i < n; ++i) ASSERT_TRUE(std::fabs(out[i]) == mags[i] && std::fabs(c[i]) == mags[i]) << i;
+                for (int i = 0; i < n; ++i) ASSERT_TRUE(std::fabs(out[i]) == m[i] && std::fabs(c[i]) == m[i]) << i;
                 expect_permutation(p, v, c);
                 std::sort(v.begin(), v.end());
                 std::sort(out.begin(), out.end());
                 ASSERT_EQ(v, out);  // the keys-only sort keeps the signed values
             }
         }
-    }
 }
 
 // Bad counts and entries: nothing sorted; a bad permutation entry reported

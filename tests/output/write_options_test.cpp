@@ -6,8 +6,7 @@
 
 namespace {
 
-using zorvs_test::set_write_option;
-using zorvs_test::write_option;
+using namespace zorvs_test;
 
 TEST(WriteOptions, DefaultsSettingsAndRefusals) {
     // Option, its default, a value it takes, and a value it refuses with the
@@ -20,14 +19,14 @@ TEST(WriteOptions, DefaultsSettingsAndRefusals) {
         {5, 0, 1, -1, 109, "i1=0 i2=1 i3=-1 l1=ZORVS_SET_TITLE_PAGE"},
         {6, 0, 2, 3, 109, "i1=0 i2=2 i3=3 l1=ZORVS_SET_FORMAT"},
     };
-    zorvs_test::Quiet q;
+    Quiet q;
     int unused = 0;
     for (const auto &c : cases) {
         EXPECT_EQ(write_option(c.option), c.fallback) << c.option;
         set_write_option(c.option, c.good);
         set_write_option(c.option, c.bad);
         EXPECT_EQ(zorvs_error_code(), c.code) << c.option;
-        EXPECT_EQ(zorvs_test::slots(c.slots), c.slots);
+        EXPECT_EQ(slots(c.slots), c.slots);
         EXPECT_EQ(write_option(c.option), c.good) << c.option;
         zorvs_write_options(0, &unused);
         EXPECT_EQ(write_option(c.option), c.fallback) << c.option;
@@ -51,7 +50,7 @@ TEST(WriteOptions, LinesAndPaging) {
     int length = 10;
     zorvs_page(-2, &length);
     for (const auto &c : cases) {
-        zorvs_test::UnitCapture out(false);
+        UnitCapture out(false);
         set_write_option(3, c.paging);
         for (int k = 0; k < c.lines; ++k) zorvs_write_line(c.n, c.text);
         const std::string text = out.take();
@@ -67,15 +66,15 @@ TEST(WriteOptions, TextsAndScalars) {
         {"abcdefghij", 4, "abcd\nefgh\nij\n", 0}, {"", 0, "", 0},        {"text", 0, "", 10011},
         {std::string(256, 'x'), 10, "", 10012}, {std::string(255, 'x'), 255, std::string(255, 'x') + "\n", 0},
     };
-    zorvs_test::Quiet q;
+    Quiet q;
     for (const auto &c : cases) {
-        zorvs_test::UnitCapture out(false);
+        UnitCapture out(false);
         zorvs_e1mes(0, 0, nullptr);
         zorvs_wrtrl(c.text.c_str(), c.width);
         EXPECT_EQ(out.take(), c.printed) << c.text;
         EXPECT_EQ(zorvs_error_code(), c.code) << c.text;
     }
-    zorvs_test::UnitCapture out(false);
+    UnitCapture out(false);
     set_write_option(3, 0);
     zorvs_wrtrl("a\n\nb", 20);
     EXPECT_EQ(write_option(3), 3);  // the lines count for paging
