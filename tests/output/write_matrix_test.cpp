@@ -54,6 +54,8 @@ const struct { const char *name; int width, length, paging; void (*print)(); } g
          zorvs_f_write_matrix("Small", 1, 1, &small, 0);
          zorvs_d_write_matrix("Two conversions", 2, 3, d6, ZORVS_WRITE_FORMAT, "%8.3f%5d", 0);
          zorvs_i_write_matrix("Integers", 2, 2, ints, 0);
+         zorvs_i_write_matrix("Integers, transposed", 2, 2, ints, ZORVS_TRANSPOSE, 0);
+         zorvs_f_write_matrix("Whole numbers, transposed", 2, 3, whole, ZORVS_TRANSPOSE, 0);
          zorvs_d_write_matrix("Width 40", 1, 2, d6, ZORVS_WRITE_FORMAT, "%40.3f", 0);
          // the keyword-free forms print what the keyword forms above print
          zorvs_f_wrrrl("Trailing zeros dropped", 2, 2, quarters, 2, 0, "%10.4W", nullptr, nullptr, 1, 1);
