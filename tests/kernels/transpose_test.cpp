@@ -42,18 +42,16 @@ void expect_transposed(void (*routine)(int, int, const T *, T *), int nra, int n
     ASSERT_EQ(out, want) << nra << " x " << nca << " out of place";
 }
 
-TEST(Transpose, EveryShapeBothPathsAndTheTwins) {
+// Every shape in the three twins; then a bound below nra*nca, which sends
+// every product through doubling and adding as a matrix beyond the integer
+// range would; and the bad shapes.
+TEST(Transpose, EveryShapeBothPathsTheTwinsAndBadShapes) {
     for (int nra = 1; nra <= 97; nra += (nra < 24 ? 1 : 7))
         for (int nca = 1; nca <= 131; nca += (nca < 24 ? 1 : 9)) expect_transposed(zorvs_d_m1ran, nra, nca);
     for (auto [nra, nca] : {std::pair{1000, 999}, {1024, 768}, {997, 1013}, {2048, 3}, {300, 5000}, {7, 7}})
         expect_transposed(zorvs_f_m1ran, nra, nca);
     for (auto [nra, nca] : {std::pair{3, 5}, {5, 3}, {1, 9}, {9, 1}}) expect_transposed(zorvs_i_m1ran, nra, nca);
     EXPECT_EQ(zorvs_error_n1rty[1], 0);
-}
-
-// A bound below nra*nca sends every product through doubling and adding, as
-// a matrix beyond the integer range would.
-TEST(Transpose, ProductsModuloNByDoublingAgreeWithDirect) {
     for (auto [nra, nca] : {std::pair{3, 5}, {17, 29}, {64, 96}, {97, 131}, {400, 301}}) {
         const auto a = filled<double>(nra, nca), want = naive(nra, nca, a);
         for (long long bound : {static_cast<long long>(nra) * nca - 1, 2LL, 1LL}) {
@@ -62,9 +60,6 @@ TEST(Transpose, ProductsModuloNByDoublingAgreeWithDirect) {
             EXPECT_EQ(b, want) << nra << " x " << nca << " bound " << bound;
         }
     }
-}
-
-TEST(Transpose, BadShapesRaise) {
     float x[4] = {1, 2, 3, 4};
     expect_rows({
         {ZORVS_DO(zorvs_f_m1ran(0, 4, x, x)), any, 5, 620, "i1=0", 0, "M1RAN_"},

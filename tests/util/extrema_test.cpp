@@ -12,14 +12,10 @@ const float fsigns[] = {1.0f, -8.5f, 8.5f};
 const int ix[] = {5, -1, 8, 8, -1};
 int five = 5, three = 3, one = 1, two = 2;
 
-int maximum_index(int n, const double *v, int stride) {
+template <class T>
+int maximum_index(int n, const T *v, int stride) {
     int index = 99;
-    zorvs_d_maximum_index(n, v, stride, &index);
-    return index;
-}
-int maximum_index(int n, const float *v, int stride) {
-    int index = 99;
-    zorvs_f_maximum_index(n, v, stride, &index);
+    zorvs_test::twin<T>(zorvs_f_maximum_index, zorvs_d_maximum_index)(n, v, stride, &index);
     return index;
 }
 
