@@ -18,11 +18,8 @@
 namespace zorvs_test {
 namespace {
 
-struct Run {
-    const char *line;
-    int status;
-    const char *expected;  // status 0: the golden's NAME; else a piece of the message
-};
+// A command line, its exit status, and for status 0 the golden's NAME, else a piece of the message.
+struct Run { const char *line; int status; const char *expected; };
 
 // Each line as a user types it ("zorvstat describe --format csv",
 // "ZORVSTAT_BLOCK=5 zorvstat table", "zorvstat describe > /dev/full"), run
