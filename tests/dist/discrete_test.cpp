@@ -11,6 +11,7 @@
 namespace {
 
 using namespace zorvs_test;
+using ::testing::Message;
 
 struct PoissonRow { int k; double theta, value; };
 struct BinomialRow { int k, n; double p, value; };
@@ -18,56 +19,46 @@ struct HypergeometricRow { int k, n, m, l; double value; };
 #include "data/dist/discrete_ref.inc"
 #include "data/dist/hypergeometric_ref.inc"
 
-template <class... V>
-std::string label(const V &...v) {
-    std::ostringstream out;
-    ((out << v << ' '), ...);
-    return out.str();
-}
-
 // The double twin within `allowed` of the reference (a reference below the
 // smallest normal number: a positive value within `below_normal` of it);
 // the single twin within 1e-4 of its reference where that is a normal float.
-struct Case { std::string family, at; double got, want, allowed, below_normal; double single, single_want; };
+void expect_close(Worst &worst, const std::string &at, double got, double want, double allowed, double below_normal,
+                  double single, double single_want) {
+    if (want < DBL_MIN) {
+        EXPECT_GT(got, 0) << at;
+        EXPECT_LT(std::fabs(got - want), below_normal) << at;
+    } else {
+        EXPECT_LE(relative_error(got, want), allowed) << at << " got " << got;
+        worst.add(relative_error(got, want));
+    }
+    if (single_want >= FLT_MIN) { EXPECT_LE(relative_error(single, single_want, FLT_MIN), 1e-4) << at << " single"; }
+}
 
 TEST(DiscreteCdf, MatchesReferenceIncludingDeepTailsInBothTwins) {
     Quiet q;
-    std::vector<Case> cases;
+    Worst poisson("poisson double: relative error"), binomial("binomial double: relative error"),
+        hypergeometric("hypergeometric double: relative error");
     for (const auto &r : poisson_rows) {
         // Condition number in theta of the leading term: |k - theta|; the
         // single twin against the double at the float theta (exact up to 1.6e7).
         const float theta = float(r.theta);
-        cases.push_back({"poisson", label("k", r.k, "theta", r.theta), zorvs_d_poisson_cdf(r.k, r.theta), r.value,
-                         1e-12 + 4 * DBL_EPSILON * std::fabs(r.k - r.theta), 1e-3 * DBL_MIN,
-                         zorvs_f_poisson_cdf(r.k, theta), r.theta > 1.6e7 ? NaN : zorvs_d_poisson_cdf(r.k, theta)});
+        expect_close(poisson, (Message() << "k " << r.k << " theta " << r.theta).GetString(), zorvs_d_poisson_cdf(r.k, r.theta),
+                     r.value, 1e-12 + 4 * DBL_EPSILON * std::fabs(r.k - r.theta), 1e-3 * DBL_MIN, zorvs_f_poisson_cdf(r.k, theta),
+                     r.theta > 1.6e7 ? NaN : zorvs_d_poisson_cdf(r.k, theta));
     }
     for (const auto &r : binomial_rows) {
         // Condition number in p of the leading term: |k - n p| / q, and
         // |n - k| / q near P = 1 (where the upper tail's condition bounds it).
         const double condition = std::fabs(r.k - r.n * r.p) / (1 - r.p) * (r.value > 0.5 ? (1 - r.value) / r.value : 1.0);
         const float p = float(r.p);
-        cases.push_back({"binomial", label("k", r.k, "n", r.n, "p", r.p), zorvs_d_binomial_cdf(r.k, r.n, r.p), r.value,
-                         1e-12 + 4 * DBL_EPSILON * condition, 1e-3 * DBL_MIN, zorvs_f_binomial_cdf(r.k, r.n, p),
-                         zorvs_d_binomial_cdf(r.k, r.n, p)});
+        expect_close(binomial, (Message() << "k " << r.k << " n " << r.n << " p " << r.p).GetString(),
+                     zorvs_d_binomial_cdf(r.k, r.n, r.p), r.value, 1e-12 + 4 * DBL_EPSILON * condition, 1e-3 * DBL_MIN,
+                     zorvs_f_binomial_cdf(r.k, r.n, p), zorvs_d_binomial_cdf(r.k, r.n, p));
     }
     for (const auto &r : hypergeometric_rows)
-        cases.push_back({"hypergeometric", label("k", r.k, "n", r.n, "m", r.m, "l", r.l),
-                         zorvs_d_hypergeometric_cdf(r.k, r.n, r.m, r.l), r.value, 1e-12, Inf,
-                         zorvs_f_hypergeometric_cdf(r.k, r.n, r.m, r.l), r.value});
-    std::map<std::string, double> worst;
-    for (const Case &c : cases) {
-        if (c.want < DBL_MIN) {
-            EXPECT_GT(c.got, 0) << c.family << " " << c.at;
-            EXPECT_LT(std::fabs(c.got - c.want), c.below_normal) << c.family << " " << c.at;
-        } else {
-            EXPECT_LE(relative_error(c.got, c.want), c.allowed) << c.family << " " << c.at << "got " << c.got;
-            worst[c.family] = std::fmax(worst[c.family], relative_error(c.got, c.want));
-        }
-        if (c.single_want >= FLT_MIN) {
-            EXPECT_LE(relative_error(c.single, c.single_want, FLT_MIN), 1e-4) << c.family << " single " << c.at;
-        }
-    }
-    for (const auto &[family, w] : worst) std::printf("[measure] %s double: largest relative error %.3g\n", family.c_str(), w);
+        expect_close(hypergeometric, (Message() << "k " << r.k << " n " << r.n << " m " << r.m << " l " << r.l).GetString(),
+                     zorvs_d_hypergeometric_cdf(r.k, r.n, r.m, r.l), r.value, 1e-12, Inf,
+                     zorvs_f_hypergeometric_cdf(r.k, r.n, r.m, r.l), r.value);
 }
 
 TEST(DiscreteEdges, ValuesAndMessages) {

@@ -38,8 +38,7 @@ INSTANTIATE_TEST_SUITE_P(Shards, StudentizedRangeInverse, ::testing::Range(0, 4)
 // Two means is the folded t, exact at every df; the cdf in both twins.
 TEST(StudentizedRange, TwoMeansAndCdfAgreeWithReference) {
     Quiet q;
-    Worst two("studentized range inverse, two means: relative error"),
-        cdf("studentized range cdf, df <= 1e5: absolute error");
+    Worst two("studentized range inverse, two means: relative error"), cdf("studentized range cdf, df <= 1e5: absolute error");
     for (const auto &r : studentized_range_two_rows) {
         const double e = relative_error(zorvs_dsrin(r.p, r.df, 2), r.q);
         EXPECT_LE(e, 1e-8) << "p=" << r.p << " df=" << r.df;
@@ -47,8 +46,7 @@ TEST(StudentizedRange, TwoMeansAndCdfAgreeWithReference) {
     }
     for (const auto &r : studentized_range_cdf_rows) {
         const double e = std::fabs(zorvs_dsrdf(r.q, r.means, r.df) - r.value);
-        EXPECT_LE(e, r.df > 1e5 ? 1e-5 : 1e-7 * std::fmax(r.value, 1e-3)) << "q=" << r.q << " means=" << r.means
-                                                                        << " df=" << r.df;
+        EXPECT_LE(e, r.df > 1e5 ? 1e-5 : 1e-7 * std::fmax(r.value, 1e-3)) << "q=" << r.q << " means=" << r.means << " df=" << r.df;
         if (r.df > 1e5) continue;
         cdf.add(e);
         EXPECT_NEAR(zorvs_srdf(float(r.q), float(r.means), float(r.df)), r.value, 1e-4);
