@@ -155,12 +155,12 @@ private:
     std::size_t n_;
 };
 
-// Storage the arguments point into, large enough for every array the capped
-// sizes describe (a target never passes a count beyond it).
 // The results of an input's calls (at most a few), freed after it.
 inline const void *results[8];
 inline int n_results = 0;
 
+// Storage the arguments point into, large enough for every array the capped
+// sizes describe (a target never passes a count beyond it).
 template <class T>
 struct Store {
     static constexpr int N = 1 << 15;
