@@ -99,10 +99,12 @@ def main():
         cases.append('{%d, %s_r, %s_b, %s_c, %s_z, %s_rinv}' % (len(dep), name, name, name, name, name))
     print('struct SolveCase { int dependent; const double *r, *b, *c, *z, *rinv; };')
     print('static const SolveCase solve_cases[] = {%s};' % ', '.join(cases))
-    # Sweeps of the 6 x 6 A (seed 3): the swept set after each step of the test.
+    # Sweeps of the 6 x 6 A (seed 3).
     _, a = triangle(6, [], 3)
     array('sweep_a', column_major(a))
-    sets = [[1, 4], [0, 1, 3, 4], [0, 1, 3], [0, 3], [0, 1, 2, 3, 4, 5], [], [], ]
+    # Rows (from 0) swept after each step: sweep 2, 5; then 1, 4; reverse 5;
+    # reverse 2; sweep the rest; reverse all; and, from A, one row twice.
+    sets = [[1, 4], [0, 1, 3, 4], [0, 1, 3], [0, 3], [0, 1, 2, 3, 4, 5], [], []]
     for k, s in enumerate(sets):
         array('sweep_%d' % k, column_major(swept(a, s)))
     print('static const double *const sweep_steps[] = {%s};' % ', '.join('sweep_%d' % k for k in range(len(sets))))
