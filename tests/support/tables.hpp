@@ -264,6 +264,11 @@ public:
         if (e > value_) value_ = e;
     }
     double value() const { return value_; }
+    // Adds an error and holds it to the tolerance.
+    void expect_within(double e, double tol) {
+        add(e);
+        EXPECT_LE(e, tol);
+    }
 
 private:
     std::string name_;

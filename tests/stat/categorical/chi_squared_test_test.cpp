@@ -18,27 +18,14 @@ using namespace zorvs_test;
 ZORVS_TWIN_SUITE(ChiSquaredTestTwin);
 
 // The distribution functions of the cases, written out for each twin.
-template <class T>
-T precip_normal(T x) {
+template <class T> T precip_normal(T x) {
     return T(0.5) * std::erfc(-(x - T(gof_precip_normal[0])) / (T(gof_precip_normal[1]) * std::sqrt(T(2))));
 }
-template <class T>
-T ozone_exponential(T x) {
-    return x <= 0 ? T(0) : -std::expm1(-x / T(gof_ozone_mean[0]));
-}
-template <class T>
-T uniform_0_5(T x) {
-    return std::clamp(x / 5, T(0), T(1));
-}
+template <class T> T ozone_exponential(T x) { return x <= 0 ? T(0) : -std::expm1(-x / T(gof_ozone_mean[0])); }
+template <class T> T uniform_0_5(T x) { return std::clamp(x / 5, T(0), T(1)); }
 // Misbehaving functions: above 1 at 3, decreasing after 2.
-template <class T>
-T above_one(T x) {
-    return x < 3 ? x / 10 : T(1.5);
-}
-template <class T>
-T decreasing(T x) {
-    return x <= 2 ? T(0.5) : T(0.25);
-}
+template <class T> T above_one(T x) { return x < 3 ? x / 10 : T(1.5); }
+template <class T> T decreasing(T x) { return x <= 2 ? T(0.5) : T(0.25); }
 
 TYPED_TEST(ChiSquaredTestTwin, AgreesWithR) {
     using T = TypeParam;
@@ -76,13 +63,11 @@ TYPED_TEST(ChiSquaredTestTwin, AgreesWithR) {
     for (const auto &[call, want_counts, want_expected, want, k] : cases) {
         const double pv = call();
         EXPECT_EQ(df, int(want[1])) << k;
-        for (const auto &[got, ref] : {std::pair{double(chi), want[0]}, {double(p), want[2]}, {pv, want[2]}}) {
-            worst.add(relative_error(got, ref));
-            EXPECT_LE(relative_error(got, ref), tol) << got << " vs " << ref;
-        }
+        for (const auto &[got, ref] : {std::pair{double(chi), want[0]}, {double(p), want[2]}, {pv, want[2]}})
+            worst.expect_within(relative_error(got, ref), tol);
         for (int i = 0; i < k; ++i) {
-            worst.add(relative_error(e[i], want_expected[i]));
-            EXPECT_TRUE(o[i] == want_counts[i] && relative_error(e[i], want_expected[i]) <= tol) << i;
+            worst.expect_within(relative_error(e[i], want_expected[i]), tol);
+            EXPECT_EQ(o[i], want_counts[i]) << i;
         }
     }
     // the allocated forms; the contributions add up to R's statistic
@@ -138,9 +123,6 @@ TYPED_TEST(ChiSquaredTestTwin, RefusalsWriteNothing) {
         {ZORVS_CALL(refused(u, 3, 6, none.data(), cut, c)), 1, 5, 21228, "i1=6"},
         {ZORVS_CALL(refused(u, 3, 6, d, cut, c, 44444)), 1, 5, 11001, "i1=44444 i2=7"},
         {ZORVS_CALL(refused(u, 3, 6, static_cast<T *>(nullptr), cut, c)), 1, 5, 150, "l1=x"},
-        {ZORVS_CALL(zorvs::allocation_failure_countdown = 3), 3},
-        {ZORVS_CALL(refused(u, 3, 6, d, cut, c)), 1, 5, 201},
-        {ZORVS_CALL(zorvs::allocation_failure_countdown = 0), 0},
         // six values in cells of expected counts 2.4, 2.4, 1.2: a warning, results kept
         {ZORVS_CALL(test(u, 3, 6, d, cut, c, 0)), any, 3, 21229, "i1=3 i2=3 r1~1.2"},
     });

@@ -10,22 +10,7 @@ namespace {
 
 using namespace zorvs_test;
 
-struct SampleCase {
-    const char *name;
-    std::vector<double> x1, x2;
-    double hypothesis1, hypothesis2, level_means, level_variances;
-    std::vector<double> want;
-};
-const SampleCase one_sample_cases[] = {
-#define NORMAL_ONE_SAMPLE
 #include "data/stat/describe/normal_samples_ref.inc"
-#undef NORMAL_ONE_SAMPLE
-};
-const SampleCase two_sample_cases[] = {
-#define NORMAL_TWO_SAMPLE
-#include "data/stat/describe/normal_samples_ref.inc"
-#undef NORMAL_TWO_SAMPLE
-};
 
 ZORVS_TWIN_SUITE(NormalSamples);
 
