@@ -40,24 +40,24 @@ TYPED_TEST(ChiSquaredTestTwin, AgreesWithR) {
     std::vector<T> e(8), o(8);
     int df;
     T chi, p;
-#define OUTPUTS ZORVS_CHI_SQUARED, &df, &chi, &p, ZORVS_EXPECTED_USER, e.data(), ZORVS_CELL_COUNTS_USER, o.data(), 0
-    const std::tuple<std::function<T()>, const double *, const double *, const double *, int> cases[] = {
-        {[&] { return test(precip_normal<T>, 7, 70, precip.data(), ZORVS_CUTPOINTS, precip_cuts.data(),
-                           ZORVS_N_PARAMETERS_ESTIMATED, 2, OUTPUTS); },
-         gof_precip_counts, gof_precip_expected, gof_precip_result, 7},
-        {[&] { return test(ozone_exponential<T>, 7, 153, ozone.data(), ZORVS_CUTPOINTS, ozone_cuts.data(),
-                           ZORVS_N_PARAMETERS_ESTIMATED, 1, OUTPUTS); },
-         gof_ozone_counts, gof_ozone_expected, gof_ozone_result, 7},
-        {[&] { return test(nullptr, 4, 32, mpg.data(), ZORVS_FREQUENCIES, mpg_freq.data(), ZORVS_CUTPOINTS,
-                           mpg_cuts.data(), ZORVS_EXPECTED_GIVEN, mpg_given.data(), OUTPUTS); },
-         gof_mpg_counts, gof_mpg_expected, gof_mpg_result, 4},
-        {[&] { return test(nullptr, 5, 5, counts.data(), ZORVS_COUNTS, ZORVS_EXPECTED_GIVEN, given.data(), OUTPUTS); },
-         gof_counts_counts, gof_counts_expected, gof_counts_result, 5},
-        {[&] { return test(uniform_0_5<T>, 5, 5, uniform.data(), ZORVS_COUNTS, ZORVS_CUTPOINTS, uniform_cuts.data(),
-                           OUTPUTS); },
-         gof_uniform_counts, gof_uniform_expected, gof_uniform_result, 5},
+    // the test of x with every output
+    auto run = [&](auto cdf, int k, int n, std::vector<T> &x, auto... keys) {
+        return test(cdf, k, n, x.data(), keys..., ZORVS_CHI_SQUARED, &df, &chi, &p, ZORVS_EXPECTED_USER, e.data(),
+                    ZORVS_CELL_COUNTS_USER, o.data(), 0);
     };
-#undef OUTPUTS
+    const int cut = ZORVS_CUTPOINTS, est = ZORVS_N_PARAMETERS_ESTIMATED, given_e = ZORVS_EXPECTED_GIVEN;
+    const std::tuple<std::function<T()>, const double *, const double *, const double *, int> cases[] = {
+        {[&] { return run(precip_normal<T>, 7, 70, precip, cut, precip_cuts.data(), est, 2); }, gof_precip_counts,
+         gof_precip_expected, gof_precip_result, 7},
+        {[&] { return run(ozone_exponential<T>, 7, 153, ozone, cut, ozone_cuts.data(), est, 1); }, gof_ozone_counts,
+         gof_ozone_expected, gof_ozone_result, 7},
+        {[&] { return run(nullptr, 4, 32, mpg, ZORVS_FREQUENCIES, mpg_freq.data(), cut, mpg_cuts.data(), given_e, mpg_given.data()); },
+         gof_mpg_counts, gof_mpg_expected, gof_mpg_result, 4},
+        {[&] { return run(nullptr, 5, 5, counts, ZORVS_COUNTS, given_e, given.data()); }, gof_counts_counts, gof_counts_expected,
+         gof_counts_result, 5},
+        {[&] { return run(uniform_0_5<T>, 5, 5, uniform, ZORVS_COUNTS, cut, uniform_cuts.data()); }, gof_uniform_counts,
+         gof_uniform_expected, gof_uniform_result, 5},
+    };
     Worst worst(std::string("chi-squared test against R, ") + (single ? "float" : "double"));
     Quiet quiet;  // small expected counts warn
     for (const auto &[call, want_counts, want_expected, want, k] : cases) {

@@ -117,59 +117,50 @@ TYPED_TEST(KMeansTwin, HandCases) {
     });
 }
 
-// The refusals, as rows: what is changed from a good call, and the expected
-// (type, code).
-struct Refusal {
-    const char *what;
-    int k, nv, x_col_dim, max_iterations;
-    std::vector<int> x_columns;
-    double frequency0, weight0;  // of row 0; +0.0 for none given (-0.0 is a zero frequency given)
-    bool far_seed;
-    int type, code;
-};
-const Refusal refusals[] = {
-    {"one cluster", 1, 2, 2, 30, {}, 0, 0, false, 5, 20080},
-    {"more clusters than rows", 7, 2, 2, 30, {}, 0, 0, false, 5, 20080},
-    {"zero frequency", 2, 2, 2, 30, {}, -0.0, 0, false, 5, 20081},
-    {"NaN weight", 2, 2, 2, 30, {}, 0, NAN, false, 5, 20082},
-    {"empty cluster", 3, 2, 2, 30, {}, 0, 0, true, 5, 20083},
-    {"weight column", 2, 2, 2, 30, {0, 3}, 1, 1, false, 5, 20090},
-    {"frequency column", 2, 2, 2, 30, {2, 1}, 1, 0, false, 5, 20091},
-    {"too many, both", 2, 3, 2, 30, {0, 1, 1}, 1, 1, false, 5, 20092},
-    {"too many, one", 2, 3, 2, 30, {0, 1, 1}, 0, 1, false, 5, 20093},
-    {"too many", 2, 3, 2, 30, {0, 1, 1}, 0, 0, false, 5, 20094},
-    {"column out of range", 2, 2, 2, 30, {0, 5}, 0, 0, false, 5, 602},
-    {"bad iterations", 2, 2, 2, 0, {}, 0, 0, false, 5, 603},
-    {"bad stride", 2, 2, 0, 30, {}, 0, 0, false, 5, 603},
-    {"no convergence", 3, 2, 2, 1, {}, 0, 0, false, 3, 20084},
-};
-
+// The refusals, as rows: what is changed from a good call on six rows of
+// two columns (a third for the strided cases): clusters, variables, stride,
+// iterations, columns, the frequency and weight of row 0 (+0.0: none given;
+// -0.0: a zero frequency), a seed far off; then the expected (type, code).
+// A refusal hands nothing over; the data and seeds stay as they were.
 TEST(KMeans, Refusals) {
-    Quiet quiet;
-    for (const Refusal &r : refusals) {
-        SCOPED_TRACE(r.what);
-        // six rows of two columns (a third for the strided cases)
+    auto km = [](int k, int nv, int x_col_dim, int max_iterations, std::vector<int> x_columns, double frequency0,
+                 double weight0, bool far_seed) {
         std::vector<double> x{0, 0, 0.4, 0.2, 5, 5, 5.5, 4, 2.6, 2.4, 9, 9}, f(6, 1), w(6, 1);
-        std::vector<double> seeds{0, 0, 0, 9, 9, 0, r.far_seed ? 100 : 2.4, r.far_seed ? 100 : 2.6, 0};
-        f[0] = r.frequency0;
-        w[0] = r.weight0;
+        std::vector<double> seeds{0, 0, 0, 9, 9, 0, far_seed ? 100 : 2.4, far_seed ? 100 : 2.6, 0};
+        f[0] = frequency0;
+        w[0] = weight0;
         const std::vector<double> before = x, seeds_before = seeds;
         double *ssq = &x[0];
         int *c = zorvs_d_cluster_k_means(
-            6, r.nv, x.data(), r.k, seeds.data(), ZORVS_X_COL_DIM, r.x_col_dim, ZORVS_MAX_ITERATIONS, r.max_iterations,
+            6, nv, x.data(), k, seeds.data(), ZORVS_X_COL_DIM, x_col_dim, ZORVS_MAX_ITERATIONS, max_iterations,
             ZORVS_CLUSTER_SEEDS_COL_DIM, 3, ZORVS_CLUSTER_MEANS_COL_DIM, 3, ZORVS_CLUSTER_SSQ, &ssq,
-            ZORVS_X_COLUMNS, r.x_columns.empty() ? nullptr : r.x_columns.data(),
-            ZORVS_FREQUENCIES, r.frequency0 != 0 || std::signbit(r.frequency0) ? f.data() : nullptr,
-            ZORVS_WEIGHTS, r.weight0 != 0 ? w.data() : nullptr, 0);
-        EXPECT_TRUE(zorvs_n1rty(1) == r.type && zorvs_error_code() == r.code) << zorvs_error_code();
-        EXPECT_TRUE((c == nullptr) == (r.type >= 4) && (ssq == nullptr) == (r.type >= 4));
-        EXPECT_TRUE(x == before && seeds == seeds_before);
+            ZORVS_X_COLUMNS, x_columns.empty() ? nullptr : x_columns.data(),
+            ZORVS_FREQUENCIES, frequency0 != 0 || std::signbit(frequency0) ? f.data() : nullptr,
+            ZORVS_WEIGHTS, weight0 != 0 ? w.data() : nullptr, 0);
+        const bool refused = zorvs_n1rty(1) >= 4, kept = x == before && seeds == seeds_before;
+        const bool handed = (c != nullptr) == !refused && (ssq != nullptr) == !refused;
         std::free(c);
-        if (r.type < 4) std::free(ssq);
-    }
+        if (!refused) std::free(ssq);
+        return kept && handed;
+    };
     double x[4] = {0, 1, 2, 3};
-    EXPECT_EQ(zorvs_d_cluster_k_means(4, 1, x, 2, x, ZORVS_STD_DEV, 0), nullptr);
-    EXPECT_EQ(zorvs_error_code(), 11001);
+    expect_rows({
+        {ZORVS_CALL(km(1, 2, 2, 30, {}, 0, 0, false)), 1, 5, 20080},  // one cluster
+        {ZORVS_CALL(km(7, 2, 2, 30, {}, 0, 0, false)), 1, 5, 20080},  // more clusters than rows
+        {ZORVS_CALL(km(2, 2, 2, 30, {}, -0.0, 0, false)), 1, 5, 20081},  // a zero frequency
+        {ZORVS_CALL(km(2, 2, 2, 30, {}, 0, NAN, false)), 1, 5, 20082},  // a NaN weight
+        {ZORVS_CALL(km(3, 2, 2, 30, {}, 0, 0, true)), 1, 5, 20083},  // an empty cluster
+        {ZORVS_CALL(km(2, 2, 2, 30, {0, 3}, 1, 1, false)), 1, 5, 20090},  // the weight column among x_columns
+        {ZORVS_CALL(km(2, 2, 2, 30, {2, 1}, 1, 0, false)), 1, 5, 20091},  // the frequency column among them
+        {ZORVS_CALL(km(2, 3, 2, 30, {0, 1, 1}, 1, 1, false)), 1, 5, 20092},  // too many columns, both given
+        {ZORVS_CALL(km(2, 3, 2, 30, {0, 1, 1}, 0, 1, false)), 1, 5, 20093},  // too many, one given
+        {ZORVS_CALL(km(2, 3, 2, 30, {0, 1, 1}, 0, 0, false)), 1, 5, 20094},  // too many
+        {ZORVS_CALL(km(2, 2, 2, 30, {0, 5}, 0, 0, false)), 1, 5, 602},  // a column out of range
+        {ZORVS_CALL(km(2, 2, 2, 0, {}, 0, 0, false)), 1, 5, 603},  // no iterations
+        {ZORVS_CALL(km(2, 2, 0, 30, {}, 0, 0, false)), 1, 5, 603},  // a bad stride
+        {ZORVS_CALL(km(3, 2, 2, 1, {}, 0, 0, false)), 1, 3, 20084},  // no convergence in one pass
+        {ZORVS_CALL(zorvs_d_cluster_k_means(4, 1, x, 2, x, ZORVS_STD_DEV, 0) == nullptr), 1, 5, 11001},
+    });
 }
 
 }  // namespace
