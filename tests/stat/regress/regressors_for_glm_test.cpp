@@ -20,25 +20,6 @@ int class_columns[] = {0, 2};                      // cyl, gear
 int by_hand_counts[] = {2, 3, 1};                  // (gear, cyl), (wt, hp, cyl), (hp)
 int by_hand_columns[] = {2, 0, 1, 3, 0, 3};
 
-struct Case {
-    const char *name;
-    int order;  // 0: effects by hand
-    int scheme;
-    int n_columns;
-    const double *want;
-};
-const Case cases[] = {
-    {"order 1, all levels", 1, 1, glm_o1_s1_ncol, glm_o1_s1},
-    {"order 1, leave out last", 1, 2, glm_o1_s2_ncol, glm_o1_s2},
-    {"order 1, sum to zero", 1, 3, glm_o1_s3_ncol, glm_o1_s3},
-    {"order 2, all levels", 2, 1, glm_o2_s1_ncol, glm_o2_s1},
-    {"order 2, leave out last", 2, 2, glm_o2_s2_ncol, glm_o2_s2},
-    {"order 2, sum to zero", 2, 3, glm_o2_s3_ncol, glm_o2_s3},
-    {"effects, all levels", 0, 1, glm_ef_s1_ncol, glm_ef_s1},
-    {"effects, leave out last", 0, 2, glm_ef_s2_ncol, glm_ef_s2},
-    {"effects, sum to zero", 0, 3, glm_ef_s3_ncol, glm_ef_s3},
-};
-
 TYPED_TEST(GlmTwin, AgreesWithModelMatrix) {
     using T = TypeParam;
     // Products of two continuous values round once in the routine's type and
@@ -46,7 +27,7 @@ TYPED_TEST(GlmTwin, AgreesWithModelMatrix) {
     const double tol = std::is_same_v<T, float> ? 1.2e-7 : 0.0;
     std::vector<T> x(glm_x, glm_x + 4 * n_cars);
     const std::vector<T> before = x;
-    for (const Case &c : cases) {
+    for (const GlmCase &c : glm_cases) {
         SCOPED_TRACE(c.name);
         auto count = [&](auto... keys) {
             return c.order == 0 ? glm<T>(n_cars, x.data(), 2, 2, ZORVS_X_CLASS_COLUMNS, class_columns, ZORVS_DUMMY, c.scheme,

@@ -15,28 +15,20 @@ ZORVS_TWIN_SUITE(ArmaForecastTwin);
 
 // Both twins forecast from the record of the double fit, whose parameters R
 // was given: the float twin's own fit stops about 1e-3 away from them,
-// which would hide the recursion.  Each model: its series, orders, R's
-// forecasts with limits and psi weights, and the innovation variance.
+// which would hide the recursion.  Each model of the table: its series,
+// orders, R's forecasts with limits and psi weights, and the innovation
+// variance.
 TYPED_TEST(ArmaForecastTwin, ForecastsLimitsAndPsiAgreeWithR) {
     using T = TypeParam;
     const bool single = std::is_same_v<T, float>;
     const auto forecast = twin<T>(zorvs_f_arma_forecast, zorvs_d_arma_forecast);
     const double tol_forecast = single ? 1e-5 : 1e-10, tol_limits = single ? 1e-5 : 1e-8;
     Worst worst(std::string("forecasts and limits against R, ") + (single ? "float" : "double"));
-    const std::vector<double> lh(std::begin(forecast_lh), std::end(forecast_lh)),
-        lynx(std::begin(forecast_lynx), std::end(forecast_lynx));
-    const std::tuple<const char *, const std::vector<double> &, int, int, const double *, const double *, double> models[] = {
-        {"lh AR(1)", lh, 1, 0, lh_ar1_want, lh_ar1_psi, lh_ar1_s2},
-        {"lh ARMA(1,1)", lh, 1, 1, lh_arma11_want, lh_arma11_psi, lh_arma11_s2},
-        {"lh MA(1)", lh, 0, 1, lh_ma1_want, lh_ma1_psi, lh_ma1_s2},
-        {"lynx AR(2)", lynx, 2, 0, lynx_ar2_want, lynx_ar2_psi, lynx_ar2_s2},
-        {"lynx ARMA(2,1)", lynx, 2, 1, lynx_arma21_want, lynx_arma21_psi, lynx_arma21_s2},
-    };
     Quiet quiet;  // the fits of lh MA(1) and lynx warn about their moment starts
     const int h = forecast_n_ahead;
-    for (const auto &[name, series, p, q, want, want_psi, s2] : models) {
+    for (const auto &[name, series, n, p, q, want, want_psi, s2] : forecast_models) {
         SCOPED_TRACE(name);
-        std::vector<double> z = series;
+        std::vector<double> z(series, series + n);
         const bool own = z.size() > 100;  // lynx: blocks of the routine; lh: the caller's
         std::vector<T> user(3 * h, T(-1)), psi_user(h);
         void *info = nullptr;
