@@ -65,6 +65,7 @@ TYPED_TEST(SnkTwin, EdgeCasesAndChecks) {
                     !(log.has(5, 11150) && log.has(5, 11151) && log.has(5, 11152))), 0, 5, 11153},
         {ZORVS_CALL(call(3, with_nan, 10, T(1))), 0, 5, 11154, "i1=1"},
         {ZORVS_CALL(call(2, two, 10, T(1), 12345)), 0, 5, 11001, "i1=12345 i2=5"},
+        {ZORVS_CALL((zorvs::allocation_failure_countdown = 1, call(2, two, 10, T(1)))), 0, 5, 200},
     });
 }
 

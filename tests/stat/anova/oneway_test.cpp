@@ -158,6 +158,9 @@ TYPED_TEST(OnewayTwin, RefusalsAndOutputs) {
         // group has two responses or more
         {ZORVS_CALL(a(equal_n, equal, tab, table.data(), ZORVS_GROUP_STD_DEVS_USER, sds)), NaN, 0, 0},
         {ZORVS_CALL(table[3] + table[4] == 0 && std::isnan(table[8]) && std::isnan(sds[0]) && sds[1] + sds[2] == 0), 1},
+        // failed allocations: the table, then the work table
+        {ZORVS_CALL((zorvs::allocation_failure_countdown = 1, p(ZORVS_ANOVA_TABLE, &got))), NaN, 5, 200},
+        {ZORVS_CALL((zorvs::allocation_failure_countdown = 2, p(0))), NaN, 5, 200},
     });
 }
 

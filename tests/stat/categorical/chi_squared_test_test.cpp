@@ -123,6 +123,7 @@ TYPED_TEST(ChiSquaredTestTwin, RefusalsWriteNothing) {
         {ZORVS_CALL(refused(u, 3, 6, none.data(), cut, c)), 1, 5, 21228, "i1=6"},
         {ZORVS_CALL(refused(u, 3, 6, d, cut, c, 44444)), 1, 5, 11001, "i1=44444 i2=7"},
         {ZORVS_CALL(refused(u, 3, 6, static_cast<T *>(nullptr), cut, c)), 1, 5, 150, "l1=x"},
+        {ZORVS_CALL((zorvs::allocation_failure_countdown = 3, refused(u, 3, 6, d, cut, c))), 1, 5, 201},
         // six values in cells of expected counts 2.4, 2.4, 1.2: a warning, results kept
         {ZORVS_CALL(test(u, 3, 6, d, cut, c, 0)), any, 3, 21229, "i1=3 i2=3 r1~1.2"},
     });

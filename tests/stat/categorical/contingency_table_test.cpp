@@ -137,8 +137,8 @@ TYPED_TEST(ContingencyTable, RefusalsWarningsAndNotes) {
 }
 
 // A refused call writes nothing: not the caller's arrays, not the triples,
-// not the addresses.  An unknown keyword is refused with its position, a
-// null table by name.
+// not the addresses; so also when the n-th allocation fails.  An unknown
+// keyword is refused with its position, a null table by name.
 TYPED_TEST(ContingencyTable, RefusedCallWritesNothing) {
     using T = TypeParam;
     std::vector<T> table = {1, 2, 3, -1}, user(9, T(7)), stats(115, T(7));
@@ -156,6 +156,17 @@ TYPED_TEST(ContingencyTable, RefusedCallWritesNothing) {
         {ZORVS_CALL(contingency<T>(2, 2, table, ZORVS_CHI_SQUARED, &df, &x2, &p, 99999)), 0, 5, 11001, "i1=99999 i2=8"},
         {ZORVS_CALL(ZORVS_TWIN(f_contingency_table, d_contingency_table)(2, 2, nullptr, 0)), 0, 5, 150, "l1=table"},
     });
+    Quiet quiet;
+    table[3] = 4;
+    for (int nth = 1;; ++nth) {
+        zorvs::allocation_failure_countdown = nth;
+        const T got = contingency<T>(2, 2, table, ZORVS_EXPECTED, &expected, ZORVS_CHI_SQUARED_CONTRIBUTIONS_USER,
+                                     user.data(), ZORVS_STATISTICS_USER, stats.data(), ZORVS_CHI_SQUARED, &df, &x2, &p);
+        if (zorvs::allocation_failure_countdown > 0) break;  // no n-th allocation: the results stand
+        EXPECT_TRUE(got == 0 && zorvs_error_code() >= 200 && zorvs_error_code() <= 202 && untouched()) << nth;
+    }
+    zorvs::allocation_failure_countdown = 0;
+    std::free(expected);
 }
 
 }  // namespace

@@ -101,6 +101,9 @@ TYPED_TEST(RanksTwin, TiesAndRefusals) {
         {ZORVS_CALL(null(ranks(3, x.data(), 77777, 0))), 1, 5, 11001, "i1=77777 i2=3"},
         {ZORVS_CALL(null(ranks(3, nullptr, 0))), 1, 5, 150, "l1=x"},
         {ZORVS_CALL(kept(ranks(-2, x.data(), ZORVS_RETURN_USER, user.data(), 0))), 1, 5, 11002},
+        // a failed work array after the caller's storage was taken (each failure sets the countdown back to 0)
+        {ZORVS_CALL((zorvs::allocation_failure_countdown = 1, kept(ranks(3, x.data(), ZORVS_RETURN_USER, user.data(), 0)))), 1, 5, 201, "l1=n_observations"},
+        {ZORVS_CALL((zorvs::allocation_failure_countdown = 5, kept(ranks(3, x.data(), ZORVS_RANDOM_SPLIT, ZORVS_RETURN_USER, user.data(), 0)))), 1, 5, 201},
         {ZORVS_CALL(std::isnan(ranks(2, none.data(), ZORVS_RETURN_USER, user.data(), 0)[1])), 1, 3, 21200, "i1=2"},
     });
 }

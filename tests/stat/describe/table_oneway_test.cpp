@@ -105,6 +105,9 @@ TYPED_TEST(TableOnewayTwin, ChecksRaiseInOrderAndReturnNull) {
         {ZORVS_CALL(null(table(3, x.data(), 3, ZORVS_CLASS_MARKS, marks, 0))), 1, 5, 20024, "l1=class_marks"},
         {ZORVS_CALL(null(table(3, missing.data(), 3, 0))), 1, 5, 20026},
         {ZORVS_CALL(null(table(3, x.data(), 3, ZORVS_KNOWN_BOUNDS, 0.0, 1.0, 99999, 0))), 1, 5, 11001, "i1=99999 i2=7"},
+        // a failed allocation of the result or of the work vector
+        {ZORVS_CALL((zorvs::allocation_failure_countdown = 1, null(table(3, x.data(), 4, 0)))), 1, 5, 201, "i1=4 l1=n_intervals"},
+        {ZORVS_CALL((zorvs::allocation_failure_countdown = 2, null(table(3, x.data(), 4, 0)))), 1, 5, 201, "i1=4 l1=n_intervals"},
     });
 }
 

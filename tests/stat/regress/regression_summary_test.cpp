@@ -22,8 +22,8 @@ struct Fitted {
     Fitted(int n, int nv, const double *x0, const double *y0, const double *w0, bool intercept)
         : x(x0, x0 + n * nv), y(y0, y0 + n), w(n, T(1)) {
         if (w0) w.assign(w0, w0 + n);
-        T *b = fit<T>(n, nv, x.data(), y.data(), ZORVS_WEIGHTS, w.data(), ZORVS_REGRESSION_INFO, &info, ZORVS_ANOVA_TABLE,
-                      &aov, ZORVS_COEF_COVARIANCES, &cov, ZORVS_COV_COL_DIM, nv + intercept + 1,
+        T *b = fit<T>(n, nv, x.data(), y.data(), ZORVS_WEIGHTS, w0 ? w.data() : nullptr, ZORVS_REGRESSION_INFO, &info,
+                      ZORVS_ANOVA_TABLE, &aov, ZORVS_COEF_COVARIANCES, &cov, ZORVS_COV_COL_DIM, nv + intercept + 1,
                       intercept ? 0 : ZORVS_NO_INTERCEPT, 0);
         if (b) coef.assign(b, b + nv + intercept);
         std::free(b);
@@ -37,8 +37,9 @@ struct Fitted {
 ZORVS_TWIN_SUITE(RegressionSummary);
 
 // Every data set against R: the fit's coefficients, table of 15 and
-// covariances (pointer forms, the covariances in a wider row stride) to 1e-10 relative in double and 1e-4 in float (coefficients
-// relative to the largest); the t-test table (pointer form, leading
+// covariances (pointer forms, the covariances in a wider row stride) to
+// 1e-10 relative in double and 1e-4 in float (coefficients relative to the
+// largest, covariances to the standard errors of the pair); the t-test table (pointer form, leading
 // dimension 5), the inflation factors, the covariances (leading dimension
 // p + 1) and the table of the summary; for every training row the
 // prediction, its limits at the case's level and the case statistics, the

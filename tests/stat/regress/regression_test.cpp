@@ -174,7 +174,7 @@ TYPED_TEST(RegressionTwin, EdgeCases) {
 TEST(Regression, BadInputIsRefusedAndExtremeWeightsServed) {
     double x[] = {1, 2, 3, 4, 5, 6}, y[] = {1, 3, 2, 5, 4, 6}, negative[] = {1, 1, -1, 1, 1, 1}, zeros[6] = {};
     double sentinel = 0, *table = &sentinel, *b = nullptr, ye[] = {2, 3, 7, 8, 9};
-    double we[] = {4e-320, 1, 1, 1, 1}, lx[4], ly[4], lf[4], *aov = nullptr;
+    double we[] = {4e-320, 1, 1, 1, 1}, lx[4], ly[4], lf[4], *aov = nullptr, ret[2], cov[4], *mean = nullptr;
     for (int i = 0; i < 4; ++i) lx[i] = large_df_rows[3 * i], ly[i] = large_df_rows[3 * i + 1], lf[i] = large_df_rows[3 * i + 2];
     zorvs_d_regression_info *info = nullptr;
     CodeLog log;
@@ -203,6 +203,10 @@ TEST(Regression, BadInputIsRefusedAndExtremeWeightsServed) {
         {ZORVS_CALL((log.clear(), refit(zorvs_d_regression(4, 1, lx, ly, ZORVS_FREQUENCIES, lf, t, &aov, 0)), aov[1])), 1e8},
         {ZORVS_CALL(relative(aov[8], large_df_F_p[0]) + relative(aov[9], large_df_F_p[1]) + log.has_code(9057)), 0, -1, 0, "", 2e-9},
         {ZORVS_DO((std::free(b), std::free(aov))), any, -1},
+        // the caller's storage for the coefficients and the covariances, the means allocated
+        {ZORVS_CALL(zorvs_d_regression(6, 1, x, y, ZORVS_RETURN_USER, ret, ZORVS_COEF_COVARIANCES_USER, cov, ZORVS_X_MEAN,
+                                       &mean, 0) == ret && mean[0] == 3.5), 1, 0, 0},
+        {ZORVS_DO(std::free(mean)), any, -1},
     });
 }
 

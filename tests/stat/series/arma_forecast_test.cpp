@@ -92,6 +92,8 @@ TYPED_TEST(ArmaForecastTwin, BadRecordsAndArgumentsAreRefused) {
         {ZORVS_CALL(refused(forecast(rec, 2, 55555, 0))), 1, 5, 11001, "i1=55555 i2=3"},
         {ZORVS_CALL(forecast(nullptr, 2, ZORVS_RETURN_USER, user.data(), 0) == user.data() && untouched()), 1, 5,
          21240},
+        // a failed work array after the caller's table was taken
+        {ZORVS_CALL((zorvs::allocation_failure_countdown = 1, forecast(rec, 2, ZORVS_RETURN_USER, user.data(), 0) == user.data() && untouched())), 1, 5, 201},
         // a level below 50 is an immediate warning that keeps the forecasts;
         // the level 0 gives limits equal to the forecasts
         {ZORVS_CALL((f = forecast(rec, 2, ZORVS_CONFIDENCE, 40.0, 0)) && f[1] < f[0]), 1, 6, 20404},
