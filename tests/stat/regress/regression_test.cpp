@@ -123,7 +123,8 @@ TYPED_TEST(RegressionTwin, FrequenciesAndWeights) {
 // an intercept (dropped); as many rows as parameters, frequencies summing
 // to less than the rank (the table's df for error 0), and all rows missing
 // (no degrees of freedom); a missing frequency (the row counted missing);
-// residuals NaN where the row has a NaN.
+// residuals NaN where the row has a NaN, which the record's extremes pass
+// over.
 TYPED_TEST(RegressionTwin, EdgeCases) {
     using T = TypeParam;
     const T nan = std::numeric_limits<T>::quiet_NaN(), inf = std::numeric_limits<T>::infinity();
@@ -159,7 +160,8 @@ TYPED_TEST(RegressionTwin, EdgeCases) {
         {ZORVS_CALL((log.clear(), f(3, 1, xn, y, record, &info), log.has(6, 11049))), 1, -1},
         {ZORVS_CALL(info->df_error == 0 && std::isnan(*info->x_min) && missing() == 3), 1, -1},
         {ZORVS_CALL((f(5, 1, x, y, ZORVS_FREQUENCIES, fn, record, &info), missing())), 1, 0, 0},
-        {ZORVS_CALL(f(5, 1, xr, y, ZORVS_RESIDUAL_USER, res) && std::isnan(res[2])), 1},
+        {ZORVS_CALL(f(5, 1, xr, y, ZORVS_RESIDUAL_USER, res, record, &info) && std::isnan(res[2])), 1},
+        {ZORVS_CALL(*info->x_min == 1 && *info->x_max == 5 && missing() == 1), 1, -1},
         {ZORVS_CALL(std::fabs(res[0]) + std::fabs(res[1]) + std::fabs(res[3]) + std::fabs(res[4])), 0, -1, 0, "", 4e-5},
         {ZORVS_DO(std::free(b)), any, -1},
     });
