@@ -190,6 +190,11 @@ public:
     Worst &operator=(const Worst &) = delete;
     void add(double e) { value_ = std::max(value_, e); }  // a NaN leaves it as it is
     double value() const { return value_; }
+    // Adds an error and holds it to the tolerance.
+    void expect_within(double e, double tol) {
+        add(e);
+        EXPECT_LE(e, tol);
+    }
 
 private:
     std::string name_;

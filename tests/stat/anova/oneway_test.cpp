@@ -11,25 +11,8 @@ namespace {
 
 using namespace zorvs_test;
 
-struct OnewayRef {
-    const char *name;
-    std::vector<int> n;
-    std::vector<double> y;
-    std::array<double, 15> table;
-    double p_oneway_test;
-    std::vector<double> counts, means, sds;
-    double confidence;
-    std::vector<std::vector<double>> intervals;  // by method; none where no comparison is made
-    std::vector<double> tukey_exact_q, tukey_hsd;
-};
 #include "data/stat/anova/oneway_ref.inc"
 
-struct HardRef {
-    const char *name;
-    double constant;
-    int per_group;
-    double ss_between, ss_within, ms_between, ms_within, f;
-};
 #include "data/stat/anova/hard_data_ref.inc"
 
 ZORVS_TWIN_SUITE(OnewayTwin);
@@ -96,8 +79,6 @@ TYPED_TEST(OnewayTwin, TableGroupsAndIntervalsAgreeWithR) {
 // script builds it: sums of squares, mean squares and F to 9 digits at least.
 TEST(OnewayHardData, NistConstructionAgreesWithExactArithmetic) {
     const double centres[9] = {0.4, 0.3, 0.5, 0.3, 0.5, 0.3, 0.5, 0.3, 0.5};
-    auto below = [](double d) { return d == 0.4 ? 0.3 : d == 0.3 ? 0.2 : 0.4; };
-    auto above = [](double d) { return d == 0.4 ? 0.5 : d == 0.3 ? 0.4 : 0.6; };
     Worst worst("NIST one-way construction, double: relative error of SS, MS and F");
     for (const HardRef &r : hard_refs) {
         SCOPED_TRACE(r.name);
@@ -105,7 +86,9 @@ TEST(OnewayHardData, NistConstructionAgreesWithExactArithmetic) {
         std::vector<int> n(9, r.per_group);
         for (double d : centres) {
             y.push_back(r.constant + d);
-            for (int j = 0; j < r.per_group - 1; ++j) y.push_back(r.constant + (j % 2 == 0 ? below(d) : above(d)));
+            // alternately the doubles 0.1 below and above the centre
+            const double below = d == 0.4 ? 0.3 : d == 0.3 ? 0.2 : 0.4, above = d == 0.4 ? 0.5 : d == 0.3 ? 0.4 : 0.6;
+            for (int j = 0; j < r.per_group - 1; ++j) y.push_back(r.constant + (j % 2 == 0 ? below : above));
         }
         double table[15];
         zorvs_d_anova_oneway(9, n.data(), y.data(), ZORVS_ANOVA_TABLE_USER, table, 0);
@@ -129,30 +112,31 @@ TYPED_TEST(OnewayTwin, RefusalsAndOutputs) {
     const std::string all_methods =
         "ZORVS_TUKEY, ZORVS_DUNN_SIDAK, ZORVS_BONFERRONI, ZORVS_SCHEFFE, and ZORVS_ONE_AT_A_TIME";
     auto untouched = [&] { return table[0] == T(-7) && rows[0] == T(-7); };
-    auto p = [&](auto... keys) { return double(anova(3, n.data(), y.data(), keys..., 0)); };
+    // the p-value of groups n of responses y, and of PlantGrowth
+    auto a = [&](std::vector<int> &n, std::vector<T> &y, auto... keys) {
+        return double(anova(int(n.size()), n.data(), y.data(), keys..., 0));
+    };
+    auto p = [&](auto... keys) { return a(n, y, keys...); };
+    const int tab = ZORVS_ANOVA_TABLE_USER;
     const double p_plant = plant.table[9], tol = std::is_same_v<T, float> ? 1e-5 : 1e-12;
     expect_rows({
         // two comparison keywords, or one twice: nothing computed, nothing returned
-        {ZORVS_CALL(p(ZORVS_TUKEY, &got, ZORVS_SCHEFFE_USER, rows.data(), ZORVS_ANOVA_TABLE_USER, table.data())), NaN,
-         5, 11117},
+        {ZORVS_CALL(p(ZORVS_TUKEY, &got, ZORVS_SCHEFFE_USER, rows.data(), tab, table.data())), NaN, 5, 11117},
         {ZORVS_CALL(untouched() && got == nullptr && std::string(zorvs_error_param.l[1]) == all_methods), 1, -1},
         {ZORVS_CALL(p(ZORVS_BONFERRONI_USER, rows.data(), ZORVS_BONFERRONI_USER, rows.data())), NaN, 5, 11117},
-        {ZORVS_CALL(anova(3, bad.data(), y.data(), ZORVS_ANOVA_TABLE_USER, table.data(), 0)), NaN, 5, 11127,
-         "i1=1 i2=-1 i3=2"},
+        {ZORVS_CALL(a(bad, y, tab, table.data())), NaN, 5, 11127, "i1=1 i2=-1 i3=2"},
         {ZORVS_CALL(untouched()), 1, -1},
         {ZORVS_CALL(anova(0, n.data(), y.data(), 0)), NaN, 5, 603, "l1=n_groups"},
         {ZORVS_CALL(p(99999)), NaN, 5, 11001, "i1=99999 i2=4"},
         // comparisons refused: missing responses, an empty group, one group
         // (the p-value stands, the pointer is nulled, the caller's table kept)
-        {ZORVS_CALL(anova(3, n.data(), y_nan.data(), ZORVS_ANOVA_TABLE_USER, table.data(), ZORVS_TUKEY, &got, 0)),
-         with_nan.table[9], 5, 11220, "", tol * with_nan.table[9]},
+        {ZORVS_CALL(a(n, y_nan, tab, table.data(), ZORVS_TUKEY, &got)), with_nan.table[9], 5, 11220, "", tol * with_nan.table[9]},
         {ZORVS_CALL(got == nullptr && relative_error(table[9], with_nan.table[9]) < tol), 1, -1},
-        {ZORVS_CALL(anova(6, n_no_c.data(), y_no_c.data(), ZORVS_SCHEFFE_USER, rows.data(), 0)), no_c.table[9], 5,
-         11157, "i1=3 i2=0", tol * no_c.table[9]},
-        {ZORVS_CALL(anova(1, one.data(), y.data(), ZORVS_ONE_AT_A_TIME, &got, 0)), NaN, 5, 11150, "i1=1"},
+        {ZORVS_CALL(a(n_no_c, y_no_c, ZORVS_SCHEFFE_USER, rows.data())), no_c.table[9], 5, 11157, "i1=3 i2=0", tol * no_c.table[9]},
+        {ZORVS_CALL(a(one, y, ZORVS_ONE_AT_A_TIME, &got)), NaN, 5, 11150, "i1=1"},
         {ZORVS_CALL(got == nullptr && alone.intervals.empty()), 1, -1},
         // one response a group leaves no degrees of freedom within groups
-        {ZORVS_CALL(anova(3, n_ones.data(), y.data(), ZORVS_BONFERRONI_USER, rows.data(), 0)), any, 5, 11160, "r1=0"},
+        {ZORVS_CALL(a(n_ones, y, ZORVS_BONFERRONI_USER, rows.data())), any, 5, 11160, "r1=0"},
         // Tukey's level from 90 to 99 only; the others take any percentage
         {ZORVS_CALL(p(ZORVS_CONFIDENCE, 99.5, ZORVS_TUKEY_USER, rows.data())), p_plant, 5, 11159, "r1=99.5", tol},
         {ZORVS_CALL(p(ZORVS_CONFIDENCE, 89.0, ZORVS_TUKEY_USER, rows.data())), p_plant, 5, 11159, "r1=89", tol},
@@ -172,15 +156,11 @@ TYPED_TEST(OnewayTwin, RefusalsAndOutputs) {
         {ZORVS_DO((std::free(given), std::free(counts), std::free(got))), any, -1},
         // all responses equal: no variation, F and p NaN, std devs 0 where a
         // group has two responses or more
-        {ZORVS_CALL(anova(3, equal_n.data(), equal.data(), ZORVS_ANOVA_TABLE_USER, table.data(), ZORVS_GROUP_STD_DEVS_USER,
-                          sds, 0)), NaN, 0, 0},
+        {ZORVS_CALL(a(equal_n, equal, tab, table.data(), ZORVS_GROUP_STD_DEVS_USER, sds)), NaN, 0, 0},
         {ZORVS_CALL(table[3] + table[4] == 0 && std::isnan(table[8]) && std::isnan(sds[0]) && sds[1] + sds[2] == 0), 1},
         // failed allocations: the table, then the work table
-        {ZORVS_CALL(zorvs::allocation_failure_countdown = 1), 1},
-        {ZORVS_CALL(p(ZORVS_ANOVA_TABLE, &got)), NaN, 5, 200},
-        {ZORVS_CALL(zorvs::allocation_failure_countdown = 2), 2},
-        {ZORVS_CALL(p(0)), NaN, 5, 200},
-        {ZORVS_CALL(zorvs::allocation_failure_countdown = 0), 0},
+        {ZORVS_CALL((zorvs::allocation_failure_countdown = 1, p(ZORVS_ANOVA_TABLE, &got))), NaN, 5, 200},
+        {ZORVS_CALL((zorvs::allocation_failure_countdown = 2, p(0))), NaN, 5, 200},
     });
 }
 

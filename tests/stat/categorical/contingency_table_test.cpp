@@ -12,22 +12,8 @@ namespace {
 using namespace zorvs_test;
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
-struct ChiRef {
-    const char *name;
-    double x2, df, p, g2, p_g2;
-    std::vector<double> expected, contributions;
-};
-const ChiRef chi_refs[] = {
 #include "data/stat/categorical/contingency_chisq_ref.inc"
-};
-struct MeasureRef {
-    const char *name;
-    int r, c;
-    std::vector<double> counts, chi_statistics, statistics;
-};
-const MeasureRef measure_refs[] = {
 #include "data/stat/categorical/contingency_measures_ref.inc"
-};
 
 ZORVS_TWIN_SUITE(ContingencyTable);
 
@@ -48,66 +34,46 @@ double tolerance(double want, bool p_value) {
     return p_value ? (single ? 1.2e-7 : 5e-12) : (single ? 2.4e-7 : 1e-9) * std::fmax(std::fabs(want), 0.01);
 }
 
-TYPED_TEST(ContingencyTable, ChiSquaredAgreesWithR) {
+// In the measures, column 4 (and column 3 of row 22, an exact p-value)
+// holds p-values; the rest are statistics and standard errors.
+TYPED_TEST(ContingencyTable, ChiSquaredAndMeasuresAgreeWithReferences) {
     using T = TypeParam;
     Quiet quiet;  // tables with small expected counts warn
-    Worst stat("chi-squared statistics, expected, contributions (relative)"), prob("p-values (absolute)");
+    Worst stat("chi-squared statistics, expected, contributions, measures, standard errors (relative)");
+    Worst prob("p-values (absolute)");
+    // got against want, a p-value or a statistic
+    auto check = [&](double got, double want, bool p_value, double floor = 0.01) {
+        EXPECT_TRUE(agrees(got, want, tolerance<T>(want, p_value))) << got << " against " << want;
+        if (!std::isnan(want)) (p_value ? prob : stat).add(p_value ? std::fabs(got - want) : relative_error(got, want, floor));
+    };
     ASSERT_EQ(std::size(chi_refs), std::size(measure_refs));
     for (std::size_t k = 0; k < std::size(chi_refs); ++k) {
         const ChiRef &ref = chi_refs[k];
         const MeasureRef &m = measure_refs[k];
         SCOPED_TRACE(ref.name);
-        std::vector<T> table(m.counts.begin(), m.counts.end());
-        std::vector<T> expected((m.r + 1) * (m.c + 1));
-        T *contributions = nullptr, x2 = 0, p = 0, g2 = 0, p_g2 = 0;
+        std::vector<T> table(m.counts.begin(), m.counts.end()), expected((m.r + 1) * (m.c + 1)), chi(5);
+        T *contributions = nullptr, *statistics = nullptr, x2 = 0, p = 0, g2 = 0, p_g2 = 0;
         int df = 0, df_g2 = 0;
         const T got = contingency<T>(m.r, m.c, table, ZORVS_CHI_SQUARED, &df, &x2, &p, ZORVS_LRT, &df_g2, &g2, &p_g2,
                                      ZORVS_EXPECTED_USER, expected.data(), ZORVS_CHI_SQUARED_CONTRIBUTIONS,
-                                     &contributions);
-        ASSERT_NE(contributions, nullptr);
-        EXPECT_EQ(df, static_cast<int>(ref.df));
-        EXPECT_EQ(df_g2, df);
-        EXPECT_EQ(got, p);
-        const double values[][3] = {{x2, ref.x2, 0}, {g2, ref.g2, 0}, {p, ref.p, 1}, {p_g2, ref.p_g2, 1}};
-        for (const auto &v : values) {
-            EXPECT_NEAR(v[0], v[1], tolerance<T>(v[1], v[2] != 0)) << (&v - values);
-            (v[2] != 0 ? prob : stat).add(v[2] != 0 ? std::fabs(v[0] - v[1]) : relative_error(v[0], v[1]));
-        }
+                                     &contributions, ZORVS_CHI_SQUARED_STATISTICS_USER, chi.data(), ZORVS_STATISTICS,
+                                     &statistics);
+        ASSERT_TRUE(contributions && statistics);
+        EXPECT_TRUE(df == static_cast<int>(ref.df) && df_g2 == df && got == p);
+        for (const auto &[v, want, p_value] : {std::tuple{x2, ref.x2, 0}, {g2, ref.g2, 0}, {p, ref.p, 1}, {p_g2, ref.p_g2, 1}})
+            check(v, want, p_value);
         for (std::size_t i = 0; i < expected.size(); ++i) {
-            EXPECT_NEAR(expected[i], ref.expected[i], tolerance<T>(ref.expected[i], false)) << i;
-            EXPECT_NEAR(contributions[i], ref.contributions[i], tolerance<T>(ref.contributions[i], false)) << i;
-            stat.add(relative_error(expected[i], ref.expected[i]));
-            stat.add(relative_error(contributions[i], ref.contributions[i], 1e-6));
+            check(expected[i], ref.expected[i], false, 0);
+            check(contributions[i], ref.contributions[i], false, 1e-6);
+        }
+        for (int i = 0; i < 5; ++i) check(chi[i], m.chi_statistics[i], false, 0);
+        for (int i = 0; i < 23 * 5; ++i) {
+            SCOPED_TRACE(::testing::Message() << "row " << i / 5 << " column " << i % 5);
+            check(statistics[i], m.statistics[i], i % 5 == 4 || i == 22 * 5 + 3);
         }
         std::free(contributions);
+        std::free(statistics);
         for (std::size_t i = 0; i < table.size(); ++i) EXPECT_EQ(table[i], T(m.counts[i])) << "table unchanged";
-    }
-}
-
-// Column 4 of the statistics (and col 3 of row 22, an exact p-value) are
-// p-values; the rest are statistics and standard errors.
-TYPED_TEST(ContingencyTable, MeasuresAgreeWithTheirFormulas) {
-    using T = TypeParam;
-    Quiet quiet;  // tables with small expected counts warn
-    Worst stat("measures and standard errors (relative)"), prob("their p-values (absolute)");
-    for (const MeasureRef &m : measure_refs) {
-        SCOPED_TRACE(m.name);
-        std::vector<T> table(m.counts.begin(), m.counts.end()), chi(5), statistics(23 * 5, T(-1));
-        T *allocated = nullptr;
-        contingency<T>(m.r, m.c, table, ZORVS_CHI_SQUARED_STATISTICS_USER, chi.data(), ZORVS_STATISTICS, &allocated);
-        ASSERT_NE(allocated, nullptr);
-        for (int k = 0; k < 5; ++k) {
-            EXPECT_TRUE(agrees(chi[k], m.chi_statistics[k], tolerance<T>(m.chi_statistics[k], false))) << k;
-            if (!std::isnan(m.chi_statistics[k])) stat.add(relative_error(chi[k], m.chi_statistics[k]));
-        }
-        for (int k = 0; k < 23 * 5; ++k) {
-            const double want = m.statistics[k], got = allocated[k];
-            const bool p_value = k % 5 == 4 || k == 22 * 5 + 3;
-            SCOPED_TRACE(::testing::Message() << "row " << k / 5 << " column " << k % 5);
-            EXPECT_TRUE(agrees(got, want, tolerance<T>(want, p_value))) << got << " against " << want;
-            if (!std::isnan(want)) (p_value ? prob : stat).add(p_value ? std::fabs(got - want) : relative_error(got, want, 0.01));
-        }
-        std::free(allocated);
     }
 }
 
@@ -175,38 +141,32 @@ TYPED_TEST(ContingencyTable, RefusalsWarningsAndNotes) {
 // keyword is refused with its position, a null table by name.
 TYPED_TEST(ContingencyTable, RefusedCallWritesNothing) {
     using T = TypeParam;
+    std::vector<T> table = {1, 2, 3, -1}, user(9, T(7)), stats(115, T(7));
+    T sentinel = 7, *expected = &sentinel, x2 = 7, p = 7;
+    int df = 7;
+    auto untouched = [&] {
+        return expected == &sentinel && user == std::vector<T>(9, T(7)) && stats == std::vector<T>(115, T(7)) &&
+               df == 7 && x2 == T(7) && p == T(7);
+    };
+    expect_rows({
+        {ZORVS_CALL(contingency<T>(2, 2, table, ZORVS_EXPECTED, &expected, ZORVS_CHI_SQUARED_CONTRIBUTIONS_USER,
+                                   user.data(), ZORVS_STATISTICS_USER, stats.data(), ZORVS_CHI_SQUARED, &df, &x2, &p)),
+         0, 5, 11140},
+        {ZORVS_CALL(untouched()), 1, -1},
+        {ZORVS_CALL(contingency<T>(2, 2, table, ZORVS_CHI_SQUARED, &df, &x2, &p, 99999)), 0, 5, 11001, "i1=99999 i2=8"},
+        {ZORVS_CALL(ZORVS_TWIN(f_contingency_table, d_contingency_table)(2, 2, nullptr, 0)), 0, 5, 150, "l1=table"},
+    });
     Quiet quiet;
-    std::vector<T> table = {1, 2, 3, -1};
-    for (int nth = 0; nth <= 12; ++nth) {
-        SCOPED_TRACE(nth);
-        std::vector<T> user(9, T(7)), stats(115, T(7));
-        T sentinel = 7, *expected = &sentinel, x2 = 7, p = 7;
-        int df = 7;
-        zorvs_e1mes(0, 0, " ");  // no message on record
+    table[3] = 4;
+    for (int nth = 1;; ++nth) {
         zorvs::allocation_failure_countdown = nth;
         const T got = contingency<T>(2, 2, table, ZORVS_EXPECTED, &expected, ZORVS_CHI_SQUARED_CONTRIBUTIONS_USER,
                                      user.data(), ZORVS_STATISTICS_USER, stats.data(), ZORVS_CHI_SQUARED, &df, &x2, &p);
-        zorvs::allocation_failure_countdown = 0;
-        table[3] = 4;  // valid from the second call on
-        if (nth > 0 && zorvs_error_type() < 4) {
-            std::free(expected);
-            break;  // every allocation had
-        }
-        EXPECT_EQ(got, T(0));
-        EXPECT_TRUE(nth == 0 ? zorvs_error_code() == 11140 : zorvs_error_code() >= 200 && zorvs_error_code() <= 202);
-        EXPECT_EQ(expected, &sentinel);
-        EXPECT_EQ(user, std::vector<T>(9, T(7)));
-        EXPECT_EQ(stats, std::vector<T>(115, T(7)));
-        EXPECT_TRUE(df == 7 && x2 == T(7) && p == T(7));
+        if (zorvs::allocation_failure_countdown > 0) break;  // no n-th allocation: the results stand
+        EXPECT_TRUE(got == 0 && zorvs_error_code() >= 200 && zorvs_error_code() <= 202 && untouched()) << nth;
     }
-    int df = 0;
-    T x2 = 0, p = 0;
-    EXPECT_EQ(contingency<T>(2, 2, table, ZORVS_CHI_SQUARED, &df, &x2, &p, 99999), T(0));
-    EXPECT_EQ(zorvs_error_code(), 11001);
-    EXPECT_EQ(slots("i1=99999 i2=8"), "i1=99999 i2=8");
-    EXPECT_EQ(twin<T>(zorvs_f_contingency_table, zorvs_d_contingency_table)(2, 2, nullptr, 0), T(0));
-    EXPECT_EQ(zorvs_error_code(), 150);
-    EXPECT_EQ(slots("l1=table"), "l1=table");
+    zorvs::allocation_failure_countdown = 0;
+    std::free(expected);
 }
 
 }  // namespace

@@ -10,28 +10,9 @@ namespace {
 
 using namespace zorvs_test;
 
-struct CovarianceCase {
-    const char *name;
-    int n, p;
-    std::vector<double> x, frequencies, weights;
-    int n_groups;
-    std::vector<int> groups;
-    int type, pairwise;
-    std::vector<double> matrix, means;
-};
-const CovarianceCase cases[] = {
 #include "data/stat/describe/covariances_ref.inc"
-};
 
-struct ExactCase {
-    const char *name;
-    int n;
-    std::vector<double> x;
-    double covariance[3], correlation;
-};
-const ExactCase exact_cases[] = {
 #include "data/stat/describe/covariances_exact_ref.inc"
-};
 
 ZORVS_TWIN_SUITE(Covariances);
 
@@ -54,11 +35,7 @@ TYPED_TEST(Covariances, AgreeWithR) {
         ASSERT_NE(m, nullptr);
         double largest = 0;
         for (double v : c.matrix) largest = std::max(largest, std::fabs(v));
-        for (int k = 0; k < c.p * c.p; ++k) {
-            const double e = relative_error(m[k], c.matrix[k], floor * largest);
-            worst.add(e);
-            EXPECT_LE(e, tol) << "entry " << k << ": " << m[k] << " against " << c.matrix[k];
-        }
+        for (int k = 0; k < c.p * c.p; ++k) worst.expect_within(relative_error(m[k], c.matrix[k], floor * largest), tol);
         for (std::size_t k = 0; k < means.size(); ++k) EXPECT_LE(relative_error(means[k], c.means[k]), tol) << k;
         std::free(m);
     }
@@ -79,10 +56,8 @@ TEST(Covariances, LargeOffsetsKeepTheirDigits) {
             double *cor = zorvs_d_covariances(c.n + 1, 2, x.data(), ZORVS_CORRELATION_MATRIX,
                                               pairwise ? ZORVS_MISSING_ELEMENTWISE : 0, 0);
             for (int k : {0, 1, 2}) EXPECT_LE(relative_error(cov[k + k / 2], c.covariance[k]), 1e-12) << k;
-            worst.add(relative_error(cor[1], c.correlation));
-            EXPECT_LE(relative_error(cor[1], c.correlation), 1e-13);
-            std::free(cov);
-            std::free(cor);
+            worst.expect_within(relative_error(cor[1], c.correlation), 1e-13);
+            for (double *p : {cov, cor}) std::free(p);
         }
     }
 }
@@ -100,35 +75,33 @@ TEST(Covariances, BadInputAndLayoutAsRows) {
     int groups[] = {0, 1, 1, 5}, out_of_group[] = {-1, 0, 0, 0};
     float xf[] = {1, 2, 3, 4}, negf[] = {1, -1};
     const auto untouched = [&] { return mine[0] == -7 && mine[3] == -7; };
+    // the matrix of x (n rows of two), null
+    auto cov = [&](int n, double *x, auto... keys) { return zorvs_d_covariances(n, 2, x, keys..., 0); };
+    auto no = [&](int n, double *x, auto... keys) { return cov(n, x, keys...) == nullptr; };
+    // the caller's matrix back and left as it was
+    auto kept = [&](int n, double *x, auto... keys) { return cov(n, x, keys..., ZORVS_RETURN_USER, mine) == mine && untouched(); };
+    const int pooled = ZORVS_POOLED_GROUPS, pairwise = ZORVS_MISSING_ELEMENTWISE, user = ZORVS_RETURN_USER;
     expect_rows({
-        {ZORVS_CALL(zorvs_d_covariances(4, 2, x, ZORVS_WEIGHTS, negative, ZORVS_RETURN_USER, mine, 0) == mine &&
-                    untouched()), 1, 4, 11056, "i1=1 i2=3 r1=-2"},
-        {ZORVS_CALL(zorvs_d_covariances(4, 2, x, ZORVS_FREQUENCIES, negative, 0) == nullptr), 1, 4, 11054},
+        {ZORVS_CALL(kept(4, x, ZORVS_WEIGHTS, negative)), 1, 4, 11056, "i1=1 i2=3 r1=-2"},
+        {ZORVS_CALL(no(4, x, ZORVS_FREQUENCIES, negative)), 1, 4, 11054},
         {ZORVS_CALL(zorvs_f_covariances(2, 2, xf, ZORVS_FREQUENCIES, negf, 0) == nullptr), 1, 4, 11054},
-        {ZORVS_CALL(zorvs_d_covariances(2, 2, all_nan, ZORVS_RETURN_USER, mine, 0) == mine && untouched()), 1, 5,
-         21104, "i1=0"},
-        {ZORVS_CALL(zorvs_d_covariances(1, 2, x, ZORVS_RETURN_USER, mine, 0) == mine && untouched()), 1, 5, 21104,
-         "i1=1"},
-        {ZORVS_CALL(zorvs_d_covariances(4, 2, x, ZORVS_POOLED_GROUPS, 2, groups, ZORVS_RETURN_USER, mine, 0) == mine &&
-                    untouched()), 1, 5, 21107, "i1=4 i2=5 i3=1"},
-        {ZORVS_CALL(zorvs_d_covariances(4, 2, x, ZORVS_POOLED_GROUPS, 0, groups, 0) == nullptr), 1, 5, -1,
-         "l1=n_groups"},
-        {ZORVS_CALL(zorvs_d_covariances(4, 2, x, ZORVS_CORRELATION_MATRIX, ZORVS_CORRECTED_SSCP, 0) == nullptr), 1, 5,
-         11117},
-        {ZORVS_CALL(zorvs_d_covariances(0, 2, x, 0) == nullptr), 1, 5, 603},
-        {ZORVS_CALL(zorvs_d_covariances(4, 2, x, ZORVS_X_COL_DIM, 1, 0) == nullptr), 1, 5, 601},
-        {ZORVS_CALL(zorvs_d_covariances(4, 2, x, ZORVS_X_COL_DIM, 2, 99, 0) == nullptr), 1, 5, 11001},
+        {ZORVS_CALL(kept(2, all_nan)), 1, 5, 21104, "i1=0"},
+        {ZORVS_CALL(kept(1, x)), 1, 5, 21104, "i1=1"},
+        {ZORVS_CALL(kept(4, x, pooled, 2, groups)), 1, 5, 21107, "i1=4 i2=5 i3=1"},
+        {ZORVS_CALL(no(4, x, pooled, 0, groups)), 1, 5, -1, "l1=n_groups"},
+        {ZORVS_CALL(no(4, x, ZORVS_CORRELATION_MATRIX, ZORVS_CORRECTED_SSCP)), 1, 5, 11117},
+        {ZORVS_CALL(no(0, x)), 1, 5, 603},
+        {ZORVS_CALL(no(4, x, ZORVS_X_COL_DIM, 1)), 1, 5, 601},
+        {ZORVS_CALL(no(4, x, ZORVS_X_COL_DIM, 2, 99)), 1, 5, 11001},
         // warnings keep the matrix
-        {ZORVS_CALL(zorvs_d_covariances(4, 2, constant, ZORVS_CORRELATION_MATRIX, ZORVS_RETURN_USER, mine, 0)[1]), NaN,
-         3, 21106, "i1=1"},
-        {ZORVS_CALL(zorvs_d_covariances(4, 2, thin, ZORVS_MISSING_ELEMENTWISE, ZORVS_RETURN_USER, mine, 0)[1]), NaN, 3,
-         21105, "i1=1"},
+        {ZORVS_CALL(cov(4, constant, ZORVS_CORRELATION_MATRIX, user, mine)[1]), NaN, 3, 21106, "i1=1"},
+        {ZORVS_CALL(cov(4, thin, pairwise, user, mine)[1]), NaN, 3, 21105, "i1=1"},
         {ZORVS_CALL(mine[0] == 0.5 && mine[3] == 0.5), 1},
-        {ZORVS_CALL(zorvs_d_covariances(4, 2, thin, 0) == nullptr), 1, 5, 21104},
-        {ZORVS_CALL(zorvs_d_covariances(3, 2, x + 2, ZORVS_POOLED_GROUPS, 1, out_of_group, ZORVS_RETURN_USER, mine, 0)[0]), 0.5, 0, 0},
-        {ZORVS_CALL(zorvs_d_covariances(2, 2, all_nan, ZORVS_MISSING_ELEMENTWISE, 0) == nullptr), 1, 5, 21104},
-        {ZORVS_CALL(zorvs_d_covariances(3, 2, y, ZORVS_MISSING_ELEMENTWISE, ZORVS_COV_COL_DIM, 3, ZORVS_RETURN_USER, table,
-                                        ZORVS_PAIR_COUNTS, &counts, ZORVS_X_MEAN, &means, 0) == table), 1, 3, 11288},
+        {ZORVS_CALL(no(4, thin)), 1, 5, 21104},
+        {ZORVS_CALL(cov(3, x + 2, pooled, 1, out_of_group, user, mine)[0]), 0.5, 0, 0},
+        {ZORVS_CALL(no(2, all_nan, pairwise)), 1, 5, 21104},
+        {ZORVS_CALL(cov(3, y, pairwise, ZORVS_COV_COL_DIM, 3, user, table, ZORVS_PAIR_COUNTS, &counts, ZORVS_X_MEAN, &means) == table),
+         1, 3, 11288},
         {ZORVS_CALL(holds(table, 4, 10, -1, 10, 12.5, -1) && holds(counts, 3, 2, 2, 2) && holds(means, 3, 4.5)), 1},
         {ZORVS_DO((std::free(counts), std::free(means))), any, -1},
     });

@@ -10,22 +10,7 @@ namespace {
 
 using namespace zorvs_test;
 
-struct SampleCase {
-    const char *name;
-    std::vector<double> x1, x2;
-    double hypothesis1, hypothesis2, level_means, level_variances;
-    std::vector<double> want;
-};
-const SampleCase one_sample_cases[] = {
-#define NORMAL_ONE_SAMPLE
 #include "data/stat/describe/normal_samples_ref.inc"
-#undef NORMAL_ONE_SAMPLE
-};
-const SampleCase two_sample_cases[] = {
-#define NORMAL_TWO_SAMPLE
-#include "data/stat/describe/normal_samples_ref.inc"
-#undef NORMAL_TWO_SAMPLE
-};
 
 ZORVS_TWIN_SUITE(NormalSamples);
 
@@ -68,35 +53,34 @@ TEST(NormalSamples, BadInputAsRows) {
            level = 80, mine[30] = {-7}, *none = nullptr;
     float xf[] = {1, 2, 4};
     const auto untouched = [&] { return mine[0] == -7 && mine[29] == 0; };
+    // the one- and two-sample results, into the caller's storage with `user`
+    auto one = [&](int n, double *x, auto... keys) { return zorvs_d_normal_one_sample(n, x, keys..., 0); };
+    auto two = [&](int n1, double *x1, int n2, double *x2, auto... keys) {
+        return zorvs_d_normal_two_sample(n1, x1, n2, x2, keys..., 0);
+    };
+    const int user = ZORVS_RETURN_USER;
     expect_rows({
-        {ZORVS_CALL(zorvs_d_normal_one_sample(0, x, 0) == nullptr), 1, 5, 603},
-        {ZORVS_CALL(zorvs_d_normal_one_sample(3, nan3, ZORVS_RETURN_USER, mine, 0) == mine && untouched()), 1, 5, 21101,
-         "i1=1 i2=0"},
-        {ZORVS_CALL(zorvs_d_normal_one_sample(3, one_left, ZORVS_RETURN_USER, mine, 0) == mine && untouched()), 1, 5,
-         21101, "i1=1 i2=1"},
-        {ZORVS_CALL(zorvs_d_normal_two_sample(4, x, 1, x, ZORVS_RETURN_USER, mine, 0) == mine && untouched()), 1, 5,
-         21101, "i1=2 i2=1"},
-        {ZORVS_CALL(zorvs_d_normal_one_sample(4, x, ZORVS_CONFIDENCE_MEANS, 100.0, 0) == nullptr), 1, 5, 11064, "r1=100"},
-        {ZORVS_CALL(zorvs_d_normal_two_sample(4, x, 4, x, ZORVS_CONFIDENCE_VARIANCES_ADR, none, 0) == nullptr), 1, 5, 150},
+        {ZORVS_CALL(one(0, x) == nullptr), 1, 5, 603},
+        {ZORVS_CALL(one(3, nan3, user, mine) == mine && untouched()), 1, 5, 21101, "i1=1 i2=0"},
+        {ZORVS_CALL(one(3, one_left, user, mine) == mine && untouched()), 1, 5, 21101, "i1=1 i2=1"},
+        {ZORVS_CALL(two(4, x, 1, x, user, mine) == mine && untouched()), 1, 5, 21101, "i1=2 i2=1"},
+        {ZORVS_CALL(one(4, x, ZORVS_CONFIDENCE_MEANS, 100.0) == nullptr), 1, 5, 11064, "r1=100"},
+        {ZORVS_CALL(two(4, x, 4, x, ZORVS_CONFIDENCE_VARIANCES_ADR, none) == nullptr), 1, 5, 150},
         {ZORVS_CALL(zorvs_f_normal_two_sample(3, xf, 3, xf, ZORVS_CONFIDENCE_VARIANCES, 120.0, 0) == nullptr), 1, 5, 11065},
-        {ZORVS_CALL(zorvs_d_normal_one_sample(4, x, ZORVS_HYPOTHESIZED_VARIANCE, 0.0, 0) == nullptr), 1, 5, 21103,
-         "r1=0 l1=ZORVS_HYPOTHESIZED_VARIANCE"},
-        {ZORVS_CALL(zorvs_d_normal_two_sample(4, x, 4, x, ZORVS_HYPOTHESIZED_RATIO, -1.0, 0) == nullptr), 1, 5, 21103},
-        {ZORVS_CALL(zorvs_d_normal_one_sample(4, x, ZORVS_HYPOTHESIZED_MEAN, NaN, 0) == nullptr), 1, 5, 21108,
-         "l1=ZORVS_HYPOTHESIZED_MEAN"},
-        {ZORVS_CALL(zorvs_d_normal_two_sample(4, x, 4, x, ZORVS_HYPOTHESIZED_DIFFERENCE, Inf, 0) == nullptr), 1, 5, 21108},
-        {ZORVS_CALL(zorvs_d_normal_one_sample(4, x, ZORVS_HYPOTHESIZED_DIFFERENCE, 1.0, 0) == nullptr), 1, 5, 11001},
-        {ZORVS_CALL(zorvs_d_normal_two_sample(4, x, 4, nullptr, 0) == nullptr), 1, 5, 150, "l1=x2"},
+        {ZORVS_CALL(one(4, x, ZORVS_HYPOTHESIZED_VARIANCE, 0.0) == nullptr), 1, 5, 21103, "r1=0 l1=ZORVS_HYPOTHESIZED_VARIANCE"},
+        {ZORVS_CALL(two(4, x, 4, x, ZORVS_HYPOTHESIZED_RATIO, -1.0) == nullptr), 1, 5, 21103},
+        {ZORVS_CALL(one(4, x, ZORVS_HYPOTHESIZED_MEAN, NaN) == nullptr), 1, 5, 21108, "l1=ZORVS_HYPOTHESIZED_MEAN"},
+        {ZORVS_CALL(two(4, x, 4, x, ZORVS_HYPOTHESIZED_DIFFERENCE, Inf) == nullptr), 1, 5, 21108},
+        {ZORVS_CALL(one(4, x, ZORVS_HYPOTHESIZED_DIFFERENCE, 1.0) == nullptr), 1, 5, 11001},
+        {ZORVS_CALL(two(4, x, 4, nullptr) == nullptr), 1, 5, 150, "l1=x2"},
         // warnings keep the result: NaN left out (count 2 of 3), constant data
-        {ZORVS_CALL(zorvs_d_normal_two_sample(4, x, 3, one_left, 0) == nullptr), 1, 5, 21101},
-        {ZORVS_CALL(zorvs_d_normal_one_sample(3, with_nan, ZORVS_RETURN_USER, mine, 0)[0]), 2, 3, 21100,
-         "i1=1 i2=1"},
-        {ZORVS_CALL(zorvs_d_normal_one_sample(3, same, ZORVS_RETURN_USER, mine, 0)[9]), NaN, 3, 21102, "i1=1"},
+        {ZORVS_CALL(two(4, x, 3, one_left) == nullptr), 1, 5, 21101},
+        {ZORVS_CALL(one(3, with_nan, user, mine)[0]), 2, 3, 21100, "i1=1 i2=1"},
+        {ZORVS_CALL(one(3, same, user, mine)[9]), NaN, 3, 21102, "i1=1"},
         {ZORVS_CALL(mine[1] == 2 && mine[13] == 0 && std::isnan(mine[5])), 1},
-        {ZORVS_CALL(zorvs_d_normal_two_sample(3, same, 4, x, ZORVS_RETURN_USER, mine, 0)[22]), NaN, 3, 21102, "i1=3"},
-        {ZORVS_CALL(zorvs_d_normal_two_sample(3, same, 3, same, ZORVS_CONFIDENCE_MEANS_ADR, &level,
-                                              ZORVS_RETURN_USER, mine, 0)[18]), NaN, 3, 21102},
-        {ZORVS_CALL(zorvs_d_normal_one_sample(4, x, ZORVS_CONFIDENCE_MEANS, 0.0, ZORVS_RETURN_USER, mine, 0)[5]), NaN},
+        {ZORVS_CALL(two(3, same, 4, x, user, mine)[22]), NaN, 3, 21102, "i1=3"},
+        {ZORVS_CALL(two(3, same, 3, same, ZORVS_CONFIDENCE_MEANS_ADR, &level, user, mine)[18]), NaN, 3, 21102},
+        {ZORVS_CALL(one(4, x, ZORVS_CONFIDENCE_MEANS, 0.0, user, mine)[5]), NaN},
     });
 }
 

@@ -106,15 +106,9 @@ TYPED_TEST(TableOnewayTwin, ChecksRaiseInOrderAndReturnNull) {
         {ZORVS_CALL(null(table(3, missing.data(), 3, 0))), 1, 5, 20026},
         {ZORVS_CALL(null(table(3, x.data(), 3, ZORVS_KNOWN_BOUNDS, 0.0, 1.0, 99999, 0))), 1, 5, 11001, "i1=99999 i2=7"},
         // a failed allocation of the result or of the work vector
-        {ZORVS_CALL(zorvs::allocation_failure_countdown = 1), 1},
-        {ZORVS_CALL(null(table(3, x.data(), 4, 0))), 1, 5, 201, "i1=4 l1=n_intervals"},
-        {ZORVS_CALL(zorvs::allocation_failure_countdown = 2), 2},
-        {ZORVS_CALL(null(table(3, x.data(), 4, 0))), 1, 5, 201, "i1=4 l1=n_intervals"},
-        {ZORVS_CALL(zorvs::allocation_failure_countdown = 0), 0},
+        {ZORVS_CALL((zorvs::allocation_failure_countdown = 1, null(table(3, x.data(), 4, 0)))), 1, 5, 201, "i1=4 l1=n_intervals"},
+        {ZORVS_CALL((zorvs::allocation_failure_countdown = 2, null(table(3, x.data(), 4, 0)))), 1, 5, 201, "i1=4 l1=n_intervals"},
     });
-    T *t = table(3, x.data(), 3, 0);  // and the routine works again
-    EXPECT_EQ(t[0] + t[1] + t[2], 3);
-    std::free(t);
 }
 
 }  // namespace

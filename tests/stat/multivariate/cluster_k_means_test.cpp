@@ -7,29 +7,9 @@
 
 namespace {
 
-using zorvs_test::Quiet;
-using zorvs_test::any;
+using namespace zorvs_test;
 
-struct DataSet {
-    const char *name;
-    int m, nv;
-    std::vector<double> x;
-};
-const DataSet data_sets[] = {
-#define ZORVS_KMEANS_DATA
 #include "data/stat/multivariate/cluster_k_means_ref.inc"
-#undef ZORVS_KMEANS_DATA
-};
-struct Reference {
-    const char *set;
-    int k;
-    std::vector<int> seed_rows, clusters;
-    std::vector<double> means, ssq;
-    std::vector<int> counts;
-};
-const Reference references[] = {
-#include "data/stat/multivariate/cluster_k_means_ref.inc"
-};
 
 const DataSet &data_of(const char *name) {
     for (const DataSet &d : data_sets)
@@ -84,36 +64,27 @@ TYPED_TEST(KMeansTwin, AgreeWithR) {
 TEST(KMeans, FrequenciesAndWeightsAgreeWithReplicatedRows) {
     const DataSet &d = data_of("iris");
     const int k = 3;
-    std::vector<double> x = d.x, seeds;
-    for (int row : {0, 60, 120})
-        for (int j = 0; j < d.nv; ++j) seeds.push_back(x[row * d.nv + j]);
-    std::vector<double> f(d.m), replicated;
+    std::vector<double> x = d.x, seeds, f(d.m), replicated;
+    for (int row : {0, 60, 120}) seeds.insert(seeds.end(), &x[row * d.nv], &x[row * d.nv] + d.nv);
     for (int i = 0; i < d.m; ++i) {
         f[i] = 1 + i % 3;
         for (int c = 0; c < f[i]; ++c) replicated.insert(replicated.end(), &x[i * d.nv], &x[i * d.nv] + d.nv);
     }
-    const int mr = static_cast<int>(replicated.size()) / d.nv;
-    std::vector<double> mean_f(k * d.nv), ssq_f(k), mean_r(k * d.nv), ssq_r(k), mean_w(k * d.nv), ssq_w(k);
-    int *by_f = zorvs_d_cluster_k_means(d.m, d.nv, x.data(), k, seeds.data(), ZORVS_FREQUENCIES, f.data(),
-                                        ZORVS_CLUSTER_MEANS_USER, mean_f.data(), ZORVS_CLUSTER_SSQ_USER, ssq_f.data(), 0);
-    int *by_r = zorvs_d_cluster_k_means(mr, d.nv, replicated.data(), k, seeds.data(), ZORVS_CLUSTER_MEANS_USER,
-                                        mean_r.data(), ZORVS_CLUSTER_SSQ_USER, ssq_r.data(), 0);
-    int *by_w = zorvs_d_cluster_k_means(d.m, d.nv, x.data(), k, seeds.data(), ZORVS_WEIGHTS, f.data(),
-                                        ZORVS_CLUSTER_MEANS_USER, mean_w.data(), ZORVS_CLUSTER_SSQ_USER, ssq_w.data(), 0);
-    ASSERT_TRUE(by_f && by_r && by_w);
-    for (int i = 0, ir = 0; i < d.m; ir += static_cast<int>(f[i]), ++i) {
-        EXPECT_EQ(by_f[i], by_r[ir]) << i;
-        EXPECT_EQ(by_w[i], by_f[i]) << i;
-    }
-    for (int q = 0; q < k * d.nv; ++q) {
-        EXPECT_NEAR(mean_f[q], mean_r[q], 1e-13);
-        EXPECT_EQ(mean_w[q], mean_f[q]);
-    }
-    for (int l = 0; l < k; ++l) {
-        EXPECT_NEAR(ssq_f[l], ssq_r[l], 1e-12 * ssq_r[l]);
-        EXPECT_EQ(ssq_w[l], ssq_f[l]);
-    }
-    for (int *p : {by_f, by_r, by_w}) std::free(p);
+    // the clusters, then the means and sums of squares
+    auto run = [&](std::vector<double> &x, int keyword, double *by) {
+        const int m = int(x.size()) / d.nv;
+        std::vector<double> r(m + k * d.nv + k);
+        int *c = zorvs_d_cluster_k_means(m, d.nv, x.data(), k, seeds.data(), keyword, by, ZORVS_CLUSTER_MEANS_USER,
+                                         &r[m], ZORVS_CLUSTER_SSQ_USER, &r[m + k * d.nv], 0);
+        std::copy(c, c + m, r.begin());
+        return std::free(c), r;
+    };
+    const auto by_f = run(x, ZORVS_FREQUENCIES, f.data()), by_w = run(x, ZORVS_WEIGHTS, f.data()),
+               by_r = run(replicated, ZORVS_FREQUENCIES, nullptr);
+    const int mr = int(replicated.size()) / d.nv;
+    EXPECT_EQ(by_w, by_f);
+    for (int i = 0, ir = 0; i < d.m; ir += static_cast<int>(f[i]), ++i) EXPECT_EQ(by_f[i], by_r[ir]) << i;
+    for (int q = 0; q < k * d.nv + k; ++q) EXPECT_NEAR(by_f[d.m + q], by_r[mr + q], 1e-12 * std::fabs(by_r[mr + q])) << q;
 }
 
 // Worked by hand, as rows: a tie, a missing value, strides, x_columns and
@@ -126,13 +97,12 @@ TEST(KMeans, FrequenciesAndWeightsAgreeWithReplicatedRows) {
 // in rows of 4; two clusters settle in one pass.
 TYPED_TEST(KMeansTwin, HandCases) {
     using T = TypeParam;
-    using zorvs_test::holds;
     const T nan = std::numeric_limits<T>::quiet_NaN();
     std::vector<T> x1{0, 1, 2}, s1{0, 2}, x2{0, 0, -9, 0.5, 1, -9, 10, 10, -9, 11, 11, -9, 10.5, nan, -9},
         s2{0, 0, 10, 10}, x3{0, 99, 0, 1, 99, 1, 9, 99, 9, 10, 99, 10}, m3(8, -1);
     T *means = nullptr, *ssq = nullptr;
     int *counts = nullptr, *c = nullptr, columns[2] = {2, 0}, result[4];
-    zorvs_test::expect_rows({
+    expect_rows({
         {ZORVS_CALL(holds(c = k_means<T>(3, 1, x1.data(), 2, s1.data(), 0), 1, 1, 2)), 1, 0, 0},
         {ZORVS_DO(std::free(c)), any, -1},
         {ZORVS_CALL(holds(c = k_means<T>(5, 2, x2.data(), 2, s2.data(), ZORVS_X_COL_DIM, 3, ZORVS_CLUSTER_MEANS, &means,
@@ -147,63 +117,50 @@ TYPED_TEST(KMeansTwin, HandCases) {
     });
 }
 
-// The refusals, as rows: what is changed from a good call, and the expected
-// (type, code).
-struct Refusal {
-    const char *what;
-    int k, nv, x_col_dim, max_iterations;
-    std::vector<int> x_columns;
-    double frequency0, weight0;  // of row 0; +0.0 for none given (-0.0 is a zero frequency given)
-    bool far_seed;
-    int type, code;
-};
-const Refusal refusals[] = {
-    {"one cluster", 1, 2, 2, 30, {}, 0, 0, false, 5, 20080},
-    {"more clusters than rows", 7, 2, 2, 30, {}, 0, 0, false, 5, 20080},
-    {"zero frequency", 2, 2, 2, 30, {}, -0.0, 0, false, 5, 20081},
-    {"NaN weight", 2, 2, 2, 30, {}, 0, NAN, false, 5, 20082},
-    {"empty cluster", 3, 2, 2, 30, {}, 0, 0, true, 5, 20083},
-    {"weight column", 2, 2, 2, 30, {0, 3}, 1, 1, false, 5, 20090},
-    {"frequency column", 2, 2, 2, 30, {2, 1}, 1, 0, false, 5, 20091},
-    {"too many, both", 2, 3, 2, 30, {0, 1, 1}, 1, 1, false, 5, 20092},
-    {"too many, one", 2, 3, 2, 30, {0, 1, 1}, 0, 1, false, 5, 20093},
-    {"too many", 2, 3, 2, 30, {0, 1, 1}, 0, 0, false, 5, 20094},
-    {"column out of range", 2, 2, 2, 30, {0, 5}, 0, 0, false, 5, 602},
-    {"bad iterations", 2, 2, 2, 0, {}, 0, 0, false, 5, 603},
-    {"bad stride", 2, 2, 0, 30, {}, 0, 0, false, 5, 603},
-    {"no convergence", 3, 2, 2, 1, {}, 0, 0, false, 3, 20084},
-};
-
+// The refusals, as rows: what is changed from a good call on six rows of
+// two columns (a third for the strided cases): clusters, variables, stride,
+// iterations, columns, the frequency and weight of row 0 (+0.0: none given;
+// -0.0: a zero frequency), a seed far off; then the expected (type, code).
+// A refusal hands nothing over; the data and seeds stay as they were.
 TEST(KMeans, Refusals) {
-    Quiet quiet;
-    for (const Refusal &r : refusals) {
-        SCOPED_TRACE(r.what);
-        // six rows of two columns (a third for the strided cases)
-        std::vector<double> x{0, 0, 0.4, 0.2, 5, 5, 5.5, 4, 2.6, 2.4, 9, 9};
-        std::vector<double> seeds{0, 0, 0, 9, 9, 0, r.far_seed ? 100 : 2.4, r.far_seed ? 100 : 2.6, 0};
-        std::vector<double> f(6, 1), w(6, 1);
-        f[0] = r.frequency0;
-        w[0] = r.weight0;
-        const std::vector<double> x_before = x, seeds_before = seeds;
-        double *ssq = reinterpret_cast<double *>(&x[0]);
+    auto km = [](int k, int nv, int x_col_dim, int max_iterations, std::vector<int> x_columns, double frequency0,
+                 double weight0, bool far_seed) {
+        std::vector<double> x{0, 0, 0.4, 0.2, 5, 5, 5.5, 4, 2.6, 2.4, 9, 9}, f(6, 1), w(6, 1);
+        std::vector<double> seeds{0, 0, 0, 9, 9, 0, far_seed ? 100 : 2.4, far_seed ? 100 : 2.6, 0};
+        f[0] = frequency0;
+        w[0] = weight0;
+        const std::vector<double> before = x, seeds_before = seeds;
+        double *ssq = &x[0];
         int *c = zorvs_d_cluster_k_means(
-            6, r.nv, x.data(), r.k, seeds.data(), ZORVS_X_COL_DIM, r.x_col_dim, ZORVS_MAX_ITERATIONS, r.max_iterations,
+            6, nv, x.data(), k, seeds.data(), ZORVS_X_COL_DIM, x_col_dim, ZORVS_MAX_ITERATIONS, max_iterations,
             ZORVS_CLUSTER_SEEDS_COL_DIM, 3, ZORVS_CLUSTER_MEANS_COL_DIM, 3, ZORVS_CLUSTER_SSQ, &ssq,
-            ZORVS_X_COLUMNS, r.x_columns.empty() ? nullptr : r.x_columns.data(),
-            ZORVS_FREQUENCIES, r.frequency0 != 0 || std::signbit(r.frequency0) ? f.data() : nullptr,
-            ZORVS_WEIGHTS, r.weight0 != 0 ? w.data() : nullptr, 0);
-        EXPECT_EQ(zorvs_n1rty(1), r.type);
-        EXPECT_EQ(zorvs_error_code(), r.code);
-        EXPECT_EQ(c == nullptr, r.type >= 4);
-        EXPECT_EQ(ssq == nullptr, r.type >= 4);
-        EXPECT_EQ(x, x_before);
-        EXPECT_EQ(seeds, seeds_before);
+            ZORVS_X_COLUMNS, x_columns.empty() ? nullptr : x_columns.data(),
+            ZORVS_FREQUENCIES, frequency0 != 0 || std::signbit(frequency0) ? f.data() : nullptr,
+            ZORVS_WEIGHTS, weight0 != 0 ? w.data() : nullptr, 0);
+        const bool refused = zorvs_n1rty(1) >= 4, kept = x == before && seeds == seeds_before;
+        const bool handed = (c != nullptr) == !refused && (ssq != nullptr) == !refused;
         std::free(c);
-        if (r.type < 4) std::free(ssq);
-    }
+        if (!refused) std::free(ssq);
+        return kept && handed;
+    };
     double x[4] = {0, 1, 2, 3};
-    EXPECT_EQ(zorvs_d_cluster_k_means(4, 1, x, 2, x, ZORVS_STD_DEV, 0), nullptr);
-    EXPECT_EQ(zorvs_error_code(), 11001);
+    expect_rows({
+        {ZORVS_CALL(km(1, 2, 2, 30, {}, 0, 0, false)), 1, 5, 20080},  // one cluster
+        {ZORVS_CALL(km(7, 2, 2, 30, {}, 0, 0, false)), 1, 5, 20080},  // more clusters than rows
+        {ZORVS_CALL(km(2, 2, 2, 30, {}, -0.0, 0, false)), 1, 5, 20081},  // a zero frequency
+        {ZORVS_CALL(km(2, 2, 2, 30, {}, 0, NAN, false)), 1, 5, 20082},  // a NaN weight
+        {ZORVS_CALL(km(3, 2, 2, 30, {}, 0, 0, true)), 1, 5, 20083},  // an empty cluster
+        {ZORVS_CALL(km(2, 2, 2, 30, {0, 3}, 1, 1, false)), 1, 5, 20090},  // the weight column among x_columns
+        {ZORVS_CALL(km(2, 2, 2, 30, {2, 1}, 1, 0, false)), 1, 5, 20091},  // the frequency column among them
+        {ZORVS_CALL(km(2, 3, 2, 30, {0, 1, 1}, 1, 1, false)), 1, 5, 20092},  // too many columns, both given
+        {ZORVS_CALL(km(2, 3, 2, 30, {0, 1, 1}, 0, 1, false)), 1, 5, 20093},  // too many, one given
+        {ZORVS_CALL(km(2, 3, 2, 30, {0, 1, 1}, 0, 0, false)), 1, 5, 20094},  // too many
+        {ZORVS_CALL(km(2, 2, 2, 30, {0, 5}, 0, 0, false)), 1, 5, 602},  // a column out of range
+        {ZORVS_CALL(km(2, 2, 2, 0, {}, 0, 0, false)), 1, 5, 603},  // no iterations
+        {ZORVS_CALL(km(2, 2, 0, 30, {}, 0, 0, false)), 1, 5, 603},  // a bad stride
+        {ZORVS_CALL(km(3, 2, 2, 1, {}, 0, 0, false)), 1, 3, 20084},  // no convergence in one pass
+        {ZORVS_CALL(zorvs_d_cluster_k_means(4, 1, x, 2, x, ZORVS_STD_DEV, 0) == nullptr), 1, 5, 11001},
+    });
 }
 
 }  // namespace

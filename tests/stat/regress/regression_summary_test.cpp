@@ -7,11 +7,6 @@
 
 namespace {
 
-using zorvs_test::LmCase;
-struct SummaryRef {
-    double level;
-    const double *tests, *vif, *rows;
-};
 #include "data/stat/regress/regression_lm_ref.inc"
 #include "data/stat/regress/regression_summary_ref.inc"
 
@@ -19,22 +14,32 @@ using namespace zorvs_test;
 
 template <class T>
 struct Fitted {
-    std::vector<T> x, y, w;
+    std::vector<T> x, y, w, coef;
+    T *aov = nullptr, *cov = nullptr;  // the covariances in rows of p + 1
     Info<T> *info = nullptr;
-    // The fit of rows (n, nv, row-major x) by the library, its record kept.
+    // The fit of rows (n, nv, row-major x) by the library, its record, its
+    // coefficients, table and covariances kept.
     Fitted(int n, int nv, const double *x0, const double *y0, const double *w0, bool intercept)
         : x(x0, x0 + n * nv), y(y0, y0 + n), w(n, T(1)) {
         if (w0) w.assign(w0, w0 + n);
-        std::free(fit<T>(n, nv, x.data(), y.data(), ZORVS_WEIGHTS, w.data(), ZORVS_REGRESSION_INFO, &info,
-                         intercept ? 0 : ZORVS_NO_INTERCEPT, 0));
+        T *b = fit<T>(n, nv, x.data(), y.data(), ZORVS_WEIGHTS, w0 ? w.data() : nullptr, ZORVS_REGRESSION_INFO, &info,
+                      ZORVS_ANOVA_TABLE, &aov, ZORVS_COEF_COVARIANCES, &cov, ZORVS_COV_COL_DIM, nv + intercept + 1,
+                      intercept ? 0 : ZORVS_NO_INTERCEPT, 0);
+        if (b) coef.assign(b, b + nv + intercept);
+        std::free(b);
     }
     explicit Fitted(const LmCase &c) : Fitted(c.n, c.nv, c.x, c.y, c.w, c.intercept) {}
-    ~Fitted() { std::free(info); }
+    ~Fitted() {
+        for (void *p : {(void *)info, (void *)aov, (void *)cov}) std::free(p);
+    }
 };
 
 ZORVS_TWIN_SUITE(RegressionSummary);
 
-// Every data set against R: the t-test table (pointer form, leading
+// Every data set against R: the fit's coefficients, table of 15 and
+// covariances (pointer forms, the covariances in a wider row stride) to
+// 1e-10 relative in double and 1e-4 in float (coefficients relative to the
+// largest, covariances to the standard errors of the pair); the t-test table (pointer form, leading
 // dimension 5), the inflation factors, the covariances (leading dimension
 // p + 1) and the table of the summary; for every training row the
 // prediction, its limits at the case's level and the case statistics, the
@@ -48,8 +53,9 @@ TYPED_TEST(RegressionSummary, AgreesWithR) {
     const bool single = std::is_same_v<T, float>;
     const char *names[] = {"estimate", "standard error", "t", "p", "vif", "vcov", "anova", "prediction",
                            "residual", "leverage", "standardized", "deleted", "cooksd", "dffits", "mean low",
-                           "mean high", "new low", "new high", "scheffe low", "scheffe high"};
-    double worst[20] = {};
+                           "mean high", "new low", "new high", "scheffe low", "scheffe high", "fit coefficient",
+                           "fit anova"};
+    double worst[22] = {};
     // Output o: n values, got[i * gs], want[i * ws].
     auto compare = [&](int o, int n, const T *got, int gs, const double *want, int ws, double floor) {
         double big = 0;
@@ -59,7 +65,8 @@ TYPED_TEST(RegressionSummary, AgreesWithR) {
             const double e = std::isfinite(w) ? std::fabs(g - w) / std::max(std::fabs(w), floor * big)
                                               : !(g == w || (std::isnan(g) && std::isnan(w)));
             worst[o] = std::max(worst[o], e);
-            EXPECT_LE(e, single ? 1e-2 : o == 3 ? 1e-8 : 1e-9) << names[o] << " " << i;
+            const double bar = o >= 20 ? (single ? 1e-4 : 1e-10) : single ? 1e-2 : o == 3 ? 1e-8 : 1e-9;
+            EXPECT_LE(e, bar) << names[o] << " " << i;
         }
     };
     for (std::size_t k = 0; k < std::size(lm_cases); ++k) {
@@ -68,7 +75,13 @@ TYPED_TEST(RegressionSummary, AgreesWithR) {
         SCOPED_TRACE(c.name);
         const int p = c.nv + c.intercept, n = c.n;
         Fitted<T> f(c);
-        ASSERT_NE(f.info, nullptr);
+        ASSERT_TRUE(f.info && int(f.coef.size()) == p);
+        compare(20, p, f.coef.data(), 1, c.coef, 1, single ? 1 : 0);
+        compare(21, 15, f.aov, 1, c.aov, 1, 0);
+        for (int k = 0; k < p * p; ++k)  // relative to the standard errors of the pair
+            EXPECT_LE(std::fabs(f.cov[k / p * (p + 1) + k % p] - c.cov[k]),
+                      (single ? 1e-4 : 1e-10) * std::sqrt(std::fabs(c.cov[k / p * (p + 1)] * c.cov[k % p * (p + 1)])))
+                << "fit vcov " << k;
         T *tests = nullptr, *vif = nullptr, *residual = nullptr;
         std::vector<T> cov(p * (p + 1)), aov(15), rows(13 * n);
         summary<T>(f.info, ZORVS_COEF_T_TESTS, &tests, ZORVS_COEF_T_TESTS_COL_DIM, 5, ZORVS_COEF_VIF, &vif,
@@ -91,7 +104,7 @@ TYPED_TEST(RegressionSummary, AgreesWithR) {
         for (int col = 0; col < 13; ++col) compare(7 + col, n, out + col * n, 1, r.rows + col, 13, 1e-2);
         for (T *a : {tests, vif, residual}) std::free(a);
     }
-    for (int o = 0; o < 20; ++o) std::printf("[measure] %s %s: largest %.3g\n", single ? "f" : "d", names[o], worst[o]);
+    for (int o = 0; o < 22; ++o) std::printf("[measure] %s %s: largest %.3g\n", single ? "f" : "d", names[o], worst[o]);
 }
 
 // Every message of both routines and of the t-test worker, with its
@@ -130,62 +143,63 @@ TYPED_TEST(RegressionSummary, MessagesAndSpecialCases) {
     T *x = f.x.data(), buf[64], w[3] = {1, 1, -1}, *none = nullptr, b[2] = {1, 1}, se[2] = {1, -1}, *pred = nullptr;
     std::vector<T> sevens(30, T(7));
     T *s = sevens.data(), t[12], vif[3], aov[15], st[3], del[3], dff[3], lev[2], lo[2], hi[2], slo[2], shi[2], res[2];
-    auto kept = [](T *p) { return std::free(p), p != nullptr; };
     auto all_nan = [](auto... v) { return (std::isnan(v) && ...); };
+    // the summary of info; a prediction of the first row of x, kept or not
+    auto sum = [&](Info<T> *in, auto... keys) { summary<T>(in, keys..., 0); };
+    auto kept = [&](Info<T> *in, auto... keys) {
+        T *p = predict<T>(in, 1, x, keys..., 0);
+        return std::free(p), p != nullptr;
+    };
+    const int tt = ZORVS_COEF_T_TESTS_USER, conf = ZORVS_CONFIDENCE, lev_u = ZORVS_LEVERAGE_USER;
     expect_rows({
-        {ZORVS_DO(summary<T>(static_cast<Info<T> *>(nullptr), 0)), any, 5, 150, "l1=regression_info"},
-        {ZORVS_DO(summary<T>(info, ZORVS_COEF_VIF_USER, none, 0)), any, 5, 104, "l1=coef_vif l2=ZORVS_COEF_VIF_USER"},
-        {ZORVS_DO(summary<T>(info, ZORVS_COEF_T_TESTS_USER, buf, ZORVS_COEF_T_TESTS_COL_DIM, 3, 0)), any, 5, 603,
-         "i1=3 i2=4 l1=coef_t_tests_col_dim"},
-        {ZORVS_DO(summary<T>(info, ZORVS_COEF_T_TESTS_USER, s, ZORVS_COEF_VIF, &none, ZORVS_COEF_COVARIANCES_USER,
-                             s + 8, ZORVS_COVB_COL_DIM, 1, 0)), any, 5, 601, "i1=2 i2=1 l2=covb_col_dim"},
-        {ZORVS_DO(summary<T>(&no_intercept_flag, 0)), any, 5, 602, "i1=2 l1=regression_info->intercept"},
-        {ZORVS_DO(summary<T>(&no_parameters, 0)), any, 5, 603, "i1=0 l1=regression_info->n_parameters"},
-        {ZORVS_DO(summary<T>(&negative_df, 0)), any, 5, 11061, "r1=-1 l1=regression_info->df_error"},
-        {ZORVS_DO(summary<T>(info, 99999, 0)), any, 5, 11001, "i1=99999 i2=2"},
+        {ZORVS_DO(sum(nullptr)), any, 5, 150, "l1=regression_info"},
+        {ZORVS_DO(sum(info, ZORVS_COEF_VIF_USER, none)), any, 5, 104, "l1=coef_vif l2=ZORVS_COEF_VIF_USER"},
+        {ZORVS_DO(sum(info, tt, buf, ZORVS_COEF_T_TESTS_COL_DIM, 3)), any, 5, 603, "i1=3 i2=4 l1=coef_t_tests_col_dim"},
+        {ZORVS_DO(sum(info, tt, s, ZORVS_COEF_VIF, &none, ZORVS_COEF_COVARIANCES_USER, s + 8, ZORVS_COVB_COL_DIM, 1)), any,
+         5, 601, "i1=2 i2=1 l2=covb_col_dim"},
+        {ZORVS_DO(sum(&no_intercept_flag)), any, 5, 602, "i1=2 l1=regression_info->intercept"},
+        {ZORVS_DO(sum(&no_parameters)), any, 5, 603, "i1=0 l1=regression_info->n_parameters"},
+        {ZORVS_DO(sum(&negative_df)), any, 5, 11061, "r1=-1 l1=regression_info->df_error"},
+        {ZORVS_DO(sum(info, 99999)), any, 5, 11001, "i1=99999 i2=2"},
         {ZORVS_DO(ZORVS_TWIN(rcoef, drcoef)(2, b, se, T(-1), T(1), buf, 4)), any, 5, 20423, "r1=-1"},
         {ZORVS_DO(ZORVS_TWIN(rcoef, drcoef)(2, b, se, T(3), T(1), buf, 4)), any, 5, 20424, "i1=1 r1=-1"},
-        {ZORVS_CALL(kept(predict<T>(static_cast<Info<T> *>(nullptr), 1, x, 0))), 0, 5, 150, "l1=regression_info"},
-        {ZORVS_CALL(kept(predict<T>(info, 0, x, 0))), 0, 5, 603, "i1=0 i2=1 l1=n_predict"},
-        {ZORVS_CALL(kept(predict<T>(info, 1, x, ZORVS_CONFIDENCE, 100.0, 0))), 0, 5, 20403, "r1=100 l1=confidence"},
-        {ZORVS_CALL(kept(predict<T>(info, 1, x, ZORVS_CONFIDENCE, 25.0, 0))), 1, 6, 20404, "r1=25"},
-        {ZORVS_CALL(kept(predict<T>(info, 1, x, ZORVS_CONFIDENCE, 0.0, 0))), 1, 0, 0},
-        {ZORVS_CALL(kept(predict<T>(info, 1, x, ZORVS_CONFIDENCE_ADR, none, 0))), 0, 5, 150,
-         "l1=ZORVS_CONFIDENCE_ADR"},
-        {ZORVS_CALL(kept(predict<T>(info, 1, x, ZORVS_X_COL_DIM, 0, 0))), 0, 5, 600,
-         "i1=0 i2=1 l1=x_col_dim l2=regression_info->n_independent"},
-        {ZORVS_CALL(kept(predict<T>(&no_intercept_flag, 1, x, 0))), 0, 5, 20300, "i1=2"},
-        {ZORVS_CALL(kept(predict<T>(&no_parameters, 1, x, 0))), 0, 5, 20301, "i1=0"},
-        {ZORVS_CALL(kept(predict<T>(info, 1, x, ZORVS_COOKSD_USER, buf, 0))), 0, 5, 20220, "l1=ZORVS_COOKSD_USER"},
-        {ZORVS_CALL(kept(predict<T>(info, 1, x, ZORVS_DFFITS, &none, 0))), 0, 5, 20220, "l1=ZORVS_DFFITS"},
-        {ZORVS_CALL(kept(predict<T>(info, 1, none, 0))), 0, 5, 6002, "l1=x"},
-        {ZORVS_CALL(kept(predict<T>(info, 1, x, ZORVS_Y, none, 0))), 0, 5, 6002, "l1=y"},
+        {ZORVS_CALL(kept(nullptr)), 0, 5, 150, "l1=regression_info"},
+        {ZORVS_CALL(kept(info, ZORVS_CONFIDENCE, 100.0)), 0, 5, 20403, "r1=100 l1=confidence"},
+        {ZORVS_CALL(kept(info, conf, 25.0)), 1, 6, 20404, "r1=25"},
+        {ZORVS_CALL(kept(info, conf, 0.0)), 1, 0, 0},
+        {ZORVS_CALL(kept(info, ZORVS_CONFIDENCE_ADR, none)), 0, 5, 150, "l1=ZORVS_CONFIDENCE_ADR"},
+        {ZORVS_CALL(kept(info, ZORVS_X_COL_DIM, 0)), 0, 5, 600, "i1=0 i2=1 l1=x_col_dim l2=regression_info->n_independent"},
+        {ZORVS_CALL(kept(&no_intercept_flag)), 0, 5, 20300, "i1=2"},
+        {ZORVS_CALL(kept(&no_parameters)), 0, 5, 20301, "i1=0"},
+        {ZORVS_CALL(kept(info, ZORVS_COOKSD_USER, buf)), 0, 5, 20220, "l1=ZORVS_COOKSD_USER"},
+        {ZORVS_CALL(kept(info, ZORVS_DFFITS, &none)), 0, 5, 20220, "l1=ZORVS_DFFITS"},
+        {ZORVS_CALL(kept(info, ZORVS_Y, none)), 0, 5, 6002, "l1=y"},
+        {ZORVS_CALL(kept(info, ZORVS_SCHEFFE_CI_USER, buf, none)), 0, 5, 104, "l1=scheffe_ci l2=ZORVS_SCHEFFE_CI_USER"},
+        {ZORVS_CALL(kept(info, ZORVS_RETURN_USER, none)), 0, 5, 104, "l2=ZORVS_RETURN_USER"},
+        {ZORVS_CALL(kept(info, 99999)), 0, 5, 11001, "i1=99999 i2=4"},
+        {ZORVS_CALL(predict<T>(info, 0, x, 0) != nullptr), 0, 5, 603, "i1=0 i2=1 l1=n_predict"},
+        {ZORVS_CALL(predict<T>(info, 1, none, 0) != nullptr), 0, 5, 6002, "l1=x"},
         {ZORVS_CALL((pred = predict<T>(info, 3, x, ZORVS_WEIGHTS, w, ZORVS_Y, f.y.data(), ZORVS_RETURN_USER, s + 12,
                                        ZORVS_CI_NEW_SAMPLE_USER, s + 15, s + 18, ZORVS_RESIDUAL, &none, 0)) == s + 12 ||
                     !pred), 1, 5, 11057, "i1=2 r1=-1"},
         {ZORVS_CALL(none == nullptr && sevens == std::vector<T>(30, T(7))), 1, -1},
-        {ZORVS_CALL(kept(predict<T>(info, 1, x, ZORVS_SCHEFFE_CI_USER, buf, none, 0))), 0, 5, 104,
-         "l1=scheffe_ci l2=ZORVS_SCHEFFE_CI_USER"},
-        {ZORVS_CALL(kept(predict<T>(info, 1, x, ZORVS_RETURN_USER, none, 0))), 0, 5, 104, "l2=ZORVS_RETURN_USER"},
-        {ZORVS_CALL(kept(predict<T>(info, 1, x, 99999, 0))), 0, 5, 11001, "i1=99999 i2=4"},
-        {ZORVS_CALL(first(info, far, 0, ZORVS_LEVERAGE_USER)), 1, 3, 20051},
+        {ZORVS_CALL(first(info, far, 0, lev_u)), 1, 3, 20051},
         {ZORVS_CALL(first(info, far, 0, ZORVS_RETURN_USER)), any, 0, 0},
         {ZORVS_CALL(first(info, centre, T(1e5), ZORVS_DELETED_RESIDUAL_USER)), INFINITY, 3, 20052},
         {ZORVS_CALL(first(info, centre, T(1e5), ZORVS_COOKSD_USER)), any, 0, 0},
-        {ZORVS_CALL(first(dropped.info, off, 0, ZORVS_LEVERAGE_USER)), any, 3, 20050},
-        {ZORVS_DO(summary<T>(df0.info, ZORVS_COEF_T_TESTS_USER, t, ZORVS_ANOVA_TABLE_USER, aov, 0)), any, -1},
+        {ZORVS_CALL(first(dropped.info, off, 0, lev_u)), any, 3, 20050},
+        {ZORVS_DO(sum(df0.info, tt, t, ZORVS_ANOVA_TABLE_USER, aov)), any, -1},
         {ZORVS_CALL(t[0] == df0.info->coefficients[0] && t[4] == df0.info->coefficients[1] &&
                     all_nan(t[1], t[2], t[3], t[5], t[6], t[7], aov[7])), 1, -1},
         {ZORVS_DO(std::free(predict<T>(df1.info, 3, df1.x.data(), ZORVS_Y, df1.y.data(), ZORVS_STANDARDIZED_RESIDUAL_USER,
                                        st, ZORVS_DELETED_RESIDUAL_USER, del, ZORVS_DFFITS_USER, dff, 0))), any, -1},
         {ZORVS_CALL(std::fabs(st[0]) + std::fabs(st[1]) + std::fabs(st[2])), 3, -1, 0, "", 3e-4},
         {ZORVS_CALL(all_nan(del[0], del[1], del[2], dff[0], dff[1], dff[2])), 1, -1},
-        {ZORVS_DO(summary<T>(dropped.info, ZORVS_COEF_T_TESTS_USER, t, ZORVS_COEF_VIF_USER, vif, 0)), any, -1},
+        {ZORVS_DO(sum(dropped.info, tt, t, ZORVS_COEF_VIF_USER, vif)), any, -1},
         {ZORVS_CALL(std::isinf(vif[2]) && t[8] == 0 && all_nan(t[10], t[11])), 1, -1},
         {ZORVS_CALL(t[6]), summary_refs[0].tests[6], -1, 0, "", 1e-3 * std::fabs(summary_refs[0].tests[6])},
-        {ZORVS_CALL((pred = predict<T>(info, 2, rows, ZORVS_WEIGHTS, w0, ZORVS_Y, y40, ZORVS_LEVERAGE_USER, lev,
-                                       ZORVS_CI_POP_MEAN_USER, lo, hi, ZORVS_SCHEFFE_CI_USER, slo, shi,
-                                       ZORVS_RESIDUAL_USER, res, 0))[0]),
+        {ZORVS_CALL((pred = predict<T>(info, 2, rows, ZORVS_WEIGHTS, w0, ZORVS_Y, y40, lev_u, lev, ZORVS_CI_POP_MEAN_USER,
+                                       lo, hi, ZORVS_SCHEFFE_CI_USER, slo, shi, ZORVS_RESIDUAL_USER, res, 0))[0]),
          c.coef[0] + 15 * c.coef[1], 0, 0, "", 1e-4 * std::fabs(c.coef[0] + 15 * c.coef[1])},
         {ZORVS_CALL(res[0] == y40[0] - pred[0] && lev[0] == 0 && all_nan(lo[0], hi[0]) && slo[0] == pred[0]), 1, -1},
         {ZORVS_CALL(all_nan(pred[1], lev[1], lo[1], slo[1], res[1])), 1, -1},

@@ -11,10 +11,7 @@ namespace {
 
 #include "data/stat/regress/regressors_glm_ref.inc"
 
-using zorvs_test::CodeLog;
-using zorvs_test::Quiet;
-
-using zorvs_test::glm;
+using namespace zorvs_test;
 
 ZORVS_TWIN_SUITE(GlmTwin);
 
@@ -23,25 +20,6 @@ int class_columns[] = {0, 2};                      // cyl, gear
 int by_hand_counts[] = {2, 3, 1};                  // (gear, cyl), (wt, hp, cyl), (hp)
 int by_hand_columns[] = {2, 0, 1, 3, 0, 3};
 
-struct Case {
-    const char *name;
-    int order;  // 0: effects by hand
-    int scheme;
-    int n_columns;
-    const double *want;
-};
-const Case cases[] = {
-    {"order 1, all levels", 1, 1, glm_o1_s1_ncol, glm_o1_s1},
-    {"order 1, leave out last", 1, 2, glm_o1_s2_ncol, glm_o1_s2},
-    {"order 1, sum to zero", 1, 3, glm_o1_s3_ncol, glm_o1_s3},
-    {"order 2, all levels", 2, 1, glm_o2_s1_ncol, glm_o2_s1},
-    {"order 2, leave out last", 2, 2, glm_o2_s2_ncol, glm_o2_s2},
-    {"order 2, sum to zero", 2, 3, glm_o2_s3_ncol, glm_o2_s3},
-    {"effects, all levels", 0, 1, glm_ef_s1_ncol, glm_ef_s1},
-    {"effects, leave out last", 0, 2, glm_ef_s2_ncol, glm_ef_s2},
-    {"effects, sum to zero", 0, 3, glm_ef_s3_ncol, glm_ef_s3},
-};
-
 TYPED_TEST(GlmTwin, AgreesWithModelMatrix) {
     using T = TypeParam;
     // Products of two continuous values round once in the routine's type and
@@ -49,25 +27,22 @@ TYPED_TEST(GlmTwin, AgreesWithModelMatrix) {
     const double tol = std::is_same_v<T, float> ? 1.2e-7 : 0.0;
     std::vector<T> x(glm_x, glm_x + 4 * n_cars);
     const std::vector<T> before = x;
-    for (const Case &c : cases) {
+    for (const GlmCase &c : glm_cases) {
+        SCOPED_TRACE(c.name);
+        auto count = [&](auto... keys) {
+            return c.order == 0 ? glm<T>(n_cars, x.data(), 2, 2, ZORVS_X_CLASS_COLUMNS, class_columns, ZORVS_DUMMY, c.scheme,
+                                         ZORVS_INDICES_EFFECTS, 3, by_hand_counts, by_hand_columns, keys..., 0)
+                                : glm<T>(n_cars, x.data(), 2, 2, ZORVS_X_CLASS_COLUMNS, class_columns, ZORVS_DUMMY, c.scheme,
+                                         ZORVS_MODEL_ORDER, c.order, keys..., 0);
+        };
         T *reg = nullptr;
-        int n = c.order == 0 ? glm<T>(n_cars, x.data(), 2, 2, ZORVS_X_CLASS_COLUMNS, class_columns,
-                                      ZORVS_INDICES_EFFECTS, 3, by_hand_counts, by_hand_columns, ZORVS_DUMMY,
-                                      c.scheme, ZORVS_REGRESSORS, &reg, 0)
-                             : glm<T>(n_cars, x.data(), 2, 2, ZORVS_X_CLASS_COLUMNS, class_columns,
-                                      ZORVS_MODEL_ORDER, c.order, ZORVS_DUMMY, c.scheme, ZORVS_REGRESSORS, &reg, 0);
-        ASSERT_EQ(n, c.n_columns) << c.name;
-        ASSERT_NE(reg, nullptr) << c.name;
-        for (int i = 0; i < n_cars * n; ++i)
-            EXPECT_NEAR(reg[i], c.want[i], tol * std::fabs(c.want[i])) << c.name << ", row " << i / n << " col " << i % n;
+        ASSERT_EQ(count(ZORVS_REGRESSORS, &reg), c.n_columns);
+        ASSERT_NE(reg, nullptr);
+        for (int i = 0; i < n_cars * c.n_columns; ++i)
+            EXPECT_NEAR(reg[i], c.want[i], tol * std::fabs(c.want[i])) << "cell " << i;
         std::free(reg);
-        EXPECT_EQ(x, before) << c.name;
-        // Counting alone gives the same number.
-        n = c.order == 0 ? glm<T>(n_cars, x.data(), 2, 2, ZORVS_X_CLASS_COLUMNS, class_columns, ZORVS_DUMMY, c.scheme,
-                                  ZORVS_INDICES_EFFECTS, 3, by_hand_counts, by_hand_columns, 0)
-                         : glm<T>(n_cars, x.data(), 2, 2, ZORVS_X_CLASS_COLUMNS, class_columns, ZORVS_DUMMY, c.scheme,
-                                  ZORVS_MODEL_ORDER, c.order, 0);
-        EXPECT_EQ(n, c.n_columns) << c.name;
+        EXPECT_EQ(x, before);
+        EXPECT_EQ(count(), c.n_columns);  // counting alone
     }
 }
 
@@ -127,7 +102,7 @@ TYPED_TEST(GlmTwin, CasesByHand) {
         std::vector<T> got(64, _);
         EXPECT_EQ(r.call(got.data()), r.count) << r.what;
         for (std::size_t i = 0; i < r.cells.size(); ++i)
-            EXPECT_TRUE(zorvs_test::agrees(got[i], r.cells[i])) << r.what << ", cell " << i << ": " << got[i];
+            EXPECT_TRUE(agrees(got[i], r.cells[i])) << r.what << ", cell " << i << ": " << got[i];
     }
     EXPECT_EQ(one_level[2] + classes[3] + cont[8], 15);  // the data are not written
 }
@@ -136,28 +111,24 @@ TYPED_TEST(GlmTwin, CasesByHand) {
 TEST(Glm, RefusalsLeaveXAndTheCallersPointer) {
     double x[] = {1, 2, 3, 4, 5, 6}, sentinel = 0, *reg = &sentinel;
     int zero[] = {0}, two[] = {2}, pair[] = {0, 1}, far[] = {0, 5}, bad_class[] = {4};
-    auto refused = [&](int count) { return count == 0 && x[0] == 1 && x[5] == 6 && reg == &sentinel; };
-    auto by_effects = [&](int *sizes, int *columns) {
-        return zorvs_d_regressors_for_glm(3, x, 1, 1, ZORVS_INDICES_EFFECTS, 1, sizes, columns, ZORVS_REGRESSORS, &reg, 0);
+    auto no = [&](int n, int n_class, int n_continuous, auto... keys) {
+        const int count = zorvs_d_regressors_for_glm(n, x, n_class, n_continuous, keys..., 0);
+        return count == 0 && x[0] == 1 && x[5] == 6 && reg == &sentinel;
     };
-    zorvs_test::expect_rows({
-        {ZORVS_CALL(refused(zorvs_d_regressors_for_glm(0, x, 1, 1, ZORVS_REGRESSORS, &reg, 0))), 1, 5, 603},
-        {ZORVS_CALL(refused(zorvs_d_regressors_for_glm(3, x, -1, 2, ZORVS_REGRESSORS, &reg, 0))), 1, 5, 603},
-        {ZORVS_CALL(refused(zorvs_d_regressors_for_glm(3, x, 0, 0, ZORVS_REGRESSORS, &reg, 0))), 1, 5, 20234},
-        {ZORVS_CALL(refused(zorvs_d_regressors_for_glm(3, x, 1, 1, ZORVS_MODEL_ORDER, 3, ZORVS_REGRESSORS, &reg, 0))), 1,
-         5, 20230, "i1=3"},
-        {ZORVS_CALL(refused(zorvs_d_regressors_for_glm(3, x, 1, 1, ZORVS_DUMMY, 0, ZORVS_REGRESSORS, &reg, 0))), 1, 5,
-         20232},
-        {ZORVS_CALL(refused(zorvs_d_regressors_for_glm(3, x, 1, 1, ZORVS_X_COL_DIM, 1, 0))), 1, 5, 20233},
-        {ZORVS_CALL(refused(zorvs_d_regressors_for_glm(3, x, 1, 1, ZORVS_MODEL_ORDER, 1, ZORVS_INDICES_EFFECTS, 1, two,
-                                                       pair, ZORVS_REGRESSORS, &reg, 0))), 1, 5, 11117},
-        {ZORVS_CALL(refused(by_effects(zero, pair))), 1, 5, 20237},
-        {ZORVS_CALL(refused(by_effects(two, far))), 1, 5, 20238, "i1=1 i2=5 i3=2"},
-        {ZORVS_CALL(refused(zorvs_d_regressors_for_glm(3, x, 1, 1, ZORVS_X_CLASS_COLUMNS, bad_class, ZORVS_REGRESSORS,
-                                                       &reg, 0))), 1, 5, 20235},
-        {ZORVS_CALL(refused(zorvs_d_regressors_for_glm(3, x, 1, 1, ZORVS_REGRESSORS, &reg, ZORVS_REGRESSORS_COL_DIM, 1,
-                                                       0))), 1, 5, 601},
-        {ZORVS_CALL(refused(zorvs_d_regressors_for_glm(3, x, 1, 1, 99, 0))), 1, 5, 11001},
+    const int effects = ZORVS_INDICES_EFFECTS, regs = ZORVS_REGRESSORS;
+    expect_rows({
+        {ZORVS_CALL(no(0, 1, 1, regs, &reg)), 1, 5, 603},
+        {ZORVS_CALL(no(3, -1, 2, regs, &reg)), 1, 5, 603},
+        {ZORVS_CALL(no(3, 0, 0, regs, &reg)), 1, 5, 20234},
+        {ZORVS_CALL(no(3, 1, 1, ZORVS_MODEL_ORDER, 3, regs, &reg)), 1, 5, 20230, "i1=3"},
+        {ZORVS_CALL(no(3, 1, 1, ZORVS_DUMMY, 0, regs, &reg)), 1, 5, 20232},
+        {ZORVS_CALL(no(3, 1, 1, ZORVS_X_COL_DIM, 1)), 1, 5, 20233},
+        {ZORVS_CALL(no(3, 1, 1, ZORVS_MODEL_ORDER, 1, effects, 1, two, pair, regs, &reg)), 1, 5, 11117},
+        {ZORVS_CALL(no(3, 1, 1, effects, 1, zero, pair, regs, &reg)), 1, 5, 20237},
+        {ZORVS_CALL(no(3, 1, 1, effects, 1, two, far, regs, &reg)), 1, 5, 20238, "i1=1 i2=5 i3=2"},
+        {ZORVS_CALL(no(3, 1, 1, ZORVS_X_CLASS_COLUMNS, bad_class, regs, &reg)), 1, 5, 20235},
+        {ZORVS_CALL(no(3, 1, 1, regs, &reg, ZORVS_REGRESSORS_COL_DIM, 1)), 1, 5, 601},
+        {ZORVS_CALL(no(3, 1, 1, 99)), 1, 5, 11001},
     });
 }
 

@@ -20,29 +20,20 @@ TYPED_TEST(SumsOfSquares, AgreesWithTwoPassWeightedSums) {
     const int n = 3, rows = 200, incx = 2, incm = -1, incs = 3;
     const double offset[n] = {0.0, 1e6, -3e3};
     Xorshift g{42};
-    std::vector<T> x(static_cast<Index>(rows) * n), w(rows);
+    std::vector<T> x(static_cast<Index>(rows) * 2 * n), w(rows);  // row r at x[2 n r], its variables 2 apart
     for (int r = 0; r < rows; ++r) {
         w[r] = r % 10 == 0 ? T(0) : static_cast<T>(2 * g.unit());
-        for (int i = 0; i < n; ++i) x[static_cast<Index>(r) * n + i] = static_cast<T>(offset[i] + 10 * g.unit());
+        for (int i = 0; i < n; ++i) x[Index(2 * (r * n + i))] = static_cast<T>(offset[i] + 10 * g.unit());
     }
     T sumwt = 0, mean[n] = {}, ss[3 * n] = {};
-    std::vector<T> row(2 * n);
-    for (int r = 0; r < rows; ++r) {
-        for (int i = 0; i < n; ++i) row[static_cast<Index>(2 * i)] = x[static_cast<Index>(r) * n + i];
-        zorvs::regress::s1msq(&n, row.data(), &incx, &w[r], &sumwt, mean, &incm, ss, &incs);
-        ASSERT_EQ(zorvs_error_type(), 0);
-    }
-    long double sw = 0;
-    for (T v : w) sw += v;
+    for (int r = 0; r < rows; ++r) zorvs::regress::s1msq(&n, &x[Index(2 * r * n)], &incx, &w[r], &sumwt, mean, &incm, ss, &incs);
+    EXPECT_EQ(zorvs_error_type(), 0);
+    long double sw = std::accumulate(w.begin(), w.end(), 0.0L);
     EXPECT_NEAR(sumwt, static_cast<double>(sw), 1e-12 * static_cast<double>(sw) + 4 * eps_of<T> * sw);
     for (int i = 0; i < n; ++i) {
         long double m = 0, s = 0;
-        for (int r = 0; r < rows; ++r) m += w[r] * static_cast<long double>(x[static_cast<Index>(r) * n + i]);
-        m /= sw;
-        for (int r = 0; r < rows; ++r) {
-            const long double d = x[static_cast<Index>(r) * n + i] - m;
-            s += w[r] * d * d;
-        }
+        for (int r = 0; r < rows; ++r) m += w[r] * static_cast<long double>(x[Index(2 * (r * n + i))]) / sw;
+        for (int r = 0; r < rows; ++r) s += w[r] * (x[Index(2 * (r * n + i))] - m) * (x[Index(2 * (r * n + i))] - m);
         SCOPED_TRACE(i);
         // A negative stride puts variable i at the far end.
         EXPECT_NEAR(mean[n - 1 - i], static_cast<double>(m), 64 * eps_of<T> * std::fabs(static_cast<double>(m)));

@@ -12,15 +12,6 @@ ZORVS_TWIN_WRAPPER(fit, regression)
 ZORVS_TWIN_WRAPPER(summary, regression_summary)
 ZORVS_TWIN_WRAPPER(predict, regression_prediction)
 
-// One fit of make_regression_lm.R's table: the data (row-major x, y, the
-// weights), R's coefficients, analysis of variance table and covariances.
-struct LmCase {
-    const char *name;
-    int n, nv, intercept;
-    bool weighted;
-    const double *x, *y, *w, *coef, *aov, *cov;
-};
-
 template <class T>
 using Info = std::conditional_t<std::is_same_v<T, float>, zorvs_f_regression_info, zorvs_d_regression_info>;
 

@@ -42,4 +42,11 @@ for (cs in cases) {
   table <- c(table, sprintf("    {\"%s\", %d, %d, %d, %s, %s_x, %s_y, %s_w, %s_coef, %s_aov, %s_cov},", name, nrow(X),
                             ncol(X), as.integer(int), if (is.null(w)) "false" else "true", name, name, name, name, name, name))
 }
+cat("// One fit: the data (row-major x, y, the weights), R's coefficients, analysis of variance table and covariances.\n")
+cat("struct LmCase {\n")
+cat("    const char *name;\n")
+cat("    int n, nv, intercept;\n")
+cat("    bool weighted;\n")
+cat("    const double *x, *y, *w, *coef, *aov, *cov;\n")
+cat("};\n")
 cat("const LmCase lm_cases[] = {\n", paste(table, collapse = "\n"), "\n};\n", sep = "")

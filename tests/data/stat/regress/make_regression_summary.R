@@ -53,4 +53,8 @@ for (cs in cases) {
   emit(paste0(name, "_rows"), t(rows))
   table <- c(table, sprintf("    {%g, %s_tests, %s_vif, %s_rows},", 100 * level, name, name, name))
 }
+cat("struct SummaryRef {\n")
+cat("    double level;\n")
+cat("    const double *tests, *vif, *rows;\n")
+cat("};\n")
 cat("const SummaryRef summary_refs[] = {\n", paste(table, collapse = "\n"), "\n};\n", sep = "")

@@ -44,3 +44,17 @@ for (scheme in 1:3) {
     emit(sprintf("glm_%s_s%d", case[[1]], scheme), t(m))
   }
 }
+cat("// The cases: order (0: the effects given by hand), dummy scheme, number of columns, regressors.\n")
+cat("struct GlmCase {\n")
+cat("    const char *name;\n")
+cat("    int order, scheme, n_columns;\n")
+cat("    const double *want;\n")
+cat("};\n")
+cat("const GlmCase glm_cases[] = {\n")
+for (case in list(c("o1", "order 1", 1), c("o2", "order 2", 2), c("ef", "effects", 0))) {
+  for (scheme in 1:3) {
+    cat(sprintf("    {\"%s, %s\", %s, %d, glm_%s_s%d_ncol, glm_%s_s%d},\n", case[2],
+                c("all levels", "leave out last", "sum to zero")[scheme], case[3], scheme, case[1], scheme, case[1], scheme))
+  }
+}
+cat("};\n")

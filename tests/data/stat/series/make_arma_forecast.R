@@ -44,3 +44,17 @@ for (m in models) {
   cat(sprintf("const double %s_psi[] = {%s};\n", name, num(c(1, ARMAtoMA(phi, -theta, n_ahead - 1)))))
   cat(sprintf("const double %s_s2 = %.17g;\n", name, s2))
 }
+cat("struct ForecastModel {\n")
+cat("    const char *name;\n")
+cat("    const double *z;\n")
+cat("    int n, p, q;\n")
+cat("    const double *want, *psi;\n")
+cat("    double s2;\n")
+cat("};\n")
+cat("const ForecastModel forecast_models[] = {\n")
+for (m in models) {
+  series <- sub("_.*", "", m[[1]])
+  cat(sprintf("    {\"%s\", forecast_%s, %d, %d, %d, %s_want, %s_psi, %s_s2},\n", m[[1]], series, length(m[[2]]), m[[3]],
+              m[[4]], m[[1]], m[[1]], m[[1]]))
+}
+cat("};\n")
