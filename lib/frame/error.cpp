@@ -451,11 +451,11 @@ void l_error_options(int first, va_list *list) {
     }
 }
 
-}  // namespace
-
-extern "C" {
-
-void zorvs_e1psh(const char *name) {
+// The push and pop beyond the plain case: the first call of the thread,
+// the overflow of the stack, a pending trap, a frame with an event, a block
+// or an observer.  Kept out of line so that the plain case saves no
+// registers.
+[[gnu::noinline, gnu::cold]] void push_rest(const char *name) {
     if (!lv_error.error_init) initialise();
     if (error_stack.top() == base()) empty_message();
     ++error_stack.depth;
@@ -469,7 +469,7 @@ void zorvs_e1psh(const char *name) {
     }
 }
 
-void zorvs_e1pop(const char *name) {
+[[gnu::noinline, gnu::cold]] void pop_rest(const char *name) {
     if (!lv_error.error_init) initialise();
     if (zorvs_error_param.trapped) {
         zorvs_error_param.trapped = 0;
@@ -503,6 +503,20 @@ void zorvs_e1pop(const char *name) {
     zorvs_error_n1rty[1] = t->type;
     error_stack.n1rcd[1] = t->code;
     error_stack.depth = static_cast<int>(below - error_stack.frames);
+}
+
+}  // namespace
+
+extern "C" {
+
+void zorvs_e1psh(const char *name) {
+    if (zorvs::push_plain(error_stack, name)) [[likely]] return;
+    push_rest(name);
+}
+
+void zorvs_e1pop(const char *name) {
+    if (zorvs::pop_plain(error_stack, name)) [[likely]] return;
+    pop_rest(name);
 }
 
 void zorvs_e1mes(int type, int code, const char *text) {

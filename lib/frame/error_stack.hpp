@@ -88,41 +88,49 @@ inline bool owns_work(const ErrorStack &s, const ErrorFrame *t) {
 // freed and a result is left as it stands.
 void close_work(const ErrorFrame *t, int latest, bool trapped);
 
-// zorvs_e1psh in line: clear the message buffer when called from user level,
-// open a clean frame, clear the latest-event records.
-inline void push_value_frame(const char *name) {
-    ErrorStack &s = error_stack;
-    ErrorFrame *t = s.top();
-    if (!s.message || t - s.frames >= ZORVS_STACK_FRAMES - 1) [[unlikely]] {
-        zorvs_e1psh(name);
-        return;
-    }
-    if (t == s.frames) {
+// The plain push, as zorvs_e1psh does it below the stack's last frames once
+// the thread's error system is initialised: clear the message buffer when
+// called from user level, open a clean frame, clear the latest-event records.
+// Any other case returns false having changed nothing.
+inline bool push_plain(ErrorStack &s, const char *name) {
+    int depth = s.depth;
+    if (!s.message || depth >= ZORVS_STACK_FRAMES - 1) [[unlikely]] return false;
+    if (depth == 0) {
         s.end_message = 0;
         s.message[0] = '\0';
     }
-    ++t;
-    *t = ErrorFrame{0, 0, 0, name};
-    ++s.depth;
+    s.frames[depth + 1] = ErrorFrame{0, 0, 0, name};
+    s.depth = depth + 1;
     zorvs_error_n1rty[0] = zorvs_error_n1rty[1] = 0;
     s.n1rcd[0] = s.n1rcd[1] = 0;
+    return true;
 }
 
-// zorvs_e1pop in line for a frame that saw no event: the release at user
-// level has nothing to print or stop for, type 0 and code 0 pass down.
-inline void pop_value_frame(const char *name) {
-    ErrorStack &s = error_stack;
-    ErrorFrame *t = s.top();
-    if (t == s.frames || t->name != name || t->type != 0 || t->code != 0 ||
-        zorvs_error_param.trapped || ((t - 1)->user && s.at_checksum) || owns_work(s, t)) [[unlikely]] {
-        zorvs_e1pop(name);
-        return;
-    }
-    ErrorFrame *below = t - 1;
-    if (below->type == 0) below->code = 0;
+// The plain pop, as zorvs_e1pop does it for a routine's own frame with no
+// event in it, no trap pending, no block owned and no observer waiting at
+// user level: the release has nothing to print or stop for (type 0 never
+// prints or stops), and type 0 and code 0 pass down.  Any other case returns
+// false having changed nothing.
+inline bool pop_plain(ErrorStack &s, const char *name) {
+    int depth = s.depth;
+    ErrorFrame *t = s.frames + depth;
+    if (depth == 0 || t->name != name || t->type != 0 || t->code != 0 || zorvs_error_param.trapped ||
+        ((t - 1)->user && s.at_checksum) || owns_work(s, t)) [[unlikely]]
+        return false;
+    if ((t - 1)->type == 0) (t - 1)->code = 0;
     zorvs_error_n1rty[0] = zorvs_error_n1rty[1] = 0;
     s.n1rcd[0] = s.n1rcd[1] = 0;
-    --s.depth;
+    s.depth = depth - 1;
+    return true;
+}
+
+// The push and pop of a value routine, in line for the plain case.
+inline void push_value_frame(const char *name) {
+    if (!push_plain(error_stack, name)) [[unlikely]] zorvs_e1psh(name);
+}
+
+inline void pop_value_frame(const char *name) {
+    if (!pop_plain(error_stack, name)) [[unlikely]] zorvs_e1pop(name);
 }
 
 }  // namespace zorvs
