@@ -20,15 +20,9 @@
 #include "frame/services.h"
 #include "zorvstat.h"
 
-extern "C" {
-ZORVS_THREAD_LOCAL struct zorvs_error_param_t zorvs_error_param = {};  // {}: a constant initialiser for clang too
-ZORVS_THREAD_LOCAL int zorvs_error_n1rty[2];
-}
-
 // Constant-initialised, so that it is ready before any constructor runs, in
-// every thread.
-constinit thread_local zorvs::ErrorStack zorvs::error_stack = {
-    {{0, 1, 0, "USER"}}, 0, {0, 0}, 0, 0, nullptr, 0, nullptr, nullptr};
+// every thread.  {}: a constant initialiser for clang too.
+constinit thread_local zorvs::ErrorStack zorvs::error_stack = {};
 
 namespace {
 
@@ -460,7 +454,7 @@ void l_error_options(int first, va_list *list) {
     if (error_stack.top() == base()) empty_message();
     ++error_stack.depth;
     ErrorFrame *t = error_stack.top();
-    *t = ErrorFrame{0, 0, 0, name};
+    *t = ErrorFrame{0, 0, 0, 0, name};
     zorvs_error_n1rty[0] = zorvs_error_n1rty[1] = 0;
     error_stack.n1rcd[0] = error_stack.n1rcd[1] = 0;
     if (t - base() >= ZORVS_STACK_FRAMES) {
@@ -510,12 +504,12 @@ void l_error_options(int first, va_list *list) {
 extern "C" {
 
 void zorvs_e1psh(const char *name) {
-    if (zorvs::push_plain(error_stack, name)) [[likely]] return;
+    if (zorvs::push_plain(zorvs::thread_stack(), name)) [[likely]] return;
     push_rest(name);
 }
 
 void zorvs_e1pop(const char *name) {
-    if (zorvs::pop_plain(error_stack, name)) [[likely]] return;
+    if (zorvs::pop_plain(zorvs::thread_stack(), name)) [[likely]] return;
     pop_rest(name);
 }
 
@@ -626,6 +620,12 @@ int zorvs_error_type(void) { return error_stack.top()->type; }
 int zorvs_error_code(void) { return error_stack.n1rcd[1]; }
 
 void zorvs_set_at_checksum(void (*f)(int, int, const char *)) { error_stack.at_checksum = f; }
+
+struct zorvs_error_param_t *zorvs_error_param_address(void) { return &error_stack.param; }
+
+int *zorvs_error_n1rty_address(void) { return error_stack.n1rty; }
+
+int *zorvs_got_environ_address(void) { return &error_stack.got_environ; }
 
 void zorvs_error_options(int keyword, ...) {
     ZORVS_KEYWORD_ENTRY_VOID(keyword, "zorvs_error_options", l_error_options(keyword, &list));
