@@ -20,15 +20,9 @@
 #include "frame/services.h"
 #include "zorvstat.h"
 
-extern "C" {
-ZORVS_THREAD_LOCAL struct zorvs_error_param_t zorvs_error_param = {};  // {}: a constant initialiser for clang too
-ZORVS_THREAD_LOCAL int zorvs_error_n1rty[2];
-}
-
 // Constant-initialised, so that it is ready before any constructor runs, in
-// every thread.
-constinit thread_local zorvs::ErrorStack zorvs::error_stack = {
-    {{0, 1, 0, "USER"}}, 0, {0, 0}, 0, 0, nullptr, 0, nullptr, nullptr};
+// every thread.  {}: a constant initialiser for clang too.
+constinit thread_local zorvs::ErrorStack zorvs::error_stack = {};
 
 namespace {
 
@@ -451,16 +445,16 @@ void l_error_options(int first, va_list *list) {
     }
 }
 
-}  // namespace
-
-extern "C" {
-
-void zorvs_e1psh(const char *name) {
+// The push and pop beyond the plain case: the first call of the thread,
+// the overflow of the stack, a pending trap, a frame with an event, a block
+// or an observer.  Kept out of line so that the plain case saves no
+// registers.
+[[gnu::noinline, gnu::cold]] void push_rest(const char *name) {
     if (!lv_error.error_init) initialise();
     if (error_stack.top() == base()) empty_message();
     ++error_stack.depth;
     ErrorFrame *t = error_stack.top();
-    *t = ErrorFrame{0, 0, 0, name};
+    *t = ErrorFrame{0, 0, 0, 0, name};
     zorvs_error_n1rty[0] = zorvs_error_n1rty[1] = 0;
     error_stack.n1rcd[0] = error_stack.n1rcd[1] = 0;
     if (t - base() >= ZORVS_STACK_FRAMES) {
@@ -469,7 +463,7 @@ void zorvs_e1psh(const char *name) {
     }
 }
 
-void zorvs_e1pop(const char *name) {
+[[gnu::noinline, gnu::cold]] void pop_rest(const char *name) {
     if (!lv_error.error_init) initialise();
     if (zorvs_error_param.trapped) {
         zorvs_error_param.trapped = 0;
@@ -503,6 +497,20 @@ void zorvs_e1pop(const char *name) {
     zorvs_error_n1rty[1] = t->type;
     error_stack.n1rcd[1] = t->code;
     error_stack.depth = static_cast<int>(below - error_stack.frames);
+}
+
+}  // namespace
+
+extern "C" {
+
+void zorvs_e1psh(const char *name) {
+    if (zorvs::push_plain(zorvs::thread_stack(), name)) [[likely]] return;
+    push_rest(name);
+}
+
+void zorvs_e1pop(const char *name) {
+    if (zorvs::pop_plain(zorvs::thread_stack(), name)) [[likely]] return;
+    pop_rest(name);
 }
 
 void zorvs_e1mes(int type, int code, const char *text) {
@@ -612,6 +620,12 @@ int zorvs_error_type(void) { return error_stack.top()->type; }
 int zorvs_error_code(void) { return error_stack.n1rcd[1]; }
 
 void zorvs_set_at_checksum(void (*f)(int, int, const char *)) { error_stack.at_checksum = f; }
+
+struct zorvs_error_param_t *zorvs_error_param_address(void) { return &error_stack.param; }
+
+int *zorvs_error_n1rty_address(void) { return error_stack.n1rty; }
+
+int *zorvs_got_environ_address(void) { return &error_stack.got_environ; }
 
 void zorvs_error_options(int keyword, ...) {
     ZORVS_KEYWORD_ENTRY_VOID(keyword, "zorvs_error_options", l_error_options(keyword, &list));

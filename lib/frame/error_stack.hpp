@@ -6,9 +6,9 @@
 // in a row and mostly raises nothing.  For it the push and the pop are done in
 // line when they are plain: a push below the stack's last frame once the
 // error system is initialised, and a pop of the routine's own frame with no
-// event in it, no trap pending and no observer waiting at user level.  These
-// steps do exactly what zorvs_e1psh and zorvs_e1pop do in that case; every
-// other case goes to those two routines.
+// event in it, no trap pending and no observer waiting at user level.
+// zorvs_e1psh and zorvs_e1pop begin with the same steps (push_plain,
+// pop_plain) and leave every other case to their out-of-line rest.
 //
 // The stack also owns the workspace: the blocks that routines take for work
 // arrays and outputs (frame.hpp), each recorded with the frame that was on top
@@ -25,10 +25,13 @@
 namespace zorvs {
 
 struct ErrorFrame {
-    unsigned char type;  // type of the last message here, or the highest passed up
-    unsigned char user;  // 1 if routines called from this frame are called from user code
-    int code;            // code that goes with type
-    const char *name;    // routine name, kept by pointer
+    unsigned char type;    // type of the last message here, or the highest passed up
+    unsigned char user;    // 1 if routines called from this frame are called from user code
+    unsigned short spare;  // named padding, so that a push writes the first eight bytes in one
+                           // store: the pop reads type and code in one load, which stalls when
+                           // it spans several narrower stores
+    int code;              // code that goes with type
+    const char *name;      // routine name, kept by pointer
 };
 
 // What becomes of a workspace block at the pop of its frame.
@@ -55,26 +58,43 @@ struct WorkBlock {
     Failure failure;
 };
 
-// The frame array has one spare frame above the ZORVS_STACK_FRAMES so that
-// the overflow raise writes inside the array.  frames[0] is the user's level.
-// Each thread has its own stack.  The innermost frame is kept as a depth, not
-// a pointer into `frames`, so that the stack is constant-initialised: a
+// The error stack of one thread, with the rest of the thread's error state
+// that the push, the pop and the trap bracket touch: the parameters
+// (zorvs_error_param), the latest types (zorvs_error_n1rty) and the count of
+// open brackets (zorvs_got_environ) are its members, so that a routine takes
+// the thread's address once.  The frame array has one spare frame above the
+// ZORVS_STACK_FRAMES so that the overflow raise writes inside the array.
+// frames[0] is the user's level.  The innermost frame is kept as a depth, not
+// a pointer into `frames`, so that the record is constant-initialised: a
 // thread's first access needs no constructor and no guard.
 struct ErrorStack {
-    ErrorFrame frames[ZORVS_STACK_FRAMES + 1];
-    int depth;                // innermost frame: frames[depth]
-    int n1rcd[2];             // codes that go with zorvs_error_n1rty
-    int work_count;           // blocks in the workspace, oldest first
-    int work_capacity;        // room in `work`
-    char *message;            // deferred message buffer; null until initialised
-    std::size_t end_message;  // length of the text in it
-    void (*at_checksum)(int type, int code, const char *message);  // observer of releases
-    WorkBlock *work;          // the workspace's records; grows, never shrinks
+    int depth = 0;                 // innermost frame: frames[depth]
+    int n1rty[2] = {};             // zorvs_error_n1rty
+    int n1rcd[2] = {};             // codes that go with zorvs_error_n1rty
+    int got_environ = 0;           // zorvs_got_environ
+    int work_count = 0;            // blocks in the workspace, oldest first
+    int work_capacity = 0;         // room in `work`
+    char *message = nullptr;       // deferred message buffer; null until initialised
+    std::size_t end_message = 0;   // length of the text in it
+    void (*at_checksum)(int type, int code, const char *message) = nullptr;  // observer of releases
+    WorkBlock *work = nullptr;     // the workspace's records; grows, never shrinks
+    ErrorFrame frames[ZORVS_STACK_FRAMES + 1] = {{0, 1, 0, 0, "USER"}};
+    zorvs_error_param_t param = {};  // zorvs_error_param
 
     ErrorFrame *top() { return frames + depth; }
 };
 
 extern constinit thread_local ErrorStack error_stack;
+
+// The calling thread's record, its address taken once.  In position-
+// independent code the address comes from a TLS descriptor, which the
+// compiler would otherwise work out again after each store; the empty asm
+// hides where the pointer came from, so it stays in a register.
+inline ErrorStack &thread_stack() {
+    ErrorStack *s = &error_stack;
+    asm("" : "+r"(s));
+    return *s;
+}
 
 // Does the frame `t` own a block?  Blocks are recorded in the order of their
 // frames, since a frame's blocks end before the frame below takes more.
@@ -88,41 +108,50 @@ inline bool owns_work(const ErrorStack &s, const ErrorFrame *t) {
 // freed and a result is left as it stands.
 void close_work(const ErrorFrame *t, int latest, bool trapped);
 
-// zorvs_e1psh in line: clear the message buffer when called from user level,
-// open a clean frame, clear the latest-event records.
-inline void push_value_frame(const char *name) {
-    ErrorStack &s = error_stack;
-    ErrorFrame *t = s.top();
-    if (!s.message || t - s.frames >= ZORVS_STACK_FRAMES - 1) [[unlikely]] {
-        zorvs_e1psh(name);
-        return;
-    }
-    if (t == s.frames) {
+// The plain push, as zorvs_e1psh does it below the stack's last frames once
+// the thread's error system is initialised: clear the message buffer when
+// called from user level, open a clean frame, clear the latest-event records.
+// Any other case returns false having changed nothing.
+inline bool push_plain(ErrorStack &s, const char *name) {
+    int depth = s.depth;
+    if (!s.message || depth >= ZORVS_STACK_FRAMES - 1) [[unlikely]] return false;
+    if (depth == 0) {
         s.end_message = 0;
         s.message[0] = '\0';
     }
-    ++t;
-    *t = ErrorFrame{0, 0, 0, name};
-    ++s.depth;
-    zorvs_error_n1rty[0] = zorvs_error_n1rty[1] = 0;
+    ErrorFrame *t = s.frames + depth + 1;
+    *t = ErrorFrame{0, 0, 0, 0, name};
+    s.depth = depth + 1;
+    s.n1rty[0] = s.n1rty[1] = 0;
     s.n1rcd[0] = s.n1rcd[1] = 0;
+    return true;
 }
 
-// zorvs_e1pop in line for a frame that saw no event: the release at user
-// level has nothing to print or stop for, type 0 and code 0 pass down.
-inline void pop_value_frame(const char *name) {
-    ErrorStack &s = error_stack;
-    ErrorFrame *t = s.top();
-    if (t == s.frames || t->name != name || t->type != 0 || t->code != 0 ||
-        zorvs_error_param.trapped || ((t - 1)->user && s.at_checksum) || owns_work(s, t)) [[unlikely]] {
-        zorvs_e1pop(name);
-        return;
-    }
-    ErrorFrame *below = t - 1;
-    if (below->type == 0) below->code = 0;
-    zorvs_error_n1rty[0] = zorvs_error_n1rty[1] = 0;
+// The plain pop, as zorvs_e1pop does it for a routine's own frame with no
+// event in it, no trap pending, no block owned and no observer waiting at
+// user level: the release has nothing to print or stop for (type 0 never
+// prints or stops), and type 0 and code 0 pass down.  Any other case returns
+// false having changed nothing.
+inline bool pop_plain(ErrorStack &s, const char *name) {
+    int depth = s.depth;
+    ErrorFrame *t = s.frames + depth;
+    if (depth == 0 || t->name != name || t->type != 0 || t->code != 0 || s.param.trapped ||
+        ((t - 1)->user && s.at_checksum) || owns_work(s, t)) [[unlikely]]
+        return false;
+    if ((t - 1)->type == 0) (t - 1)->code = 0;
+    s.n1rty[0] = s.n1rty[1] = 0;
     s.n1rcd[0] = s.n1rcd[1] = 0;
-    --s.depth;
+    s.depth = depth - 1;
+    return true;
+}
+
+// The push and pop of a value routine, in line for the plain case.
+inline void push_value_frame(const char *name) {
+    if (!push_plain(thread_stack(), name)) [[unlikely]] zorvs_e1psh(name);
+}
+
+inline void pop_value_frame(const char *name) {
+    if (!pop_plain(thread_stack(), name)) [[unlikely]] zorvs_e1pop(name);
 }
 
 }  // namespace zorvs

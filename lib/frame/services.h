@@ -22,7 +22,11 @@ extern "C" {
 #define ZORVS_MAX_SIGNAL_LEVELS 20
 
 /* The state below is per thread: each thread has its own parameters, latest
- * types and trap environments (C11 _Thread_local, GNU __thread in C99). */
+ * types and trap environments.  They are parts of the thread's error-stack
+ * record, so that a push, a pop or a trap bracket reaches everything it
+ * touches from one thread-local address.  C++ code names the parts directly;
+ * a C program reaches them through the calling thread's addresses.
+ * (C11 _Thread_local, GNU __thread in C99, for the other per-thread state.) */
 #if defined(__cplusplus)
 #define ZORVS_THREAD_LOCAL constinit thread_local
 #else
@@ -39,10 +43,23 @@ struct zorvs_error_param_t {
     char *name;                       /* catalogue file in use */
     jmp_buf environ[ZORVS_MAX_ENVIRONS]; /* environments of the trap brackets */
 };
-extern ZORVS_THREAD_LOCAL struct zorvs_error_param_t zorvs_error_param;
 
-/* Type of the latest event at this level [0], and of the last routine popped [1]. */
-extern ZORVS_THREAD_LOCAL int zorvs_error_n1rty[2];
+/* zorvs_error_param: the parameters; zorvs_error_n1rty: type of the latest
+ * event at this level [0], and of the last routine popped [1];
+ * zorvs_got_environ: the trap brackets open, the next free slot of
+ * zorvs_error_param.environ. */
+struct zorvs_error_param_t *zorvs_error_param_address(void);
+int *zorvs_error_n1rty_address(void);
+int *zorvs_got_environ_address(void);
+#if defined(__cplusplus)
+#define zorvs_error_param (::zorvs::error_stack.param)
+#define zorvs_error_n1rty (::zorvs::error_stack.n1rty)
+#define zorvs_got_environ (::zorvs::error_stack.got_environ)
+#else
+#define zorvs_error_param (*zorvs_error_param_address())
+#define zorvs_error_n1rty (zorvs_error_n1rty_address())
+#define zorvs_got_environ (*zorvs_got_environ_address())
+#endif
 
 /* Error stack. */
 void zorvs_e1psh(const char *name);
@@ -68,13 +85,15 @@ char *zorvs_find_message(int code);
 char *zorvs_find_name(int code);
 
 /* Signal trapping. */
-extern ZORVS_THREAD_LOCAL int zorvs_got_environ;
 int zorvs_trap_status(void);
 void zorvs_set_signal(int on);
 void zorvs_signal(void);
 
 #ifdef __cplusplus
 }
+/* The record that holds zorvs_error_param, zorvs_error_n1rty and
+ * zorvs_got_environ. */
+#include "frame/error_stack.hpp"
 #endif
 
 #endif /* ZORVS_SERVICES_H */

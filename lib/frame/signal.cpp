@@ -23,10 +23,6 @@
 #include "frame/frame.hpp"
 #include "frame/services.h"
 
-extern "C" {
-ZORVS_THREAD_LOCAL int zorvs_got_environ = 0;
-}
-
 namespace {
 
 constexpr int lv_catch[3] = {SIGILL, SIGSEGV, SIGBUS};
