@@ -108,6 +108,42 @@ TYPED_TEST(CholeskyTwins, GeneralizedSolveAndInverseInFourPaths) {
     }
 }
 
+// A consistent system whose dependent row's terms are large must not warn:
+// the residual of row 10 is judged on the scale of the terms that make it
+// (a fixed fault once judged it on the size of the result).  A relative
+// change of the right-hand side well above rounding must warn, and leave
+// the dependent unknown at 0.
+TYPED_TEST(CholeskyTwins, DependentRowResidualIsJudgedOnTheScaleOfItsTerms) {
+    using T = TypeParam;
+    const int n = 12;
+    std::vector<T> r(Index(n) * n, T(0)), x, rinv;
+    Xorshift gen{7};
+    auto next = [&] { return gen.unit() - 0.5; };
+    for (int j = 0; j < n; ++j)
+        for (int i = 0; i <= j; ++i)
+            if (i != 4 && i != 9) r[Index(j) * n + i] = T(i == j ? 3 + next() : next());
+    const double change = sizeof(T) == 4 ? 1e-3 : 1e-9;
+    Quiet q;
+    for (int trial = 0; trial < 200; ++trial) {
+        std::vector<T> z(n), c(n, T(0));
+        for (int i = 0; i < n; ++i) z[i] = (i == 4 || i == 9) ? T(0) : T(100 * next());
+        double terms = 0;  // of row 10: the sum of |r(h,10) z(h)|
+        for (int i = 0; i < n; ++i)
+            for (int h = 0; h <= i; ++h) c[i] += r[Index(i) * n + h] * z[h];
+        for (int h = 0; h < 9; ++h) terms += std::fabs(double(r[Index(9) * n + h]) * z[h]);
+        for (int path : {2, 4}) {
+            EXPECT_EQ(girts<T>(n, r, 1, c, path, x, rinv), n - 2);
+            EXPECT_EQ(zorvs_error_n1rty[1], 0) << "trial " << trial << " path " << path;
+        }
+        c[9] = T(double(c[9]) + change * terms);
+        girts<T>(n, r, 1, c, 2, x, rinv);
+        EXPECT_EQ(zorvs_error_n1rty[1], 3);
+        EXPECT_EQ(slots("i1=10 i2=1"), "i1=10 i2=1");
+        EXPECT_EQ(zorvs_error_code(), 11059);
+        EXPECT_EQ(x[9], T(0));
+    }
+}
+
 // Against the exact blocks inverse(A_SS), inverse(A_SS) A_ST and A_TT -
 // A_TS inverse(A_SS) A_ST (S swept, T not): forward sweeps into S = {2, 5},
 // then {2, 5, 1, 4}; reverse sweeps of 5 and 2 with others swept; then all

@@ -10,8 +10,8 @@
 // Spicer 1972, Applied Statistics algorithm AS 52), so that data with a
 // large offset and a small spread keep their digits.  Confidence limits use
 // Student's t for the mean and chi-squared for the variance.  The median
-// rows gather each column again, repeat values by their truncated integer
-// frequency, and sort.
+// rows sort each column's values once and walk their truncated integer
+// frequencies to the middle, so a frequency of billions costs no memory.
 //
 // The pass runs on each column less its first value seen.  The centred sums
 // do not change under a shift, and the running mean of the shifted values is
@@ -586,19 +586,13 @@ void finish(Summary<T> &s) {
     }
 }
 
-// The value of a sorted vector's middle, or the mean of its two middle values.
+// How many times row i counts in the median of variable j: 0 for a row left
+// out (a missing value, frequency or weight where the pass saw any; a
+// frequency below 1), else the whole part of its frequency, at most 2^53 (a
+// float or double above that is a whole number already and the sums below
+// stay exact).
 template <class T>
-T middle_of(T *values, long m) {
-    if (m <= 0) return zorvs::missing<T>();
-    zorvs::sort::svrgn(static_cast<int>(m), values, values);
-    if (m % 2 == 1) return values[m / 2];
-    return (values[m / 2 - 1] + values[m / 2]) / T(2);
-}
-
-// Does row i take part in the median of variable j?  Without missing values
-// in the pass no test is made; frequencies below 1 contribute nothing.
-template <class T>
-long repeats_of(const Summary<T> &s, long i, int j) {
+long long repeats_of(const Summary<T> &s, long i, int j) {
     if (s.n_missing > 0) {
         if (s.frequencies && (zorvs::is_missing(s.frequencies[i]) || s.frequencies[i] == T(0))) return 0;
         if (s.weights && zorvs::is_missing(s.weights[i])) return 0;
@@ -610,50 +604,62 @@ long repeats_of(const Summary<T> &s, long i, int j) {
         }
     }
     if (!s.frequencies) return 1;
-    T f = s.frequencies[i];
+    const T f = s.frequencies[i];
     if (!(f >= T(1))) return 0;
-    if (f > T(1e9)) f = T(1e9);
-    return static_cast<long>(f);
+    if (f >= T(0x1p53)) return 1LL << 53;
+    return static_cast<long long>(f);
+}
+
+// The middle of variable j's values as given by value(i), each repeated by
+// its row's count, or the mean of the two middle values: the rows' values
+// are sorted once with their row numbers and the counts walked to the middle
+// positions, so that memory and time follow the number of rows, not the sum
+// of the frequencies.  `values` and `rows` hold n_observations elements.
+template <class T, class Value>
+T weighted_middle(const Summary<T> &s, int j, T *values, int *rows, Value value) {
+    int m = 0;
+    unsigned __int128 total = 0;  // up to 2^31 rows of 2^53 each
+    for (long i = 0; i < s.n_observations; ++i) {
+        const long long r = repeats_of(s, i, j);
+        if (r == 0) continue;
+        values[m] = value(i);
+        rows[m++] = static_cast<int>(i);
+        total += static_cast<unsigned long long>(r);
+    }
+    if (m == 0) return zorvs::missing<T>();
+    zorvs::sort::svrgp(m, values, values, rows);
+    // The value at 0-based position `at` of the repeated, sorted values.
+    auto value_at = [&](unsigned __int128 at) {
+        unsigned __int128 seen = 0;
+        for (int k = 0; k < m; ++k) {
+            seen += static_cast<unsigned long long>(repeats_of(s, rows[k], j));
+            if (at < seen) return values[k];
+        }
+        return values[m - 1];
+    };
+    if (total % 2 == 1) return value_at(total / 2);
+    return (value_at(total / 2 - 1) + value_at(total / 2)) / T(2);
 }
 
 // Rows 14 to 16: median, median absolute deviation, and robust scale.
 template <class T>
 void median_rows(Summary<T> &s, bool with_scale) {
     const T nan = zorvs::missing<T>();
-    // The largest number of values any variable gathers.
-    long largest = 0;
-    for (int j = 0; j < s.n_variables; ++j) {
-        long m = 0;
-        if (s.cell(COUNT, j) != T(0))
-            for (long i = 0; i < s.n_observations; ++i) m += repeats_of(s, i, j);
-        if (m > largest) largest = m;
-    }
-    T *values = nullptr;
-    if (largest > std::numeric_limits<int>::max() ||
-        !(values = zorvs::workspace<T>(static_cast<std::size_t>(largest)))) {
-        if (largest > std::numeric_limits<int>::max()) zorvs_ermes(5, 200);
-        return;
-    }
+    const std::size_t n = static_cast<std::size_t>(s.n_observations);
+    T *values = zorvs::workspace<T>(n);
+    int *rows = values ? zorvs::workspace<int>(n) : nullptr;
+    if (!rows) return;
     // Phi^-1(0.75), once per call, in the routine's precision.
     T scale_divisor = T(1);
     if (with_scale) scale_divisor = zorvs::dist::normal_inverse_cdf(T(0.75));
     for (int j = 0; j < s.n_variables; ++j) {
         T median = nan;
-        if (s.cell(COUNT, j) != T(0)) {
-            long m = 0;
-            for (long i = 0; i < s.n_observations; ++i)
-                for (long r = repeats_of(s, i, j); r > 0; --r) values[m++] = s.value(i, j);
-            median = middle_of(values, m);
-        }
+        if (s.cell(COUNT, j) != T(0)) median = weighted_middle(s, j, values, rows, [&](long i) { return s.value(i, j); });
         s.cell(MEDIAN, j) = median;
         if (!with_scale) continue;
         T mad = nan;
-        if (s.cell(COUNT, j) != T(0) && !zorvs::is_missing(median)) {
-            long m = 0;
-            for (long i = 0; i < s.n_observations; ++i)
-                for (long r = repeats_of(s, i, j); r > 0; --r) values[m++] = std::fabs(s.value(i, j) - median);
-            mad = middle_of(values, m);
-        }
+        if (s.cell(COUNT, j) != T(0) && !zorvs::is_missing(median))
+            mad = weighted_middle(s, j, values, rows, [&](long i) { return std::fabs(s.value(i, j) - median); });
         s.cell(MAD, j) = mad;
         s.cell(ROBUST_SCALE, j) = zorvs::is_missing(mad) ? nan : mad / scale_divisor;
     }

@@ -99,7 +99,7 @@ struct Special {
 
 TEST(SimpleStatistics, SpecialCasesAsRows) {
     double one[] = {4.5, -1.0}, same[] = {3.0, 3.0, 3.0, 3.0}, x[] = {1, 2, 100, 3}, w[] = {1, 1, 0, 1};
-    double y[] = {1, 5, 6}, f[] = {2.5, 1, 1}, ones[] = {1, 1, 1, 1};
+    double y[] = {1, 5, 6}, f[] = {2.5, 1, 1}, ones[] = {1, 1, 1, 1}, billions[] = {1, 1, 3e9};
     double m[] = {1.0, 10.0, NaN, 2.0, NaN, NaN, 3.0, 30.0, NaN, 4.0, 40.0, NaN};
     const std::vector<double> m_before(m, m + 12);
     const Special rows[] = {
@@ -127,6 +127,9 @@ TEST(SimpleStatistics, SpecialCasesAsRows) {
         // fractional frequencies count, but repeat by truncation: 1, 1, 5, 6
         {"fractional frequencies", [&] { return zorvs_d_simple_statistics(3, 1, y, ZORVS_FREQUENCIES, f, ZORVS_MEDIAN, 0); },
          1, {{COUNT, 0, 4.5}, {MED, 0, 3}}},
+        // a frequency of billions: the median and the deviation of 3e9 + 2 values, without their memory
+        {"billions", [&] { return zorvs_d_simple_statistics(3, 1, y, ZORVS_FREQUENCIES, billions, ZORVS_MEDIAN_AND_SCALE, 0); },
+         1, {{COUNT, 0, 3e9 + 2}, {MED, 0, 6}, {MAD, 0, 0}}},
     };
     Quiet q;
     CodeLog log;
