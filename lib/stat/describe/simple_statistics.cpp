@@ -628,17 +628,16 @@ T weighted_middle(const Summary<T> &s, int j, T *values, int *rows, Value value)
     }
     if (m == 0) return zorvs::missing<T>();
     zorvs::sort::svrgp(m, values, values, rows);
-    // The value at 0-based position `at` of the repeated, sorted values.
-    auto value_at = [&](unsigned __int128 at) {
-        unsigned __int128 seen = 0;
-        for (int k = 0; k < m; ++k) {
-            seen += static_cast<unsigned long long>(repeats_of(s, rows[k], j));
-            if (at < seen) return values[k];
-        }
-        return values[m - 1];
-    };
-    if (total % 2 == 1) return value_at(total / 2);
-    return (value_at(total / 2 - 1) + value_at(total / 2)) / T(2);
+    // One walk of the counts to the 0-based positions (total - 1) / 2 and
+    // total / 2 of the repeated, sorted values: the same position when the
+    // total is odd.
+    const unsigned __int128 lower = (total - 1) / 2, upper = total / 2;
+    int k = 0;
+    unsigned __int128 seen = static_cast<unsigned long long>(repeats_of(s, rows[0], j));
+    while (lower >= seen) seen += static_cast<unsigned long long>(repeats_of(s, rows[++k], j));
+    const T low = values[k];
+    while (upper >= seen) seen += static_cast<unsigned long long>(repeats_of(s, rows[++k], j));
+    return lower == upper ? low : (low + values[k]) / T(2);
 }
 
 // Rows 14 to 16: median, median absolute deviation, and robust scale.
